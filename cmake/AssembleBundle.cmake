@@ -1,0 +1,21 @@
+# Run as a script: lays out the bundle anew beside the old one and lets it take its place.
+cmake_policy(VERSION 3.25)
+set(fresh ${BUNDLE}.new)
+file(REMOVE_RECURSE ${fresh})
+
+file(COPY ${RESOURCES}/Info.plist DESTINATION ${fresh}/Contents)
+file(COPY ${RESOURCES}/files DESTINATION ${fresh}/Contents/Resources)
+file(GLOB tables ${RESOURCES}/*.lproj)
+file(COPY ${tables} DESTINATION ${fresh}/Contents/Resources)
+file(COPY ${RESOURCES}/SharedSupport DESTINATION ${fresh}/Contents)
+file(COPY ${PROGRAM} DESTINATION ${fresh}/Contents/MacOS)
+string(REPLACE "|" ";" helpers "${HELPERS}")
+file(COPY ${helpers} DESTINATION ${fresh}/Contents/Helpers)
+
+foreach(application IN LISTS APPLICATIONS)
+  get_filename_component(name ${application} NAME_WLE)
+  configure_file(${STAND_IN} "${fresh}/Contents/${application}/Contents/MacOS/${name}" COPYONLY)
+endforeach()
+
+file(REMOVE_RECURSE ${BUNDLE})
+file(RENAME ${fresh} ${BUNDLE})

@@ -1,0 +1,22 @@
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+                    -Wimplicit-fallthrough -Wnull-dereference -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # g++ 12 sees null dereferences and overlaps inside its own library when it inlines std::variant and std::string.
+  add_compile_options(-Wno-null-dereference -Wno-restrict -Wno-maybe-uninitialized)
+endif()
+
+# The program runs with administrator rights: what the compiler can harden, it hardens.
+add_compile_options(-fstack-protector-strong -fPIE)
+add_link_options(-pie -Wl,-z,relro,-z,now)
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT INSTALLER_SANITIZERS)
+  add_compile_definitions(_FORTIFY_SOURCE=2)
+endif()
+
+if(INSTALLER_SANITIZERS)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+if(INSTALLER_FUZZERS)
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -g)
+  add_link_options(-fsanitize=address,undefined)
+endif()

@@ -1,0 +1,1 @@
+return { LrSdkVersion = 3.0, LrPluginName = "Dunmore Export" }

@@ -1,0 +1,1 @@
+// Runs Dunmore 3 over every open document.

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "foundation/KeyValueCoding.h"
+
+/// One application, or folder, that the product can be installed into. Kinds that need a treatment of their own are told
+/// apart by class.
+///
+/// Not every kind answers every operation. Asking for one that the kind does not answer is a programming error and
+/// raises UnknownKey; so does its key.
+class HostModel : public KeyValueCoding {
+ public:
+  /// Name shown in the host list.
+  [[nodiscard]] virtual std::string hostName() const = 0;
+
+  /// Whether the host is there; only then is it offered.
+  [[nodiscard]] virtual bool hostIsInstalled() const = 0;
+
+  // Folders that receive the plug-in, the scripts and the panels; empty where there is none.
+  [[nodiscard]] virtual std::string plugInPath() const = 0;
+  [[nodiscard]] virtual std::string scriptsPath() const = 0;
+  [[nodiscard]] virtual std::string panelsPath() const = 0;
+
+  [[nodiscard]] virtual bool shouldInstallScripts() const = 0;
+  [[nodiscard]] virtual bool shouldInstallPanels() const = 0;
+
+  /// The user's tick. Not answered by Fireworks.
+  [[nodiscard]] virtual bool hostIsSelected() const { throw UnknownKey("hostIsSelected"); }
+  virtual void setHostIsSelected(bool /*selected*/) { throw UnknownKey("hostIsSelected"); }
+
+  /// The host list ascends by this. Not answered by Fireworks.
+  [[nodiscard]] virtual std::uint64_t displaySortOrder() const { throw UnknownKey("displaySortOrder"); }
+
+  /// Answered by Fireworks and the custom folder.
+  [[nodiscard]] virtual bool shouldInstallPlugIns() const { throw UnknownKey("shouldInstallPlugIns"); }
+
+  /// Every operation above, by its name.
+  [[nodiscard]] Value valueForKey(std::string_view key) const override;
+};
+
+using HostList = std::vector<std::shared_ptr<HostModel>>;

@@ -1,0 +1,31 @@
+#include "hosts/LightRoomHostModel.h"
+
+#include "foundation/Format.h"
+#include "foundation/Path.h"
+#include "install/paths/InstallerTexts.h"
+#include "install/paths/PlugInFilesModel.h"
+
+std::shared_ptr<LightRoomHostModel> LightRoomHostModel::initWithHostName(Platform& platform, std::string name) {
+  auto model = std::shared_ptr<LightRoomHostModel>(new LightRoomHostModel(platform, std::move(name)));
+  model->hostIsInstalled_ = platform.files.exists(PlugInFilesModel(platform).lightRoomPresetDir());
+  return model;
+}
+
+std::string LightRoomHostModel::templateFileTextWithAppName(std::string_view appName) const {
+  // Lightroom reads this as a program: the blanks and the commas are part of the format.
+  constexpr std::string_view format =
+      "s = {   id = \"%@\",\n"
+      "  internalName = \"%@\",\n"
+      "  title = \"%@\",\n"
+      "  type = \"ExternalEditor\",\n"
+      "  value = {\n"
+      "  externalEditingFormat = \"%@\",\n"
+      "  externalEditingFormat_dpi = 240,\n"
+      "  externalEditorFullPath  = \"%@\",\n"
+      "  },\n"
+      "  version = 0,\n"
+      "  }\n";
+  const std::string product = productName(platform_);
+  return formatted(format, platform_.identifiers.makeUuid(), product, product, "TIFF_None_16_ProPhotoRGB",
+                   joinPath(PlugInFilesModel(platform_).standAloneAppsInstallPath(), appName));
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "hosts/HostModel.h"
+#include "platform/Platform.h"
+
+/// Lightroom, which is served through external-editor presets rather than a plug-in folder.
+class LightRoomHostModel : public HostModel {
+ public:
+  /// Installed when Lightroom's preset folder is there at this moment.
+  [[nodiscard]] static std::shared_ptr<LightRoomHostModel> initWithHostName(Platform& platform, std::string name);
+
+  [[nodiscard]] std::string hostName() const override { return hostName_; }
+  [[nodiscard]] bool hostIsInstalled() const override { return hostIsInstalled_; }
+  [[nodiscard]] bool hostIsSelected() const override { return hostIsSelected_; }
+  void setHostIsSelected(bool selected) override { hostIsSelected_ = selected; }
+  [[nodiscard]] std::optional<std::string> appPath() const { return lightroomAppPath_; }
+  [[nodiscard]] std::string plugInPath() const override { return {}; }
+  [[nodiscard]] std::string scriptsPath() const override { return {}; }
+  [[nodiscard]] std::string panelsPath() const override { return {}; }
+  [[nodiscard]] bool shouldInstallScripts() const override { return false; }
+  [[nodiscard]] bool shouldInstallPanels() const override { return false; }
+  [[nodiscard]] std::uint64_t displaySortOrder() const override { return 5000; }
+
+  /// Text of one external-editor preset for the stand-alone application of that name, with a new identifier each time.
+  [[nodiscard]] std::string templateFileTextWithAppName(std::string_view appName) const;
+
+ private:
+  LightRoomHostModel(Platform& platform, std::string name) : platform_(platform), hostName_(std::move(name)) {}
+
+  Platform& platform_;
+  bool hostIsInstalled_ = false;
+  std::string hostName_;
+  std::optional<std::string> lightroomAppPath_;  // never set: nothing goes to the application itself
+  bool hostIsSelected_ = true;
+};

@@ -1,0 +1,9 @@
+#include "hosts/UserDirectories.h"
+
+std::optional<std::string> NSUserPreferencesDirectory(const Platform& platform) {
+  return platform.folders.findUserPreferences();
+}
+
+std::optional<std::string> ApplicationSupportDirectory(const Platform& platform) {
+  return platform.folders.findUserApplicationSupport();
+}

@@ -1,0 +1,137 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "foundation/Result.h"
+#include "hosts/HostModel.h"
+#include "install/InstallFilesModel.h"
+#include "platform/Platform.h"
+#include "shell/contract/SetupMainController.h"
+#include "shell/contract/SetupStepController.h"
+
+/// The install page, and the install itself, which also runs without a page. Everything happens on the main thread;
+/// callers must stand being re-entered through the run loop, which is run where a text is shown.
+///
+/// Its operations are defined by topic: the page and the sequence in InstallFilesController.cpp, the copying in
+/// FileInstallation.cpp, everything before and after it in tasks/.
+class InstallFilesController : public SetupStepController {
+ public:
+  explicit InstallFilesController(Platform& platform) : platform_(platform) {}
+
+  // The page. Going forward to it installs, and then moves on by itself.
+  [[nodiscard]] bool enableForward() const override { return !copyInProgress_; }
+  [[nodiscard]] bool enableBackward() const override { return !copyInProgress_; }
+  [[nodiscard]] bool canProceed(std::int32_t /*direction*/) override { return !copyInProgress_; }
+  void didProceed(std::int32_t delta) override;
+  void didEnterWithModel(std::shared_ptr<SetupStepModel> model, std::shared_ptr<View> withView,
+                         SetupMainController* withMainController, std::int32_t direction) override;
+
+  /// Whether the last install put everything in place.
+  [[nodiscard]] bool successfulInstall() const { return installComplete_ && !authDenied_; }
+
+  /// Runs the whole install. What went wrong shows in authDenied() and fileOpErrorOccurred().
+  void install(const HostList& hosts, bool shouldConfigureLumatraExternalEditors);
+
+  /// A tool was refused its rights, or the user cancelled; nothing more is installed.
+  [[nodiscard]] bool authDenied() const { return authDenied_; }
+  /// A file could not be installed, or rights could not be obtained; no further host is served.
+  [[nodiscard]] bool fileOpErrorOccurred() const { return fileOpErrorOccurred_; }
+  /// Every path installed, in order.
+  [[nodiscard]] const std::vector<std::string>& installedPaths() const { return installedPaths_; }
+  /// Every path that could not be installed, in order.
+  [[nodiscard]] const std::vector<std::string>& failedPaths() const { return failedPaths_; }
+
+  /// Gets hold of administrator rights, unless they are held already; false when they cannot be had. The operations below
+  /// need them.
+  [[nodiscard]] bool obtainAuthorization();
+
+  void setInProgress(bool inProgress);
+  void setInstallComplete(bool complete) { installComplete_ = complete; }
+  /// Shows the text on the page and lets the window draw it.
+  void setUIText(const std::string& text);
+
+  // Copying.
+
+  /// The payload that belongs to no host, from the bundle's mirror of the boot volume.
+  void installFiles();
+  /// The host's payload.
+  void installFiles(const HostModel& host);
+  /// Every package and every file below `from`, hidden ones left out, to the same place below `to`; replaces what is there.
+  void copyHostFilesFrom(const std::string& from, const std::string& to);
+  /// Installs the items into the folder `toPath`: copies, hands over to the user, notes the path. An item that is there
+  /// already is replaced when `alwaysInstall` is set, or when the new one is not older (by version for bundles, else by
+  /// date). Each item is all there or left as it was; one that cannot be installed is reported and the others go on.
+  void installSourceFiles(const std::vector<std::string>& sources, const std::string& toPath, bool isBundle,
+                          bool alwaysInstall);
+  /// Makes the folder, and the one that it is in, and hands what it made to the user.
+  void ensureDirExists(const std::string& path);
+  [[nodiscard]] bool isFileOkToInstallByBundleVersion(const std::string& source, const std::string& alreadyThere) const;
+  [[nodiscard]] bool isFileOkToInstallByModificationTime(const std::string& source,
+                                                         const std::string& alreadyThere) const;
+  /// Whether the code of a failed launch means that there are no rights to be had.
+  [[nodiscard]] static bool isFatalAuthCode(std::int32_t code) { return code >= 5530 && code <= 5540; }
+  void setAttributesRecursive(const std::string& path, const OwnershipAndMode& attributes);
+
+  // Tasks around the copying.
+
+  /// Lists the editors that Lumatra X offers: the newest Photoshop and the maker's applications that are present.
+  void configureLumatraExternalEditors();
+  /// Removes stale manifests from the maker's folder, for the applications to make them anew.
+  void cleanManifests();
+  /// Has the system's database of applications brought up to date; does not wait for it.
+  void runLsregister();
+  /// Registers one installed application and takes the download-quarantine mark off it and all that is in it.
+  void registerInstalledApplication(const std::string& path);
+  /// Writes installedPaths() to the log file; leaves an earlier one alone when there are none.
+  void logInstalledPaths();
+
+  /// For a file operation that asks how to go on after an error, which it describes under "Error" and "Path": shows it,
+  /// notes that a file failed, and returns whether the user wants to go on.
+  bool fileManager(const FileSystem& manager, const Value::Dictionary& shouldProceedAfterError);
+  /// Reports that a file could not be installed.
+  void showFileErrorUI(const std::string& path);
+
+ private:
+  // The page and the sequence.
+  void announce(std::initializer_list<std::string_view> keys, const std::function<void()>& change);
+  [[nodiscard]] std::string localized(std::string_view key) const;
+
+  // Copying.
+  enum class Outcome { installed, failed, denied };
+  void installHostIndependentPackages(const std::string& root);
+  void installProductFolders(const std::string& root);
+  [[nodiscard]] bool mayReplace(const std::string& source, const std::string& target, bool isBundle,
+                                bool alwaysInstall) const;
+  [[nodiscard]] Outcome putInPlace(const std::string& source, const std::string& target, bool isReplacing);
+  [[nodiscard]] bool appearsInTime(const std::string& source, const std::string& target);
+  [[nodiscard]] bool createFolderForUser(const std::string& path);
+  void reportFailedFile(const std::string& path);
+  [[nodiscard]] Alert fileErrorAlert(const std::string& errorText, const std::string& path) const;
+
+  // Tools, with the install's rights, each waited for. False from the first two when there are no rights to be had, which
+  // authDenied_ then tells, too. Any other failure of a tool shows on the disk.
+  [[nodiscard]] bool runTool(const std::string& tool, const std::vector<std::string>& arguments);
+  [[nodiscard]] bool runToolWithoutOutput(const std::string& tool, const std::vector<std::string>& arguments);
+  [[nodiscard]] bool mayGoOnAfter(const std::optional<Error>& error);
+  void runToolIgnoringResult(const std::string& tool, const std::vector<std::string>& arguments);
+  [[nodiscard]] std::string ownerText() const;
+
+  Platform& platform_;
+  bool copyInProgress_ = false;
+  bool installComplete_ = false;
+  bool authDenied_ = false;
+  bool fileOpErrorOccurred_ = false;
+  std::shared_ptr<InstallFilesModel> model_;
+  SetupMainController* mainController_ = nullptr;
+  std::shared_ptr<View> view_;
+  std::unique_ptr<Authorization> authorization_;
+  std::vector<std::string> installedPaths_;
+  std::vector<std::string> failedPaths_;
+};

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "platform/Platform.h"
+
+// The names that make the installer one product's: the entries of the strings table "installer". A missing entry is an
+// empty text.
+
+[[nodiscard]] std::string companyName(const Platform& platform);
+[[nodiscard]] std::string productName(const Platform& platform);
+
+/// Preferences domain of the installed product.
+[[nodiscard]] std::string productPreferencesDomain(const Platform& platform);

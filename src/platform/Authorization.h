@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// Result of a privileged launch, in the system's numbering; 0 is success.
+using LaunchStatus = std::int32_t;
+inline constexpr LaunchStatus launchSucceeded = 0;
+inline constexpr LaunchStatus errAuthorizationToolExecuteFailure = -60031;
+
+/// Reading end of a launched tool's standard output.
+class CommunicationsPipe {
+ public:
+  CommunicationsPipe() = default;
+  CommunicationsPipe(const CommunicationsPipe&) = delete;
+  CommunicationsPipe& operator=(const CommunicationsPipe&) = delete;
+  virtual ~CommunicationsPipe() = default;
+
+  /// Reads up to `size` bytes, waiting until there are that many or the output has ended. Returns how many; 0 at the end.
+  virtual std::size_t read(char* bytes, std::size_t size) = 0;
+};
+
+/// A handle on administrator rights.
+class Authorization {
+ public:
+  /// Flag of obtain(): extend the rights that the user has.
+  static constexpr std::uint32_t extendRights = 2;
+
+  Authorization() = default;
+  Authorization(const Authorization&) = delete;
+  Authorization& operator=(const Authorization&) = delete;
+  virtual ~Authorization() = default;
+
+  /// Obtains rights, none of them named. False when they cannot be had. The user is asked for a password by the first
+  /// launch, not here.
+  virtual bool obtain(std::uint32_t flags) = 0;
+
+  /// Starts the tool with administrator rights and its standard output connected to `pipe`. The path is that of a system
+  /// tool as a Mac has it; arguments go to the tool as they are, with no shell between, in a clean environment. Paths
+  /// among them are those of the target volume, as for FileSystem. Does not wait for the tool to end. `pipe` is set only
+  /// when the launch succeeded.
+  virtual LaunchStatus executeWithPrivileges(const std::string& toolPath, const std::vector<std::string>& arguments,
+                                             std::unique_ptr<CommunicationsPipe>& pipe) = 0;
+
+  /// Waits for any one child process of the installer to end and reaps it; returns at once when there is none.
+  virtual void waitForAnyChild() = 0;
+};
+
+class Authorizations {
+ public:
+  Authorizations() = default;
+  Authorizations(const Authorizations&) = delete;
+  Authorizations& operator=(const Authorizations&) = delete;
+  virtual ~Authorizations() = default;
+
+  [[nodiscard]] virtual std::unique_ptr<Authorization> createAuthorization() = 0;
+};

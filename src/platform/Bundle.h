@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "foundation/Value.h"
+
+/// A folder laid out as an application, plug-in or other bundle: "Contents" with its Info.plist, resources and
+/// shared-support files. A damaged bundle answers as if what is damaged were missing.
+class Bundle {
+ public:
+  Bundle() = default;
+  Bundle(const Bundle&) = delete;
+  Bundle& operator=(const Bundle&) = delete;
+  virtual ~Bundle() = default;
+
+  [[nodiscard]] virtual std::string bundlePath() const = 0;
+  [[nodiscard]] virtual std::string resourcePath() const = 0;
+  [[nodiscard]] virtual std::string sharedSupportPath() const = 0;
+
+  /// A value of the info dictionary (Info.plist), or none.
+  [[nodiscard]] virtual Value infoValue(std::string_view key) const = 0;
+
+  /// The text for the key in the table, in the first of the user's languages that the bundle has, else in English; the
+  /// fallback when the table has no such key.
+  [[nodiscard]] virtual std::string localizedString(std::string_view key, std::string_view fallback,
+                                                    std::string_view table) const = 0;
+  [[nodiscard]] std::string localizedString(std::string_view key) const {
+    return localizedString(key, "", "Localizable");
+  }
+};
+
+class Bundles {
+ public:
+  Bundles() = default;
+  Bundles(const Bundles&) = delete;
+  Bundles& operator=(const Bundles&) = delete;
+  virtual ~Bundles() = default;
+
+  /// The installer's own bundle.
+  [[nodiscard]] virtual const Bundle& mainBundle() const = 0;
+
+  /// The folder at the path as a bundle; null when there is no folder. It need not hold an Info.plist.
+  [[nodiscard]] virtual std::unique_ptr<Bundle> bundleAtPath(const std::string& path) const = 0;
+};

@@ -1,0 +1,98 @@
+#include "platform/linux/LinuxPlatform.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <optional>
+#include <utility>
+
+#include "foundation/Path.h"
+#include "platform/posix/SystemCalls.h"
+
+namespace {
+
+/// Without links; nothing when the path leads nowhere.
+std::optional<std::string> realPath(const std::string& path) {
+  const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+  if (real == nullptr) return std::nullopt;
+  return std::string(real.get());
+}
+
+/// The bundle that holds this program at Contents/MacOS.
+std::optional<std::string> ownBundle() {
+  const auto program = realPath("/proc/self/exe");
+  if (!program) return std::nullopt;
+  const std::string folder = deletingLastPathComponent(*program);
+  const std::string contents = deletingLastPathComponent(folder);
+  if (lastPathComponent(folder) != "MacOS" || lastPathComponent(contents) != "Contents") return std::nullopt;
+  return deletingLastPathComponent(contents);
+}
+
+/// What a program that starts others, and is started by anyone, must not leave to chance.
+void setUpProcess() {
+  // A standard descriptor that came closed would be given to the next file that is opened.
+  int descriptor = 0;
+  do {
+    descriptor = ::open("/dev/null", O_RDWR);
+  } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+  if (descriptor > STDERR_FILENO) ::close(descriptor);
+  // Nobody reading our output, or a limit on the size of files, is an error like any other and not the end of an install.
+  static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+  static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
+  ::umask(022);
+}
+
+std::string homeOnVolume(const std::string& volumeRoot, const PosixUser& user) {
+  return volumeRoot == "/" ? user.account().home : joinPath("/Users", user.shortName());
+}
+
+}  // namespace
+
+LinuxPlatform::LinuxPlatform(const std::string& volumeRoot, const std::string& bundlePath, UserAccount user)
+    : user_(std::move(user), preferredLanguages()),
+      volume_(volumeRoot, bundlePath),
+      files_(volume_, user_),
+      folders_(files_, homeOnVolume(volumeRoot, user_)),
+      bundles_(bundlePath, files_, user_, log_),
+      preferences_(files_, folders_, log_),
+      applicationsFolder_(joinPath(folders_.homeDirectory(), ".local/share/applications")),
+      tools_(volume_, user_, joinPath(bundlePath, "Contents/Helpers"), applicationsFolder_),
+      authorizations_(tools_),
+      tasks_(runLoop_, notifications_),
+      desktopEntries_(volume_, files_, bundles_, applicationsFolder_),
+      platform_{.files = files_,
+                .bundles = bundles_,
+                .folders = folders_,
+                .preferences = preferences_,
+                .authorizations = authorizations_,
+                .tasks = tasks_,
+                .runLoop = runLoop_,
+                .notifications = notifications_,
+                .launchServices = desktopEntries_,
+                .toolkit = toolkit_,
+                .processor = processor_,
+                .identifiers = identifiers_,
+                .log = log_,
+                .user = user_,
+                .clock = clock_} {}
+
+std::string LinuxPlatform::shownPath(const std::string& path) const { return joinPath(volume_.root(), path); }
+
+Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& target) {
+  setUpProcess();
+  const auto root = realPath(target);
+  if (!root) return systemError(errno, target);
+  struct stat status {};
+  if (::stat(root->c_str(), &status) != 0) return systemError(errno, target);
+  if (!S_ISDIR(status.st_mode)) return Error::posix(std::errc::not_a_directory, target);
+  if (::access(root->c_str(), R_OK | X_OK) != 0) return systemError(errno, target);
+  const auto bundle = ownBundle();
+  if (!bundle) {
+    return Error{"", 0, {{std::string(Error::localizedDescriptionKey), "the program does not lie in its bundle"}}};
+  }
+  return std::unique_ptr<SystemPlatform>(std::make_unique<LinuxPlatform>(*root, *bundle, loggedInUser()));
+}

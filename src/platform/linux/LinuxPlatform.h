@@ -1,0 +1,52 @@
+#pragma once
+
+#include <string>
+
+#include "platform/SystemPlatform.h"
+#include "platform/linux/DesktopEntries.h"
+#include "platform/linux/LinuxAuthorization.h"
+#include "platform/linux/LinuxProcessor.h"
+#include "platform/linux/SystemTools.h"
+#include "platform/posix/BundleOnDisk.h"
+#include "platform/posix/ConsoleToolkit.h"
+#include "platform/posix/MacFolders.h"
+#include "platform/posix/PollRunLoop.h"
+#include "platform/posix/PosixClock.h"
+#include "platform/posix/PosixFileSystem.h"
+#include "platform/posix/PosixIdentifiers.h"
+#include "platform/posix/PosixTasks.h"
+#include "platform/posix/PosixUser.h"
+#include "platform/posix/PropertyListPreferences.h"
+#include "platform/posix/SystemLog.h"
+#include "platform/posix/Volume.h"
+
+/// Linux, installing into a Mac volume.
+class LinuxPlatform : public SystemPlatform {
+ public:
+  /// Both paths are real and without links.
+  LinuxPlatform(const std::string& volumeRoot, const std::string& bundlePath, UserAccount user);
+
+  [[nodiscard]] Platform& platform() override { return platform_; }
+  [[nodiscard]] std::string shownPath(const std::string& path) const override;
+
+ private:
+  PosixUser user_;
+  SystemLog log_;
+  Volume volume_;
+  PosixFileSystem files_;
+  MacFolders folders_;
+  BundlesOnDisk bundles_;
+  PropertyListPreferences preferences_;
+  std::string applicationsFolder_;
+  SystemTools tools_;
+  LinuxAuthorizations authorizations_;
+  PollRunLoop runLoop_;
+  NotificationCenter notifications_;
+  PosixTasks tasks_;
+  DesktopEntries desktopEntries_;
+  ConsoleToolkit toolkit_;
+  LinuxProcessor processor_;
+  PosixIdentifiers identifiers_;
+  PosixClock clock_;
+  Platform platform_;
+};

@@ -1,0 +1,9 @@
+#pragma once
+
+#include "platform/Processor.h"
+
+class LinuxProcessor : public Processor {
+ public:
+  [[nodiscard]] Registers identification(std::uint32_t leaf, std::uint32_t subLeaf) const override;
+  [[nodiscard]] std::uint64_t extendedControlRegister() const override;
+};

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/posix/PosixUser.h"
+#include "platform/posix/Volume.h"
+
+/// A tool of this system with its arguments.
+struct SystemCommand {
+  std::string executable;
+  std::vector<std::string> arguments;
+};
+
+/// Stands in for a Mac's system tools: the one table from their paths to what does the same here. Paths of the target
+/// volume among the arguments become paths of this system.
+class SystemTools {
+ public:
+  /// `helpersFolder` holds the installer's own tools, on this system; `applicationsFolder` the registered applications, on
+  /// the volume.
+  SystemTools(const Volume& volume, const PosixUser& user, std::string helpersFolder, std::string applicationsFolder);
+
+  /// Nothing when there is no such tool, or when it is asked to change the installer's own bundle.
+  [[nodiscard]] std::optional<SystemCommand> resolve(const std::string& macPath,
+                                                     const std::vector<std::string>& arguments) const;
+
+ private:
+  using Arguments = std::vector<std::string>;
+  using MakeCommand = std::optional<SystemCommand> (SystemTools::*)(const Arguments& arguments) const;
+  struct Tool {
+    const char* macPath;
+    MakeCommand make;
+  };
+  static const Tool table[];
+
+  [[nodiscard]] std::optional<SystemCommand> copy(const Arguments& arguments) const;
+  [[nodiscard]] std::optional<SystemCommand> remove(const Arguments& arguments) const;
+  [[nodiscard]] std::optional<SystemCommand> makeDirectory(const Arguments& arguments) const;
+  [[nodiscard]] std::optional<SystemCommand> changeOwner(const Arguments& arguments) const;
+  [[nodiscard]] std::optional<SystemCommand> changeMode(const Arguments& arguments) const;
+  [[nodiscard]] std::optional<SystemCommand> touch(const Arguments& arguments) const;
+  [[nodiscard]] std::optional<SystemCommand> removeAttribute(const Arguments& arguments) const;
+  [[nodiscard]] std::optional<SystemCommand> updateApplications(const Arguments& arguments) const;
+
+  [[nodiscard]] std::optional<Arguments> mapped(const Arguments& arguments, Volume::LastLink lastLink) const;
+  [[nodiscard]] std::optional<SystemCommand> command(const char* name, std::optional<Arguments> arguments) const;
+
+  const Volume& volume_;
+  const PosixUser& user_;
+  std::string helpersFolder_;
+  std::string applicationsFolder_;
+};

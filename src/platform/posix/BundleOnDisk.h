@@ -1,0 +1,56 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "foundation/StringsTable.h"
+#include "platform/Bundle.h"
+#include "platform/FileSystem.h"
+#include "platform/Log.h"
+#include "platform/User.h"
+
+/// A bundle as it lies on the disk. Its info dictionary and its tables are read when they are first asked for.
+class BundleOnDisk : public Bundle {
+ public:
+  BundleOnDisk(std::string path, const FileSystem& files, const User& user, Log& log);
+
+  [[nodiscard]] std::string bundlePath() const override { return path_; }
+  [[nodiscard]] std::string resourcePath() const override;
+  [[nodiscard]] std::string sharedSupportPath() const override;
+  [[nodiscard]] Value infoValue(std::string_view key) const override;
+  using Bundle::localizedString;
+  [[nodiscard]] std::string localizedString(std::string_view key, std::string_view fallback,
+                                            std::string_view table) const override;
+
+ private:
+  using Texts = std::map<std::string, std::string, std::less<>>;
+  [[nodiscard]] const Texts& textsOfTable(std::string_view table) const;
+  [[nodiscard]] Texts readTable(std::string_view table) const;
+  [[nodiscard]] std::optional<Texts> readTableFile(const std::string& path) const;
+  [[nodiscard]] Value readInfo() const;
+
+  std::string path_;
+  const FileSystem& files_;
+  const User& user_;
+  Log& log_;
+  mutable std::optional<Value> info_;
+  mutable std::map<std::string, Texts, std::less<>> tables_;
+};
+
+class BundlesOnDisk : public Bundles {
+ public:
+  BundlesOnDisk(const std::string& mainBundlePath, const FileSystem& files, const User& user, Log& log)
+      : files_(files), user_(user), log_(log), mainBundle_(mainBundlePath, files, user, log) {}
+
+  [[nodiscard]] const Bundle& mainBundle() const override { return mainBundle_; }
+  [[nodiscard]] std::unique_ptr<Bundle> bundleAtPath(const std::string& path) const override;
+
+ private:
+  const FileSystem& files_;
+  const User& user_;
+  Log& log_;
+  BundleOnDisk mainBundle_;
+};

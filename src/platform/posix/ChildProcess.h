@@ -1,0 +1,20 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+#include "foundation/Result.h"
+
+/// What a child process gets. Everything else it does not: no other descriptor, no environment but PATH and a plain
+/// locale, no signal disposition or mask of ours.
+struct ChildProcess {
+  std::string executable;
+  std::vector<std::string> arguments;  ///< without the program's name
+  int standardOutput = -1;             ///< -1: ours
+  int standardError = -1;              ///< -1: ours
+};
+
+/// Starts the process; its standard input is empty. The error tells why it could not be started.
+Result<pid_t> spawn(const ChildProcess& child);

@@ -1,0 +1,5 @@
+#include "platform/posix/PosixClock.h"
+
+#include <thread>
+
+void PosixClock::sleepFor(std::chrono::microseconds time) { std::this_thread::sleep_for(time); }

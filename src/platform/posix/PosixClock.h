@@ -1,0 +1,8 @@
+#pragma once
+
+#include "platform/Clock.h"
+
+class PosixClock : public Clock {
+ public:
+  void sleepFor(std::chrono::microseconds time) override;
+};

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/FileSystem.h"
+#include "platform/posix/PosixUser.h"
+#include "platform/posix/Volume.h"
+
+/// The disk behind a Volume.
+class PosixFileSystem : public FileSystem {
+ public:
+  PosixFileSystem(const Volume& volume, const PosixUser& user) : volume_(volume), user_(user) {}
+
+  [[nodiscard]] bool exists(const std::string& path) const override;
+  [[nodiscard]] bool isTaken(const std::string& path) const override;
+  Result<ItemAttributes> attributesOfItem(const std::string& path) const override;
+  Result<std::vector<std::string>> contentsOfDirectory(const std::string& path) const override;
+  void walk(const std::string& folder, const std::function<void(const WalkedItem&)>& visit) const override;
+  [[nodiscard]] std::vector<WalkedItem> visibleEntries(const std::string& folder) const override;
+  Result<std::string> readFile(const std::string& path, std::size_t limit) const override;
+  Status createFile(const std::string& path, std::string_view content, std::uint32_t permissions) override;
+  Result<std::unique_ptr<WritableFile>> openForWriting(const std::string& path) override;
+  Status createDirectory(const std::string& path, std::uint32_t permissions) override;
+  Status setAttributes(const std::string& path, const OwnershipAndMode& attributes) override;
+  Status removeItem(const std::string& path) override;
+  Status copyItem(const std::string& source, const std::string& target) override;
+  Status replaceItem(const std::string& source, const std::string& target) override;
+
+ private:
+  struct StagedItem;
+
+  /// Opens the item that the path leads to.
+  Result<FileDescriptor> open(const std::string& path, int flags, Volume::Purpose purpose) const;
+  /// The same for a regular file; anything else fails.
+  Result<FileDescriptor> openFile(const std::string& path, int flags, Volume::Purpose purpose) const;
+  [[nodiscard]] Status makeDirectory(const Volume::Place& place, const std::string& path,
+                                     std::uint32_t permissions) const;
+  /// Gives an item that was made in the folder to the logged-in user when this is root; 0 or an errno value.
+  [[nodiscard]] int handToUser(int item, int folder) const;
+  Result<StagedItem> stage(const std::string& source, const Volume::Place& target) const;
+
+  const Volume& volume_;
+  const PosixUser& user_;
+};

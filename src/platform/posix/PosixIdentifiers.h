@@ -1,0 +1,8 @@
+#pragma once
+
+#include "platform/Identifiers.h"
+
+class PosixIdentifiers : public Identifiers {
+ public:
+  [[nodiscard]] std::string makeUuid() override;
+};

@@ -1,0 +1,96 @@
+#include "platform/posix/PosixUser.h"
+
+#include <grp.h>
+#include <pwd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "foundation/Text.h"
+
+namespace {
+
+constexpr gid_t adminGroupOnEveryMac = 80;
+
+std::optional<uid_t> parseNumber(std::string_view text) {
+  uid_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+/// The caller of sudo or pkexec. Only root's environment is believed: anybody else could write there what they like.
+std::optional<uid_t> callerOfElevation() {
+  if (::geteuid() != 0) return std::nullopt;
+  for (const char* const variable : {"SUDO_UID", "PKEXEC_UID"}) {
+    const char* const value = std::getenv(variable);
+    if (value == nullptr) continue;
+    if (const auto id = parseNumber(value)) return id;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+UserAccount loggedInUser() {
+  const uid_t id = callerOfElevation().value_or(::getuid());
+  if (const passwd* const entry = ::getpwuid(id)) return {id, entry->pw_gid, entry->pw_name, entry->pw_dir};
+  // An account that the database does not know, as containers have them: its number serves as its name.
+  return {id, ::getgid(), std::to_string(id), "/"};
+}
+
+std::optional<uid_t> userNumber(const std::string& name) {
+  if (const passwd* const entry = ::getpwnam(name.c_str())) return entry->pw_uid;
+  return parseNumber(name);  // see loggedInUser()
+}
+
+std::optional<gid_t> groupNumber(const std::string& name) {
+  if (const group* const entry = ::getgrnam(name.c_str())) return entry->gr_gid;
+  if (name == "admin") return adminGroupOnEveryMac;
+  return std::nullopt;
+}
+
+std::vector<std::string> preferredLanguages() {
+  return preferredLanguages({.language = std::getenv("LANGUAGE"),
+                             .all = std::getenv("LC_ALL"),
+                             .messages = std::getenv("LC_MESSAGES"),
+                             .lang = std::getenv("LANG")});
+}
+
+std::vector<std::string> preferredLanguages(const LanguageVariables& variables) {
+  std::string_view locale;
+  for (const char* const value : {variables.all, variables.messages, variables.lang}) {
+    if (locale.empty() && value != nullptr) locale = value;
+  }
+  const bool isPlain = locale.empty() || locale == "C" || locale == "POSIX" || locale.starts_with("C.");
+
+  std::vector<std::string> languages;
+  const auto add = [&](std::string code) {
+    if (!code.empty() && std::ranges::find(languages, code) == languages.end()) languages.push_back(std::move(code));
+  };
+  const auto addLocale = [&](std::string_view name) {
+    name = name.substr(0, name.find_first_of(".@"));
+    const std::string_view base = name.substr(0, name.find('_'));
+    if (base == "zh" && (name == "zh_TW" || name == "zh_HK" || name == "zh_MO")) {
+      add("zh-Hant");
+    } else if (base == "zh") {
+      add("zh-Hans");
+    } else {
+      add(replacingOccurrences(name, "_", "-"));
+    }
+    add(std::string(base));
+  };
+  if (!isPlain) {
+    if (variables.language != nullptr) {
+      for (const std::string_view name : split(variables.language, ':')) addLocale(name);
+    }
+    addLocale(locale);
+  }
+  add("en");
+  return languages;
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/User.h"
+
+/// An entry of the system's user database.
+struct UserAccount {
+  uid_t id = 0;
+  gid_t group = 0;
+  std::string name;
+  std::string home;  ///< on this system
+};
+
+/// Who runs this process, or who called sudo or pkexec when that made it root.
+[[nodiscard]] UserAccount loggedInUser();
+
+class PosixUser : public User {
+ public:
+  PosixUser(UserAccount account, std::vector<std::string> languages)
+      : account_(std::move(account)), languages_(std::move(languages)) {}
+
+  [[nodiscard]] std::string shortName() const override { return account_.name; }
+  [[nodiscard]] std::vector<std::string> preferredLanguages() const override { return languages_; }
+  [[nodiscard]] const UserAccount& account() const { return account_; }
+
+ private:
+  UserAccount account_;
+  std::vector<std::string> languages_;
+};
+
+/// Number of the user with the short name; nothing when there is none.
+[[nodiscard]] std::optional<uid_t> userNumber(const std::string& name);
+
+/// Number of the group. "admin" is 80, which it is on every Mac, where the system has no group of that name.
+[[nodiscard]] std::optional<gid_t> groupNumber(const std::string& name);
+
+/// The values of LANGUAGE, LC_ALL, LC_MESSAGES and LANG; null where there is none.
+struct LanguageVariables {
+  const char* language;
+  const char* all;
+  const char* messages;
+  const char* lang;
+};
+
+/// Language codes from such values ("de_AT.UTF-8" gives "de-AT" and "de"), weighed as the system's own programs do; English
+/// is the last resort.
+[[nodiscard]] std::vector<std::string> preferredLanguages(const LanguageVariables& variables);
+
+/// From the environment of this process.
+[[nodiscard]] std::vector<std::string> preferredLanguages();

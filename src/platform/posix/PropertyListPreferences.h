@@ -1,0 +1,38 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+#include "platform/FileSystem.h"
+#include "platform/Folders.h"
+#include "platform/Log.h"
+#include "platform/Preferences.h"
+
+/// Preferences as one property list a domain: the user's in Library/Preferences of the home folder, those for all users in
+/// /Library/Preferences. What is still unwritten when this ends is written then.
+class PropertyListPreferences : public Preferences {
+ public:
+  PropertyListPreferences(FileSystem& files, const Folders& folders, Log& log)
+      : files_(files), folders_(folders), log_(log) {}
+  PropertyListPreferences(const PropertyListPreferences&) = delete;
+  PropertyListPreferences& operator=(const PropertyListPreferences&) = delete;
+  ~PropertyListPreferences() override;
+
+  [[nodiscard]] Value copyAppValue(const std::string& key, const std::string& domain) override;
+  void setAppValue(const std::string& key, Value value, const std::string& domain) override;
+  bool synchronize(const std::string& domain) override;
+
+ private:
+  [[nodiscard]] static bool isDomainName(const std::string& domain);
+  [[nodiscard]] std::string userFile(const std::string& domain) const;
+  [[nodiscard]] Value valueForAllUsers(const std::string& key, const std::string& domain) const;
+  /// The dictionary in the file; empty when there is no file, nothing when there is one that cannot be understood.
+  [[nodiscard]] std::optional<Value::Dictionary> read(const std::string& path) const;
+
+  FileSystem& files_;
+  const Folders& folders_;
+  Log& log_;
+  /// By domain, then by key: what has been set and not yet written. No value: to be deleted.
+  std::map<std::string, Value::Dictionary> changes_;
+};
