@@ -38,14 +38,18 @@ void InstallFilesController::installFiles() {
 
 void InstallFilesController::installHostIndependentPackages(const std::string& root) {
   const bool isLightRoomSelected = mainController_ != nullptr && holdsLightRoom(mainController_->selectedHosts());
+  const auto isLightRoomPlugIn = [](const std::string& path) { return pathExtension(path) == "lrplugin"; };
+  std::vector<PlannedCopy> packages;
   platform_.files.walk(root, [&](const WalkedItem& item) {
-    if (!item.isPackage) return;
-    const bool isLightRoomPlugIn = pathExtension(item.path) == "lrplugin";
-    if (isLightRoomPlugIn && !isLightRoomSelected) return;
-    const std::string destination = deletingLastPathComponent(replacingOccurrences(item.path, root, ""));
-    installSourceFiles({item.path}, destination, /*isBundle=*/true, /*alwaysInstall=*/true);
-    if (!isLightRoomPlugIn) registerInstalledApplication(joinPath(destination, lastPathComponent(item.path)));
+    if (!item.isPackage || (isLightRoomPlugIn(item.path) && !isLightRoomSelected)) return;
+    packages.push_back({item.path, replacingOccurrences(item.path, root, "")});
   });
+
+  const auto plan = platform_.files.planCopies(packages);
+  for (const auto& [package, target] : packages) {
+    installSourceFiles({package}, deletingLastPathComponent(target), /*isBundle=*/true, /*alwaysInstall=*/true);
+    if (!isLightRoomPlugIn(package)) registerInstalledApplication(target);
+  }
 }
 
 void InstallFilesController::installProductFolders(const std::string& root) {
@@ -84,12 +88,20 @@ void InstallFilesController::installFiles(const HostModel& host) {
 }
 
 void InstallFilesController::copyHostFilesFrom(const std::string& from, const std::string& to) {
+  std::vector<PlannedCopy> copies;
+  std::vector<bool> arePackages;
   platform_.files.walk(from, [&](const WalkedItem& item) {
     // Plain folders come into being with what is in them.
     if (!item.isPackage && item.type != ItemType::regularFile) return;
-    const std::string destination = replacingOccurrences(item.path, from, to);
-    installSourceFiles({item.path}, deletingLastPathComponent(destination), item.isPackage, /*alwaysInstall=*/true);
+    copies.push_back({item.path, joinPath({replacingOccurrences(item.path, from, to)})});
+    arePackages.push_back(item.isPackage);
   });
+
+  const auto plan = platform_.files.planCopies(copies);
+  for (std::size_t i = 0; i < copies.size(); ++i) {
+    installSourceFiles({copies[i].source}, deletingLastPathComponent(copies[i].target), arePackages[i],
+                       /*alwaysInstall=*/true);
+  }
 }
 
 // One item after the other.

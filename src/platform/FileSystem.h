@@ -45,6 +45,20 @@ class WritableFile {
   virtual void writeData(std::string_view data) = 0;
 };
 
+struct PlannedCopy {
+  std::string source;
+  std::string target;
+};
+
+/// Copies that are going to be asked for. The plan holds as long as this object, which must not outlive its file system.
+class CopyPlan {
+ public:
+  CopyPlan() = default;
+  CopyPlan(const CopyPlan&) = delete;
+  CopyPlan& operator=(const CopyPlan&) = delete;
+  virtual ~CopyPlan() = default;
+};
+
 /// The disk. Paths are those of the target volume, or lie inside the installer's own bundle, which is never changed: a
 /// change below it fails with read_only_file_system. Links on the way to an item are followed inside the target volume
 /// and never lead out of it. A path that does not start with "/" leads nowhere.
@@ -109,4 +123,10 @@ class FileSystem {
   /// whole new one; after a failure it is the old one. Fails with permission_denied or operation_not_permitted when this
   /// process may not remove the old item.
   virtual Status replaceItem(const std::string& source, const std::string& target) = 0;
+
+  /// Says which copies copyItem() and replaceItem() are about to be asked for, in this order; some may be left out. The
+  /// file system may then build them ahead of their turn, under their hidden names. Only that makes a difference: what a
+  /// copy that is asked for does, and how it fails, is the same with and without a plan, and one that is not asked for
+  /// leaves nothing behind.
+  [[nodiscard]] virtual std::unique_ptr<CopyPlan> planCopies(std::vector<PlannedCopy> copies) = 0;
 };

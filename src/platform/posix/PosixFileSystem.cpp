@@ -1,14 +1,13 @@
 #include "platform/posix/PosixFileSystem.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
+#include <thread>
 #include <utility>
 
 #include "foundation/Exception.h"
@@ -16,6 +15,8 @@
 #include "foundation/Text.h"
 #include "platform/posix/FolderListing.h"
 #include "platform/posix/SystemCalls.h"
+#include "platform/posix/CopyAhead.h"
+#include "platform/posix/StagedCopy.h"
 #include "platform/posix/TreeCopy.h"
 
 namespace {
@@ -86,58 +87,6 @@ class PosixWritableFile : public WritableFile {
  private:
   FileDescriptor file_;
 };
-
-/// A hidden name for what is being made beside `name`: always the same for the same name, so that the next install finds
-/// and removes what one that was killed left behind.
-std::string stagedName(std::string_view name, int attempt) {
-  std::uint64_t hash = 14695981039346656037U;  // FNV-1a
-  for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
-  std::string digits;
-  for (unsigned shift = 64; shift > 0; shift -= 4) digits += "0123456789abcdef"[(hash >> (shift - 4)) & 0xFU];
-  return ".installing-" + digits + "-" + std::to_string(attempt);
-}
-
-constexpr int mostStagedNames = 10;
-
-/// Removes what a killed install left under the name. False when the name cannot be had: another installer is at work
-/// with it, or what is there cannot be removed.
-bool freeStagedName(int folder, const std::string& name) {
-  struct stat status {};
-  if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return errno == ENOENT;
-  const FileDescriptor item(::openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-  if (item && ::flock(item.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
-  return static_cast<bool>(removeTree(folder, name));
-}
-
-Status renameInto(const Place& place, const std::string& from) {
-  int error = renameToFreeName(place.folder.get(), from.c_str(), place.name.c_str());
-  if (error == EINVAL || error == ENOSYS) {  // the file system cannot; look first
-    struct stat status {};
-    error = ::fstatat(place.folder.get(), place.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 ? EEXIST : 0;
-    if (error == 0 && ::renameat(place.folder.get(), from.c_str(), place.folder.get(), place.name.c_str()) != 0) {
-      error = errno;
-    }
-  }
-  if (error != 0) return systemError(error, place.name);
-  return {};
-}
-
-/// Lets the new item take the old one's name; the old one then has the new one's, or is gone. For file systems that cannot
-/// exchange two names in one step.
-int exchangeInTwoSteps(const Place& place, const std::string& fresh) {
-  const int folder = place.folder.get();
-  const char* const old = place.name.c_str();
-  if (::renameat(folder, fresh.c_str(), folder, old) == 0) return 0;  // a file over a file
-  const std::string aside = fresh + "-old";
-  if (!freeStagedName(folder, aside)) return EBUSY;
-  if (::renameat(folder, old, folder, aside.c_str()) != 0) return errno;
-  if (::renameat(folder, fresh.c_str(), folder, old) != 0) {
-    const int error = errno;
-    static_cast<void>(::renameat(folder, aside.c_str(), folder, old));
-    return error;
-  }
-  return ::renameat(folder, aside.c_str(), folder, fresh.c_str()) != 0 ? errno : 0;
-}
 
 }  // namespace
 
@@ -317,51 +266,59 @@ Status PosixFileSystem::removeItem(const std::string& path) {
   return removeTree(place->folder.get(), place->name);
 }
 
-// Copying. A copy is staged: made under a hidden name beside its place, and renamed when it is complete.
+// Copying.
 
-struct PosixFileSystem::StagedItem {
-  std::string name;
-  FileDescriptor lock;  ///< tells other installers that it is not left over
+/// Makes copies ahead for as long as the plan lives.
+class PosixFileSystem::Plan : public CopyPlan {
+ public:
+  Plan(PosixFileSystem& files, std::vector<PlannedCopy> copies)
+      : files_(files), ahead_(files.volume_, std::move(copies)), before_(std::exchange(files.ahead_, &ahead_)) {}
+  Plan(const Plan&) = delete;
+  Plan& operator=(const Plan&) = delete;
+  ~Plan() override { files_.ahead_ = before_; }
+
+ private:
+  PosixFileSystem& files_;
+  CopyAhead ahead_;
+  CopyAhead* before_;
 };
 
-Result<PosixFileSystem::StagedItem> PosixFileSystem::stage(const std::string& source, const Place& target) const {
-  const auto from = volume_.find(source, LastLink::keep, Purpose::look);
-  if (!from) return from.error();
-  const int folder = target.folder.get();
-  for (int attempt = 0; attempt < mostStagedNames; ++attempt) {
-    StagedItem staged{stagedName(target.name, attempt), {}};
-    if (!freeStagedName(folder, staged.name)) continue;
-    const Status copied = copyTree({from->folder.get(), from->name, folder, staged.name}, staged.lock);
-    if (copied) return staged;
-    if (copied.error().is(std::errc::file_exists)) continue;
-    ignore(removeTree(folder, staged.name));  // what is left of it goes with the next install
-    return copied.error();
+std::unique_ptr<CopyPlan> PosixFileSystem::planCopies(std::vector<PlannedCopy> copies) {
+  return std::make_unique<Plan>(*this, std::move(copies));
+}
+
+Result<StagedCopy> PosixFileSystem::stage(const std::string& source, const std::string& target, const Place& place) {
+  if (ahead_ != nullptr) {
+    auto staged = ahead_->take(source, target);
+    if (staged && staged->isFor(place)) return std::move(*staged);
   }
-  return Error::posix(std::errc::device_or_resource_busy, target.name);
+  constexpr unsigned mostUseful = 8;
+  const unsigned threads = std::clamp(std::thread::hardware_concurrency(), 1U, mostUseful);
+  auto staged = StagedCopy::make(volume_, source, target, threads);
+  if (!staged && ahead_ != nullptr && staged.error().is(std::errc::no_space_on_device)) {
+    ahead_->stop();  // frees the room that copies before their turn have taken
+    return StagedCopy::make(volume_, source, target, threads);
+  }
+  return staged;
 }
 
 Status PosixFileSystem::copyItem(const std::string& source, const std::string& target) {
   const auto place = volume_.find(target, LastLink::keep, Purpose::change);
   if (!place) return place.error();
-  if (isTaken(target)) return Error::posix(std::errc::file_exists, target);
-  const auto staged = stage(source, *place);
+  struct stat status {};
+  if (::fstatat(place->folder.get(), place->name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+    return Error::posix(std::errc::file_exists, target);
+  }
+  auto staged = stage(source, target, *place);
   if (!staged) return staged.error();
-  Status renamed = renameInto(*place, staged->name);
-  if (!renamed) ignore(removeTree(place->folder.get(), staged->name));  // goes with the next install at the latest
-  return renamed;
+  return std::move(*staged).putInPlace();
 }
 
 Status PosixFileSystem::replaceItem(const std::string& source, const std::string& target) {
   const auto place = volume_.find(target, LastLink::keep, Purpose::change);
   if (!place) return place.error();
-  const int folder = place->folder.get();
-  if (!mayRemoveTree(folder, place->name)) return Error::posix(std::errc::permission_denied, target);
-  const auto staged = stage(source, *place);
+  if (!mayRemoveTree(place->folder.get(), place->name)) return Error::posix(std::errc::permission_denied, target);
+  auto staged = stage(source, target, *place);
   if (!staged) return staged.error();
-  int error = exchangeItems(folder, staged->name.c_str(), place->name.c_str());
-  if (error == EINVAL || error == ENOSYS) error = exchangeInTwoSteps(*place, staged->name);
-  // Under the hidden name is now the old item, or after a failure the new one; the next install removes what stays.
-  ignore(removeTree(folder, staged->name));
-  if (error != 0) return systemError(error, target);
-  return {};
+  return std::move(*staged).exchangeWithOldItem();
 }

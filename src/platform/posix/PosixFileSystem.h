@@ -7,7 +7,10 @@
 
 #include "platform/FileSystem.h"
 #include "platform/posix/PosixUser.h"
+#include "platform/posix/StagedCopy.h"
 #include "platform/posix/Volume.h"
+
+class CopyAhead;
 
 /// The disk behind a Volume.
 class PosixFileSystem : public FileSystem {
@@ -28,9 +31,10 @@ class PosixFileSystem : public FileSystem {
   Status removeItem(const std::string& path) override;
   Status copyItem(const std::string& source, const std::string& target) override;
   Status replaceItem(const std::string& source, const std::string& target) override;
+  [[nodiscard]] std::unique_ptr<CopyPlan> planCopies(std::vector<PlannedCopy> copies) override;
 
  private:
-  struct StagedItem;
+  class Plan;
 
   /// Opens the item that the path leads to.
   Result<FileDescriptor> open(const std::string& path, int flags, Volume::Purpose purpose) const;
@@ -40,8 +44,10 @@ class PosixFileSystem : public FileSystem {
                                      std::uint32_t permissions) const;
   /// Gives an item that was made in the folder to the logged-in user when this is root; 0 or an errno value.
   [[nodiscard]] int handToUser(int item, int folder) const;
-  Result<StagedItem> stage(const std::string& source, const Volume::Place& target) const;
+  /// The copy at its turn, made ahead or now.
+  Result<StagedCopy> stage(const std::string& source, const std::string& target, const Volume::Place& place);
 
   const Volume& volume_;
   const PosixUser& user_;
+  CopyAhead* ahead_ = nullptr;  ///< of the plan that was made last and still lives
 };

@@ -51,6 +51,8 @@ int copyContent(int source, int target, const struct stat& status) {
 
 class TreeCopy {
  public:
+  explicit TreeCopy(unsigned mostThreads) : mostThreads_(mostThreads) {}
+
   Status run(const CopyRequest& request, FileDescriptor& lock) {
     struct stat status {};
     if (::fstatat(request.sourceFolder, request.sourceName.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
@@ -177,12 +179,11 @@ class TreeCopy {
     {
       const std::lock_guard guard(mutex_);
       jobs_.push_back(std::move(job));
-      const std::size_t mostWorkers = std::min(std::thread::hardware_concurrency(), 8U);
-      if (jobs_.size() > 1 && workers_.size() + 1 < mostWorkers) {
+      if (jobs_.size() > 1 && workers_.size() + 1 < mostThreads_) {
         workers_.emplace_back([this] { work(); });
       }
       // The queue stays short: every job in it holds its folder open.
-      constexpr std::size_t mostJobs = 64;
+      const std::size_t mostJobs = mostThreads_ > 1 ? 64 : 0;
       if (jobs_.size() > mostJobs) own = takeJob();
     }
     changed_.notify_one();
@@ -224,6 +225,7 @@ class TreeCopy {
     for (std::thread& worker : workers_) worker.join();
   }
 
+  const unsigned mostThreads_;
   std::atomic<bool> failed_ = false;
   std::mutex mutex_;
   std::condition_variable changed_;
@@ -235,7 +237,9 @@ class TreeCopy {
 
 }  // namespace
 
-Status copyTree(const CopyRequest& request, FileDescriptor& lock) { return TreeCopy().run(request, lock); }
+Status copyTree(const CopyRequest& request, unsigned mostThreads, FileDescriptor& lock) {
+  return TreeCopy(mostThreads).run(request, lock);
+}
 
 Status removeTree(int folder, const std::string& name) {
   if (::unlinkat(folder, name.c_str(), 0) == 0) return {};
