@@ -50,10 +50,10 @@ struct Machine {
   SilentLog log;
   Platform platform = [&] {
     const Platform& real = system.platform();
-    return Platform{real.files,         real.bundles,       real.folders, real.preferences, real.authorizations,
-                    real.tasks,         real.runLoop,       real.notifications,             real.launchServices,
-                    real.toolkit,       real.processor,     real.identifiers,               log,
-                    real.user,          real.clock};
+    return Platform{
+        real.files,   real.bundles,       real.folders,        real.preferences, real.authorizations, real.tasks,
+        real.runLoop, real.notifications, real.launchServices, real.toolkit,     real.processor,      real.identifiers,
+        log,          real.user,          real.clock};
   }();
 };
 

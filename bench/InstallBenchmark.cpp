@@ -2,9 +2,9 @@
 //
 //   install-benchmark [FOLDER [ROUNDS]]
 //
-// FOLDER is where everything is laid out and removed again; in memory (/dev/shm, the default) the figures are those of the
-// programs and not of a disk. Each round runs every peer once; what is printed are medians of the rounds, as ratios to
-// cp -R and to the floor, in Markdown. Needs root: the install and its peers change owners.
+// FOLDER is where everything is laid out and removed again; in memory (/dev/shm, the default) the figures are those of
+// the programs and not of a disk. Each round runs every peer once; what is printed are medians of the rounds, as ratios
+// to cp -R and to the floor, in Markdown. Needs root: the install and its peers change owners.
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -171,8 +171,7 @@ void measure(const std::string& title, std::vector<Peer> peers, int rounds, cons
 std::vector<Peer> peersFor(const fs::path& folder, const fs::path& installer) {
   const fs::path volume = folder / "volume";
   const fs::path target = volume / "Plug-Ins/Corvane";
-  const fs::path source =
-      installer.parent_path().parent_path() / "Resources/files/PHOTOSHOP_PLUGINS/Corvane";
+  const fs::path source = installer.parent_path().parent_path() / "Resources/files/PHOTOSHOP_PLUGINS/Corvane";
   makePackage(source, folder / "package", folder / "bench.deb");
   std::vector<Peer> peers;
   peers.push_back({"cp -R", [=] { return run({"cp", "-R", source, target}); }});
@@ -227,7 +226,11 @@ int main(int argc, char** argv) {
   const fs::path nothing = makeInstaller(folder / "Nothing.app", {});
   const fs::path empty = folder / "empty volume";
   fs::create_directories(empty);
-  measure("nothing to do", {{"**Installer -quiet**", [&] { return run({nothing, "-quiet", "-target", empty}); }}}, rounds,
-          [] {});
+  measure("nothing to do",
+          {{"**Installer -quiet**",
+            [&] {
+              return run({nothing, "-quiet", "-target", empty});
+            }}},
+          rounds, [] {});
   fs::remove_all(folder);
 }

@@ -5,7 +5,7 @@
 namespace {
 
 struct Placeholder {
-  std::size_t length = 0;  ///< in the format, the per-cent sign included
+  std::size_t length = 0;                              ///< in the format, the per-cent sign included
   std::optional<std::size_t> position = std::nullopt;  ///< from 1; nothing: the next argument
 };
 

@@ -6,8 +6,8 @@
 
 // Paths are texts: "/"-separated, UTF-8. Nothing here looks at a disk.
 
-/// Joins component by component with one separator between them. An empty component vanishes, several separators in a row
-/// count as one, and a separator at the end of the result is dropped unless the path is "/" itself.
+/// Joins component by component with one separator between them. An empty component vanishes, several separators in a
+/// row count as one, and a separator at the end of the result is dropped unless the path is "/" itself.
 [[nodiscard]] std::string joinPath(std::initializer_list<std::string_view> components);
 [[nodiscard]] std::string joinPath(std::string_view folder, std::string_view name);
 

@@ -122,8 +122,12 @@ class Parser {
     return true;
   }
 
-  NodePointer parseOr() { return parseJunction("OR", "||", /*needsAll=*/false, [this] { return parseAnd(); }); }
-  NodePointer parseAnd() { return parseJunction("AND", "&&", /*needsAll=*/true, [this] { return parseNot(); }); }
+  NodePointer parseOr() {
+    return parseJunction("OR", "||", /*needsAll=*/false, [this] { return parseAnd(); });
+  }
+  NodePointer parseAnd() {
+    return parseJunction("AND", "&&", /*needsAll=*/true, [this] { return parseNot(); });
+  }
 
   template <class Next>
   NodePointer parseJunction(std::string_view word, std::string_view symbol, bool needsAll, Next next) {

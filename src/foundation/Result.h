@@ -42,9 +42,7 @@ class [[nodiscard]] Result {
   [[nodiscard]] T* operator->() { return &std::get<0>(content_); }
   [[nodiscard]] const T* operator->() const { return &std::get<0>(content_); }
   [[nodiscard]] const Error& error() const { return std::get<1>(content_); }
-  [[nodiscard]] T valueOr(T fallback) && {
-    return *this ? std::move(std::get<0>(content_)) : std::move(fallback);
-  }
+  [[nodiscard]] T valueOr(T fallback) && { return *this ? std::move(std::get<0>(content_)) : std::move(fallback); }
 
  private:
   std::variant<T, Error> content_;

@@ -14,8 +14,8 @@
 /// The bytes as text, or nothing when they are not well-formed UTF-8.
 [[nodiscard]] std::optional<std::string> decodeUtf8(std::string_view bytes);
 
-/// Text from bytes of unknown encoding: UTF-16 when a byte-order mark or the places of the zero bytes tell so, else UTF-8.
-/// What does not decode becomes U+FFFD; `lossless` tells whether there was any of it.
+/// Text from bytes of unknown encoding: UTF-16 when a byte-order mark or the places of the zero bytes tell so, else
+/// UTF-8. What does not decode becomes U+FFFD; `lossless` tells whether there was any of it.
 struct DecodedText {
   std::string text;
   bool lossless = true;
@@ -40,6 +40,6 @@ void appendUtf8(std::string& text, std::uint32_t codePoint);
 /// Equality that does not tell A from a; other letters than the 26 must be alike.
 [[nodiscard]] bool equalIgnoringCase(std::string_view a, std::string_view b);
 
-/// The text on one line and safe to print on a terminal: control characters, and bytes that are not UTF-8, become \n, \t
-/// or \xNN.
+/// The text on one line and safe to print on a terminal: control characters, and bytes that are not UTF-8, become \n,
+/// \t or \xNN.
 [[nodiscard]] std::string onOneLine(std::string_view text);

@@ -54,7 +54,8 @@ class Value {
   bool operator==(const Value&) const = default;
 
  private:
-  std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, Data, Date, Array, Dictionary> content_;
+  std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, Data, Date, Array, Dictionary>
+      content_;
 };
 
 /// The entry of the dictionary, or no value when it has none or when this is no dictionary.

@@ -6,7 +6,8 @@
 #include "hosts/HostModel.h"
 #include "platform/Platform.h"
 
-/// Aperture, which is served through its user plug-in folder. Discovery makes none; the running-host check knows the kind.
+/// Aperture, which is served through its user plug-in folder. Discovery makes none; the running-host check knows the
+/// kind.
 class ApertureHostModel : public HostModel {
  public:
   /// Installed when the folder that holds Aperture's plug-in folder is there at this moment.

@@ -8,8 +8,8 @@
 
 #include "foundation/KeyValueCoding.h"
 
-/// One application, or folder, that the product can be installed into. Kinds that need a treatment of their own are told
-/// apart by class.
+/// One application, or folder, that the product can be installed into. Kinds that need a treatment of their own are
+/// told apart by class.
 ///
 /// Not every kind answers every operation. Asking for one that the kind does not answer is a programming error and
 /// raises UnknownKey; so does its key.

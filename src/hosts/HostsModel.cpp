@@ -92,8 +92,8 @@ void HostsModel::findHosts() {
 
   for (const std::string& path :
        matchingEntries(platform_, preferences, "SELF contains 'Settings' AND SELF contains 'Adobe'")) {
-    auto host = PhotoshopHostModel::initWithHostName(
-        platform_, replacingOccurrences(lastPathComponent(path), " Settings", ""));
+    auto host =
+        PhotoshopHostModel::initWithHostName(platform_, replacingOccurrences(lastPathComponent(path), " Settings", ""));
     const std::uint32_t version = host->photoshopVersionFromDisplayName();
     if (version >= firstVersionFoundBySettings && versionsSeen.insert(version).second) {
       hostsArray_.push_back(std::move(host));
@@ -106,7 +106,8 @@ void HostsModel::findHosts() {
 HostList HostsModel::foundHosts() const {
   HostList hosts = filteredHosts(hostsArray_, "hostIsInstalled == YES");
   try {
-    std::ranges::stable_sort(hosts, {}, [](const std::shared_ptr<HostModel>& host) { return host->displaySortOrder(); });
+    std::ranges::stable_sort(hosts, {},
+                             [](const std::shared_ptr<HostModel>& host) { return host->displaySortOrder(); });
   } catch (const UnknownKey&) {
     return {};  // a kind that has no place in the list
   }

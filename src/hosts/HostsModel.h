@@ -7,7 +7,8 @@
 #include "platform/Platform.h"
 #include "shell/contract/SetupStepModel.h"
 
-/// The host applications of the machine, found once when this is made, and the texts of the page on which they are chosen.
+/// The host applications of the machine, found once when this is made, and the texts of the page on which they are
+/// chosen.
 class HostsModel : public SetupStepModel {
  public:
   /// Discovery. An unreadable Paths file costs one and a half seconds, see PhotoshopHostModel.

@@ -19,7 +19,8 @@ constexpr std::size_t mostOfPathsFileRead = std::size_t{1} << 20U;
 
 std::uint32_t unsignedIntegerValue(std::string_view text) { return static_cast<std::uint32_t>(integerValue(text)); }
 
-/// The text from `offset` bytes after the first occurrence of `marker`; nothing when there is no marker or no such text.
+/// The text from `offset` bytes after the first occurrence of `marker`; nothing when there is no marker or no such
+/// text.
 std::optional<std::string_view> textAfter(std::string_view name, std::string_view marker, std::size_t offset) {
   const std::size_t found = name.find(marker);
   if (found == std::string_view::npos || found + offset > name.size()) return std::nullopt;
@@ -30,8 +31,8 @@ std::uint32_t firstPieceAsInteger(std::string_view text) {
   return unsignedIntegerValue(split(trimmed(text), ' ').front());
 }
 
-/// Length of the zero-terminated field at the start of the data. The first byte is never taken as the terminator; without
-/// a terminator the field runs to the end of the data.
+/// Length of the zero-terminated field at the start of the data. The first byte is never taken as the terminator;
+/// without a terminator the field runs to the end of the data.
 std::size_t fieldLength(std::string_view data) {
   if (data.empty()) return 0;
   return std::min(data.find('\0', 1), data.size());
@@ -54,7 +55,7 @@ std::shared_ptr<PhotoshopHostModel> PhotoshopHostModel::initWithHostName(Platfor
 }
 
 std::shared_ptr<PhotoshopHostModel> PhotoshopHostModel::initWithPathsFilePath(Platform& platform,
-                                                                             const std::string& path) {
+                                                                              const std::string& path) {
   std::string name = replacingOccurrences(lastPathComponent(path), " Paths", "");
   auto model = std::shared_ptr<PhotoshopHostModel>(new PhotoshopHostModel(platform, std::move(name)));
   model->initPathsFromPathFile(path);

@@ -19,7 +19,7 @@ class PhotoshopHostModel : public HostModel {
   /// From a Paths file, which is named after the host. One that cannot be opened is tried four times in one and a half
   /// seconds; the host then counts as not installed.
   [[nodiscard]] static std::shared_ptr<PhotoshopHostModel> initWithPathsFilePath(Platform& platform,
-                                                                                const std::string& path);
+                                                                                 const std::string& path);
 
   [[nodiscard]] std::string hostName() const override { return hostName_; }
   [[nodiscard]] bool hostIsInstalled() const override { return hostIsInstalled_; }
@@ -32,8 +32,8 @@ class PhotoshopHostModel : public HostModel {
   [[nodiscard]] bool shouldInstallScripts() const override;
   [[nodiscard]] bool shouldInstallPanels() const override;
 
-  /// 1000, or 3000 for Elements, minus the version in 32-bit arithmetic: a year wraps round to a very large number, which
-  /// sorts such hosts behind every other kind, newest first. The order of the host list rests on it.
+  /// 1000, or 3000 for Elements, minus the version in 32-bit arithmetic: a year wraps round to a very large number,
+  /// which sorts such hosts behind every other kind, newest first. The order of the host list rests on it.
   [[nodiscard]] std::uint64_t displaySortOrder() const override;
 
   /// Version in the display name: "CS6" is 6, "CC 2019" is 2019, plain "CC" is 7, "Elements 11" is 11; 0 for none.

@@ -4,6 +4,4 @@ std::shared_ptr<UnknownHostModel> UnknownHostModel::initWithPlugInPath(Platform&
   return std::shared_ptr<UnknownHostModel>(new UnknownHostModel(platform, std::move(path)));
 }
 
-std::string UnknownHostModel::hostName() const {
-  return platform_.bundles.mainBundle().localizedString("custom_path");
-}
+std::string UnknownHostModel::hostName() const { return platform_.bundles.mainBundle().localizedString("custom_path"); }

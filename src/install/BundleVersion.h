@@ -11,8 +11,8 @@
 class BundleVersion {
  public:
   /// From "3.1.2": every component is written with at least four digits, and the digits together are the number, here
-  /// 300010002. Versions with different numbers of components therefore compare by their length first ("3.0.9" is greater
-  /// than "3.1"); installed products rely on it. A component that is no number counts as 0.
+  /// 300010002. Versions with different numbers of components therefore compare by their length first ("3.0.9" is
+  /// greater than "3.1"); installed products rely on it. A component that is no number counts as 0.
   static BundleVersion parse(std::string_view version);
 
   /// The number without leading zeros.

@@ -111,8 +111,8 @@ void InstallFilesController::installSourceFiles(const std::vector<std::string>& 
   ensureDirExists(toPath);
   if (authDenied_) return;
 
-  // Kept from one file to the next on purpose: where an installed file is newer and stays, files that are missing beside it
-  // stay missing, until one is replaced again.
+  // Kept from one file to the next on purpose: where an installed file is newer and stays, files that are missing
+  // beside it stay missing, until one is replaced again.
   bool copyNewFiles = true;
   for (const std::string& source : sources) {
     const std::string progress = localized("installing_file") + lastPathComponent(source);
@@ -185,8 +185,7 @@ void InstallFilesController::ensureDirExists(const std::string& path) {
 
 bool InstallFilesController::createFolderForUser(const std::string& path) {
   if (platform_.files.createDirectory(path, installedMode)) {
-    setAttributesRecursive(
-        path, {.owner = platform_.user.shortName(), .group = "admin", .permissions = installedMode});
+    setAttributesRecursive(path, {.owner = platform_.user.shortName(), .group = "admin", .permissions = installedMode});
     return true;
   }
   return runToolWithoutOutput("/bin/mkdir", {"-m775", "-p", path}) &&

@@ -64,8 +64,7 @@ bool InstallFilesController::obtainAuthorization() {
 }
 
 void InstallFilesController::setInProgress(bool inProgress) {
-  announce({"enableForward", "enableBackward", "canProceed", "copyInProgress"},
-           [&] { copyInProgress_ = inProgress; });
+  announce({"enableForward", "enableBackward", "canProceed", "copyInProgress"}, [&] { copyInProgress_ = inProgress; });
   platform_.runLoop.runUntilDate(RunLoop::Clock::now());
 }
 
@@ -108,10 +107,8 @@ bool InstallFilesController::mayGoOnAfter(const std::optional<Error>& error) {
   return false;
 }
 
-void InstallFilesController::runToolIgnoringResult(const std::string& tool,
-                                                   const std::vector<std::string>& arguments) {
-  static_cast<void>(
-      OneLineTasksWithOutput::stringByLaunchingPath(tool, arguments, *authorization_, /*wait=*/true));
+void InstallFilesController::runToolIgnoringResult(const std::string& tool, const std::vector<std::string>& arguments) {
+  static_cast<void>(OneLineTasksWithOutput::stringByLaunchingPath(tool, arguments, *authorization_, /*wait=*/true));
 }
 
 std::string InstallFilesController::ownerText() const { return platform_.user.shortName() + ":admin"; }

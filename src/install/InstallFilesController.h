@@ -48,8 +48,8 @@ class InstallFilesController : public SetupStepController {
   /// Every path that could not be installed, in order.
   [[nodiscard]] const std::vector<std::string>& failedPaths() const { return failedPaths_; }
 
-  /// Gets hold of administrator rights, unless they are held already; false when they cannot be had. The operations below
-  /// need them.
+  /// Gets hold of administrator rights, unless they are held already; false when they cannot be had. The operations
+  /// below need them.
   [[nodiscard]] bool obtainAuthorization();
 
   void setInProgress(bool inProgress);
@@ -63,7 +63,8 @@ class InstallFilesController : public SetupStepController {
   void installFiles();
   /// The host's payload.
   void installFiles(const HostModel& host);
-  /// Every package and every file below `from`, hidden ones left out, to the same place below `to`; replaces what is there.
+  /// Every package and every file below `from`, hidden ones left out, to the same place below `to`; replaces what is
+  /// there.
   void copyHostFilesFrom(const std::string& from, const std::string& to);
   /// Installs the items into the folder `toPath`: copies, hands over to the user, notes the path. An item that is there
   /// already is replaced when `alwaysInstall` is set, or when the new one is not older (by version for bundles, else by
@@ -115,8 +116,8 @@ class InstallFilesController : public SetupStepController {
   void reportFailedFile(const std::string& path);
   [[nodiscard]] Alert fileErrorAlert(const std::string& errorText, const std::string& path) const;
 
-  // Tools, with the install's rights, each waited for. False from the first two when there are no rights to be had, which
-  // authDenied_ then tells, too. Any other failure of a tool shows on the disk.
+  // Tools, with the install's rights, each waited for. False from the first two when there are no rights to be had,
+  // which authDenied_ then tells, too. Any other failure of a tool shows on the disk.
   [[nodiscard]] bool runTool(const std::string& tool, const std::vector<std::string>& arguments);
   [[nodiscard]] bool runToolWithoutOutput(const std::string& tool, const std::vector<std::string>& arguments);
   [[nodiscard]] bool mayGoOnAfter(const std::optional<Error>& error);

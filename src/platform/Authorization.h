@@ -19,7 +19,8 @@ class CommunicationsPipe {
   CommunicationsPipe& operator=(const CommunicationsPipe&) = delete;
   virtual ~CommunicationsPipe() = default;
 
-  /// Reads up to `size` bytes, waiting until there are that many or the output has ended. Returns how many; 0 at the end.
+  /// Reads up to `size` bytes, waiting until there are that many or the output has ended. Returns how many; 0 at the
+  /// end.
   virtual std::size_t read(char* bytes, std::size_t size) = 0;
 };
 
@@ -38,10 +39,10 @@ class Authorization {
   /// launch, not here.
   virtual bool obtain(std::uint32_t flags) = 0;
 
-  /// Starts the tool with administrator rights and its standard output connected to `pipe`. The path is that of a system
-  /// tool as a Mac has it; arguments go to the tool as they are, with no shell between, in a clean environment. Paths
-  /// among them are those of the target volume, as for FileSystem. Does not wait for the tool to end. `pipe` is set only
-  /// when the launch succeeded.
+  /// Starts the tool with administrator rights and its standard output connected to `pipe`. The path is that of a
+  /// system tool as a Mac has it; arguments go to the tool as they are, with no shell between, in a clean environment.
+  /// Paths among them are those of the target volume, as for FileSystem. Does not wait for the tool to end. `pipe` is
+  /// set only when the launch succeeded.
   virtual LaunchStatus executeWithPrivileges(const std::string& toolPath, const std::vector<std::string>& arguments,
                                              std::unique_ptr<CommunicationsPipe>& pipe) = 0;
 

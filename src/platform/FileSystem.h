@@ -14,8 +14,8 @@ enum class ItemType { regularFile, folder, symbolicLink, other };
 
 struct ItemAttributes {
   ItemType type = ItemType::other;
-  std::uint64_t size = 0;                 ///< in bytes
-  std::uint32_t permissions = 0;          ///< the permission bits, 0 to 07777
+  std::uint64_t size = 0;                    ///< in bytes
+  std::uint32_t permissions = 0;             ///< the permission bits, 0 to 07777
   std::int64_t modificationNanoseconds = 0;  ///< since 1970-01-01 00:00 UTC
 };
 
@@ -50,7 +50,8 @@ struct PlannedCopy {
   std::string target;
 };
 
-/// Copies that are going to be asked for. The plan holds as long as this object, which must not outlive its file system.
+/// Copies that are going to be asked for. The plan holds as long as this object, which must not outlive its file
+/// system.
 class CopyPlan {
  public:
   CopyPlan() = default;
@@ -63,8 +64,8 @@ class CopyPlan {
 /// change below it fails with read_only_file_system. Links on the way to an item are followed inside the target volume
 /// and never lead out of it. A path that does not start with "/" leads nowhere.
 ///
-/// Changes are made with the rights of this process. Files and folders that it creates belong to the logged-in user and to
-/// the group of the folder that they are in, also when it runs as root; a copy belongs to whom the process runs as.
+/// Changes are made with the rights of this process. Files and folders that it creates belong to the logged-in user and
+/// to the group of the folder that they are in, also when it runs as root; a copy belongs to whom the process runs as.
 class FileSystem {
  public:
   FileSystem() = default;
@@ -95,38 +96,38 @@ class FileSystem {
   /// The bytes of a regular file, at most `limit` of them from its start. Never waits for a writer.
   virtual Result<std::string> readFile(const std::string& path, std::size_t limit) const = 0;
 
-  /// Makes the file with this content, all of it or none: the name changes over to a complete file. Replaces a file or a
-  /// link of that name; fails when a folder has it.
+  /// Makes the file with this content, all of it or none: the name changes over to a complete file. Replaces a file or
+  /// a link of that name; fails when a folder has it.
   virtual Status createFile(const std::string& path, std::string_view content, std::uint32_t permissions) = 0;
 
   /// Opens an existing regular file to be written from its start; what is in it stays until it is overwritten.
   virtual Result<std::unique_ptr<WritableFile>> openForWriting(const std::string& path) = 0;
 
-  /// Makes the folder with exactly these permissions, and the missing folders above it with the usual ones. Succeeds when
-  /// it is there already, which changes nothing. A failure may leave some of the folders above.
+  /// Makes the folder with exactly these permissions, and the missing folders above it with the usual ones. Succeeds
+  /// when it is there already, which changes nothing. A failure may leave some of the folders above.
   virtual Status createDirectory(const std::string& path, std::uint32_t permissions) = 0;
 
   /// Of the item itself; on a link the permissions are left alone. May set some and fail at another.
   virtual Status setAttributes(const std::string& path, const OwnershipAndMode& attributes) = 0;
 
-  /// Removes the item with everything below it; a link itself, never what it leads to. Not atomic: when it fails, part of
-  /// a folder's content may be gone.
+  /// Removes the item with everything below it; a link itself, never what it leads to. Not atomic: when it fails, part
+  /// of a folder's content may be gone.
   virtual Status removeItem(const std::string& path) = 0;
 
   /// Copies an item with everything below it to a name that is free: permissions, modification times, extended
-  /// attributes and holes in files are kept, links are copied as links. All or nothing: the copy is built under a hidden
-  /// name beside the target and renamed when it is complete, so that neither a failure nor the end of this process leaves
-  /// half of it under the target's name. Fails with file_exists when the name is taken.
+  /// attributes and holes in files are kept, links are copied as links. All or nothing: the copy is built under a
+  /// hidden name beside the target and renamed when it is complete, so that neither a failure nor the end of this
+  /// process leaves half of it under the target's name. Fails with file_exists when the name is taken.
   virtual Status copyItem(const std::string& source, const std::string& target) = 0;
 
-  /// copyItem() to a name that is taken, by whatever kind of item. At every moment the target is the whole old item or the
-  /// whole new one; after a failure it is the old one. Fails with permission_denied or operation_not_permitted when this
-  /// process may not remove the old item.
+  /// copyItem() to a name that is taken, by whatever kind of item. At every moment the target is the whole old item or
+  /// the whole new one; after a failure it is the old one. Fails with permission_denied or operation_not_permitted when
+  /// this process may not remove the old item.
   virtual Status replaceItem(const std::string& source, const std::string& target) = 0;
 
   /// Says which copies copyItem() and replaceItem() are about to be asked for, in this order; some may be left out. The
-  /// file system may then build them ahead of their turn, under their hidden names. Only that makes a difference: what a
-  /// copy that is asked for does, and how it fails, is the same with and without a plan, and one that is not asked for
-  /// leaves nothing behind.
+  /// file system may then build them ahead of their turn, under their hidden names. Only that makes a difference: what
+  /// a copy that is asked for does, and how it fails, is the same with and without a plan, and one that is not asked
+  /// for leaves nothing behind.
   [[nodiscard]] virtual std::unique_ptr<CopyPlan> planCopies(std::vector<PlannedCopy> copies) = 0;
 };

@@ -8,7 +8,7 @@ class LaunchServices {
  public:
   // Results of registering, in the system's numbering:
   static constexpr std::int32_t noErr = 0;
-  static constexpr std::int32_t fnfErr = -43;                      ///< nothing at the path
+  static constexpr std::int32_t fnfErr = -43;  ///< nothing at the path
   static constexpr std::int32_t kLSNotAnApplicationErr = -10811;
   static constexpr std::int32_t kLSNoExecutableErr = -10827;
   static constexpr std::int32_t kLSServerCommunicationErr = -10822;  ///< the database cannot be changed

@@ -19,8 +19,8 @@
 /// Posted when the program is about to end in the usual way.
 inline constexpr std::string_view applicationWillTerminateNotification = "NSApplicationWillTerminateNotification";
 
-/// Everything that the program asks of the system. main() builds one for the machine and hands it down; a test builds its
-/// own.
+/// Everything that the program asks of the system. main() builds one for the machine and hands it down; a test builds
+/// its own.
 struct Platform {
   FileSystem& files;
   Bundles& bundles;

@@ -19,7 +19,7 @@ class Preferences {
   /// Stores the value in memory; no value deletes the key.
   virtual void setAppValue(const std::string& key, Value value, const std::string& domain) = 0;
 
-  /// Writes the domain's changes to permanent storage, all of them or none. False when that failed; the changes are then
-  /// kept in memory. A domain whose stored form cannot be understood is not overwritten.
+  /// Writes the domain's changes to permanent storage, all of them or none. False when that failed; the changes are
+  /// then kept in memory. A domain whose stored form cannot be understood is not overwritten.
   virtual bool synchronize(const std::string& domain) = 0;
 };

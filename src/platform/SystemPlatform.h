@@ -20,6 +20,6 @@ class SystemPlatform {
   [[nodiscard]] virtual std::string shownPath(const std::string& path) const = 0;
 };
 
-/// The platform for installing into `target`, a mounted volume or a folder laid out like one ("/" for the running system).
-/// Fails when the target cannot be entered, or when the program does not lie in a bundle.
+/// The platform for installing into `target`, a mounted volume or a folder laid out like one ("/" for the running
+/// system). Fails when the target cannot be entered, or when the program does not lie in a bundle.
 [[nodiscard]] Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& target);

@@ -30,6 +30,7 @@ class Toolkit {
   Toolkit& operator=(const Toolkit&) = delete;
   virtual ~Toolkit() = default;
 
-  /// Shows a modal alert and waits for the answer. Without a window: one line on standard error, and the default answer.
+  /// Shows a modal alert and waits for the answer. Without a window: one line on standard error, and the default
+  /// answer.
   virtual AlertAnswer runAlertPanel(const Alert& alert) = 0;
 };

@@ -34,8 +34,7 @@ class Summary {
       line("  " + platform().bundles.mainBundle().localizedString("auth_error"));
     }
     if (!controller.installedPaths().empty()) {
-      line(formatted(text("quiet_log", "Log: %@"),
-                     system_.shownPath(PlugInFilesModel(platform()).installerLogPath())));
+      line(formatted(text("quiet_log", "Log: %@"), system_.shownPath(PlugInFilesModel(platform()).installerLogPath())));
     }
   }
 

@@ -30,7 +30,8 @@ std::optional<Error> errorFromStatus(LaunchStatus status) {
 std::optional<Error> launch(const std::string& path, const std::vector<std::string>& arguments,
                             Authorization& authorization, bool wait, std::unique_ptr<CommunicationsPipe>& pipe) {
   const LaunchStatus status = authorization.executeWithPrivileges(path, arguments, pipe);
-  // Any child will do: one that was started without waiting may be the one that ends here, and this tool then still runs.
+  // Any child will do: one that was started without waiting may be the one that ends here, and this tool then still
+  // runs.
   if (wait) authorization.waitForAnyChild();
   return errorFromStatus(status);
 }

@@ -14,8 +14,8 @@ class TaskOutputReader {
   TaskOutputReader(const TaskOutputReader&) = delete;
   TaskOutputReader& operator=(const TaskOutputReader&) = delete;
 
-  /// Starts the task and returns when its end was announced, or when the run loop cannot run. What the task wrote and was
-  /// not read by then is not collected. Throws Exception when the task cannot be started.
+  /// Starts the task and returns when its end was announced, or when the run loop cannot run. What the task wrote and
+  /// was not read by then is not collected. Throws Exception when the task cannot be started.
   void launchTaskAndRunSynchronous();
 
   [[nodiscard]] const std::string& standardOutputData() const { return standardOutput_; }

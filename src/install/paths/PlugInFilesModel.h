@@ -6,8 +6,8 @@
 
 #include "platform/Platform.h"
 
-/// Where the payload lies in the installer's bundle, and where what belongs to no host goes. Holds nothing: everybody who
-/// asks makes one. All results are absolute paths; whether anything is there is another question.
+/// Where the payload lies in the installer's bundle, and where what belongs to no host goes. Holds nothing: everybody
+/// who asks makes one. All results are absolute paths; whether anything is there is another question.
 class PlugInFilesModel {
  public:
   explicit PlugInFilesModel(Platform& platform) : platform_(platform) {}
@@ -32,8 +32,8 @@ class PlugInFilesModel {
   [[nodiscard]] std::string productUserAppSupportPath() const;
   [[nodiscard]] std::string userAppSupportPathForProduct(std::string_view product) const;
 
-  /// The folder that the product keeps its settings in: below the "User Folder" of its own preferences when that is there,
-  /// else in the user's Application Support. The only answer that looks at the disk.
+  /// The folder that the product keeps its settings in: below the "User Folder" of its own preferences when that is
+  /// there, else in the user's Application Support. The only answer that looks at the disk.
   [[nodiscard]] std::string userSettingsPath() const;
 
   [[nodiscard]] std::string settingsInstallPath() const;

@@ -10,7 +10,8 @@ void InstallFilesController::runLsregister() {
   constexpr const char* lsregister =
       "/System/Library/Frameworks/CoreServices.framework/Versions/A/Frameworks/LaunchServices.framework/Versions/A/"
       "Support/lsregister";
-  // Nobody waits for it and a failure changes nothing: the system brings its database up to date sooner or later itself.
+  // Nobody waits for it and a failure changes nothing: the system brings its database up to date sooner or later
+  // itself.
   static_cast<void>(
       OneLineTasksWithOutput::stringByLaunchingPath(lsregister, {"-apps"}, *authorization_, /*wait=*/false));
 }

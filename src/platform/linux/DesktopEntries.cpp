@@ -43,7 +43,8 @@ std::string entryFileName(std::string identifier) {
   constexpr std::size_t longest = 200;
   identifier.resize(std::min(identifier.size(), longest));
   for (char& c : identifier) {
-    const bool isPlain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' || c == '_';
+    const bool isPlain =
+        (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' || c == '_';
     if (!isPlain) c = '-';
   }
   if (identifier.starts_with('.')) identifier.front() = '-';

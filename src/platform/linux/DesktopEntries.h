@@ -8,8 +8,8 @@
 #include "platform/LaunchServices.h"
 #include "platform/posix/Volume.h"
 
-/// The database of applications as desktop entries, one file an application, in a folder of the user's on the volume. An
-/// entry starts the application from where the volume is now.
+/// The database of applications as desktop entries, one file an application, in a folder of the user's on the volume.
+/// An entry starts the application from where the volume is now.
 class DesktopEntries : public LaunchServices {
  public:
   DesktopEntries(const Volume& volume, FileSystem& files, const Bundles& bundles, std::string applicationsFolder);

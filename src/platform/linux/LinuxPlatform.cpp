@@ -1,12 +1,12 @@
 #include "platform/linux/LinuxPlatform.h"
 
-#include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
+#include <cstdlib>
 #include <optional>
 #include <utility>
 
@@ -40,7 +40,8 @@ void setUpProcess() {
     descriptor = ::open("/dev/null", O_RDWR);
   } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
   if (descriptor > STDERR_FILENO) ::close(descriptor);
-  // Nobody reading our output, or a limit on the size of files, is an error like any other and not the end of an install.
+  // Nobody reading our output, or a limit on the size of files, is an error like any other and not the end of an
+  // install.
   static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
   static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
   ::umask(022);

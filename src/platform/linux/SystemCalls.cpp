@@ -16,8 +16,8 @@
 
 namespace {
 
-/// Whether another way of copying may do what this one could not: the two file systems do not go together, or this kernel
-/// cannot.
+/// Whether another way of copying may do what this one could not: the two file systems do not go together, or this
+/// kernel cannot.
 bool isUnsupported(int error) {
   return error == EXDEV || error == EINVAL || error == ENOSYS || error == EOPNOTSUPP || error == EPERM;
 }
@@ -45,8 +45,7 @@ int copyBySendfile(int source, int target, std::int64_t& offset, std::int64_t& l
   if (::lseek(target, offset, SEEK_SET) < 0) return errno;
   while (length > 0) {
     off_t from = offset;
-    const ssize_t copied =
-        ::sendfile(target, source, &from, static_cast<std::size_t>(std::min(length, mostAtOnce)));
+    const ssize_t copied = ::sendfile(target, source, &from, static_cast<std::size_t>(std::min(length, mostAtOnce)));
     if (copied < 0 && errno == EINTR) continue;
     if (copied < 0) return errno;
     if (copied == 0) return EIO;
@@ -65,8 +64,8 @@ int copyByHand(int source, int target, std::int64_t offset, std::int64_t length)
     if (got < 0) return errno;
     if (got == 0) return EIO;
     for (ssize_t written = 0; written < got;) {
-      const ssize_t put = ::pwrite(target, buffer.data() + written, static_cast<std::size_t>(got - written),
-                                   offset + written);
+      const ssize_t put =
+          ::pwrite(target, buffer.data() + written, static_cast<std::size_t>(got - written), offset + written);
       if (put < 0 && errno == EINTR) continue;
       if (put < 0) return errno;
       written += put;
@@ -84,7 +83,8 @@ FileDescriptor openFolderHandle(int folder, const char* name, bool followLink) {
 }
 
 int copyFileRange(int source, int target, std::int64_t offset, std::int64_t length) {
-  // Kernels before 5.19 give 0 for files whose content is made up as it is read; reading by hand tells those from an end.
+  // Kernels before 5.19 give 0 for files whose content is made up as it is read; reading by hand tells those from an
+  // end.
   int error = copyInKernel(source, target, offset, length);
   if (isUnsupported(error)) error = copyBySendfile(source, target, offset, length);
   if (isUnsupported(error) || error == EIO) error = copyByHand(source, target, offset, length);

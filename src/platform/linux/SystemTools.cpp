@@ -29,8 +29,8 @@ bool isLink(const std::string& path) {
   return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
 }
 
-/// "name:group" with the numbers for the names, which spares the tool the look-up and knows a Mac's groups; as it is when
-/// a name is unknown.
+/// "name:group" with the numbers for the names, which spares the tool the look-up and knows a Mac's groups; as it is
+/// when a name is unknown.
 std::string numericOwner(const std::string& owner) {
   const std::size_t colon = owner.find(':');
   if (colon == std::string::npos) return owner;
@@ -105,6 +105,16 @@ std::optional<SystemCommand> SystemTools::remove(const Arguments& arguments) con
 }
 
 std::optional<SystemCommand> SystemTools::makeDirectory(const Arguments& arguments) const {
+  // A Mac's mkdir -p stops at a link that leads nowhere. This system's would be given the path that the link stands
+  // for.
+  for (const std::string& argument : arguments) {
+    for (std::string path = argument; isPath(path) && path != "/"; path = deletingLastPathComponent(path)) {
+      const auto itself = volume_.realPath(path, LastLink::keep, Purpose::look);
+      const auto leadsTo = volume_.realPath(path, LastLink::follow, Purpose::look);
+      if (!itself || !leadsTo) return std::nullopt;
+      if (isLink(*itself) && ::access(leadsTo->c_str(), F_OK) != 0) return std::nullopt;
+    }
+  }
   return command("mkdir", mapped(arguments, LastLink::follow));
 }
 
@@ -142,8 +152,9 @@ std::optional<SystemCommand> SystemTools::updateApplications(const Arguments& /*
   auto update = command("update-desktop-database", Arguments{"-q", *folder});
   if (!update || ::geteuid() != 0 || user_.account().id == 0) return update;
   // The database is the user's: root's own would be in their way.
-  Arguments arguments = {"--reuid=" + std::to_string(user_.account().id), "--regid=" + std::to_string(user_.account().group),
-                         "--clear-groups", "--", update->executable};
+  Arguments arguments = {"--reuid=" + std::to_string(user_.account().id),
+                         "--regid=" + std::to_string(user_.account().group), "--clear-groups", "--",
+                         update->executable};
   arguments.insert(arguments.end(), update->arguments.begin(), update->arguments.end());
   return command("setpriv", std::move(arguments));
 }

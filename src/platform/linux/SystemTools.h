@@ -17,8 +17,8 @@ struct SystemCommand {
 /// volume among the arguments become paths of this system.
 class SystemTools {
  public:
-  /// `helpersFolder` holds the installer's own tools, on this system; `applicationsFolder` the registered applications, on
-  /// the volume.
+  /// `helpersFolder` holds the installer's own tools, on this system; `applicationsFolder` the registered applications,
+  /// on the volume.
   SystemTools(const Volume& volume, const PosixUser& user, std::string helpersFolder, std::string applicationsFolder);
 
   /// Nothing when there is no such tool, or when it is asked to change the installer's own bundle.

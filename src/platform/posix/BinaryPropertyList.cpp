@@ -6,8 +6,9 @@
 #include "foundation/Text.h"
 #include "platform/posix/PropertyListReader.h"
 
-// The file is a header, the objects, a table of their offsets, and a trailer of 32 bytes that says where the table is. An
-// object starts with a marker: its kind in the upper four bits and its length, or the need to read one, in the lower four.
+// The file is a header, the objects, a table of their offsets, and a trailer of 32 bytes that says where the table is.
+// An object starts with a marker: its kind in the upper four bits and its length, or the need to read one, in the lower
+// four.
 
 namespace {
 
@@ -143,8 +144,7 @@ class Reader {
 
   Result<Value> readUtf16(const Object& object) const {
     if (object.length > tableOffset_ / 2 || !has(object.start, object.length * 2)) return fail("a text ends too early");
-    return Value(
-        decodeTextFile(std::string("\xFE\xFF").append(bytes_.substr(object.start, object.length * 2))).text);
+    return Value(decodeTextFile(std::string("\xFE\xFF").append(bytes_.substr(object.start, object.length * 2))).text);
   }
 
   [[nodiscard]] bool hasReferences(const Object& object, std::uint64_t count) const {

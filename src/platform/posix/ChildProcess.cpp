@@ -1,11 +1,11 @@
 #include "platform/posix/ChildProcess.h"
 
-#include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 
 #include "platform/posix/SystemCalls.h"
 

@@ -10,7 +10,8 @@ CopyAhead::CopyAhead(const Volume& volume, std::vector<PlannedCopy> copies) : vo
   if (!entries_.empty()) entries_.front().state = State::over;
   constexpr unsigned mostWorkers = 4;
   const unsigned spareCores = std::max(std::thread::hardware_concurrency(), 1U) - 1;
-  const auto wanted = std::min<std::size_t>(std::min(spareCores, mostWorkers), std::max<std::size_t>(entries_.size(), 1) - 1);
+  const auto wanted =
+      std::min<std::size_t>(std::min(spareCores, mostWorkers), std::max<std::size_t>(entries_.size(), 1) - 1);
   for (std::size_t i = 0; i < wanted; ++i) workers_.emplace_back([this] { work(); });
 }
 
@@ -37,9 +38,8 @@ void CopyAhead::stop() {
 std::optional<StagedCopy> CopyAhead::take(const std::string& source, const std::string& target) {
   std::unique_lock guard(mutex_);
   const auto found =
-      std::find_if(entries_.begin() + static_cast<std::ptrdiff_t>(turn_), entries_.end(), [&](const Entry& entry) {
-        return entry.copy.source == source && entry.copy.target == target;
-      });
+      std::find_if(entries_.begin() + static_cast<std::ptrdiff_t>(turn_), entries_.end(),
+                   [&](const Entry& entry) { return entry.copy.source == source && entry.copy.target == target; });
   if (found == entries_.end()) return std::nullopt;
   // Entries that were passed over keep what they have until the end.
   turn_ = static_cast<std::size_t>(found - entries_.begin()) + 1;

@@ -11,8 +11,9 @@
 #include "platform/FileSystem.h"
 #include "platform/posix/StagedCopy.h"
 
-/// Stages the next few of a list of copies in threads of its own, while the one before them is being handed over. A copy
-/// that could not be staged ahead, because its folder is not there yet or for any other reason, is left to its turn.
+/// Stages the next few of a list of copies in threads of its own, while the one before them is being handed over. A
+/// copy that could not be staged ahead, because its folder is not there yet or for any other reason, is left to its
+/// turn.
 class CopyAhead {
  public:
   CopyAhead(const Volume& volume, std::vector<PlannedCopy> copies);

@@ -30,7 +30,8 @@ std::optional<ItemType> entryType(int folder, const dirent& entry) {
 }  // namespace
 
 Result<std::vector<FolderEntry>> listFolder(int folder) {
-  // A descriptor of its own: reading moves the place in the folder, which the caller's descriptor would share with a copy.
+  // A descriptor of its own: reading moves the place in the folder, which the caller's descriptor would share with a
+  // copy.
   FileDescriptor own(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!own) return systemError(errno, "");
   const auto close = [](DIR* stream) { ::closedir(stream); };

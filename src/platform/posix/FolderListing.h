@@ -11,6 +11,6 @@ struct FolderEntry {
   ItemType type = ItemType::other;
 };
 
-/// Entries of the open folder (opened for reading) in ascending byte order of their names, "." and ".." left out. An entry
-/// that goes away while it is looked at is left out.
+/// Entries of the open folder (opened for reading) in ascending byte order of their names, "." and ".." left out. An
+/// entry that goes away while it is looked at is left out.
 Result<std::vector<FolderEntry>> listFolder(int folder);

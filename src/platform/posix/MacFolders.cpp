@@ -8,7 +8,9 @@ std::optional<std::string> MacFolders::findUserPreferences() const {
   return whenThere(joinPath(home_, "Library/Preferences"));
 }
 
-std::optional<std::string> MacFolders::findUserApplicationSupport() const { return whenThere(userApplicationSupport()); }
+std::optional<std::string> MacFolders::findUserApplicationSupport() const {
+  return whenThere(userApplicationSupport());
+}
 
 std::optional<std::string> MacFolders::whenThere(std::string path) const {
   if (!files_.exists(path)) return std::nullopt;

@@ -13,10 +13,10 @@
 #include "foundation/Exception.h"
 #include "foundation/Path.h"
 #include "foundation/Text.h"
-#include "platform/posix/FolderListing.h"
-#include "platform/posix/SystemCalls.h"
 #include "platform/posix/CopyAhead.h"
+#include "platform/posix/FolderListing.h"
 #include "platform/posix/StagedCopy.h"
+#include "platform/posix/SystemCalls.h"
 #include "platform/posix/TreeCopy.h"
 
 namespace {
@@ -27,9 +27,9 @@ using Place = Volume::Place;
 
 /// Kinds of folders that a Mac shows as one item by their extension alone.
 constexpr std::array<std::string_view, 20> packageExtensions = {
-    "app",    "bundle",      "plugin",  "lrplugin", "lrdevplugin", "lrmodule", "component",
-    "kext",   "prefpane",    "saver",   "qlgenerator", "mdimporter", "wdgt",     "workflow",
-    "action", "colorpicker", "service", "xpc",      "appex",       "8bf"};
+    "app",    "bundle",      "plugin",  "lrplugin",    "lrdevplugin", "lrmodule", "component",
+    "kext",   "prefpane",    "saver",   "qlgenerator", "mdimporter",  "wdgt",     "workflow",
+    "action", "colorpicker", "service", "xpc",         "appex",       "8bf"};
 
 /// Whether the folder is a package: by its extension, or because it has one and is laid out as a bundle.
 bool isPackage(int parent, const std::string& name) {
@@ -49,8 +49,8 @@ std::vector<WalkedItem> visibleEntriesOf(int folder, const std::string& path) {
   if (!entries) return items;
   for (const FolderEntry& entry : *entries) {
     if (isHidden(entry.name)) continue;
-    items.push_back({joinPath(path, entry.name), entry.type,
-                     entry.type == ItemType::folder && isPackage(folder, entry.name)});
+    items.push_back(
+        {joinPath(path, entry.name), entry.type, entry.type == ItemType::folder && isPackage(folder, entry.name)});
   }
   return items;
 }
@@ -211,31 +211,23 @@ Result<std::unique_ptr<WritableFile>> PosixFileSystem::openForWriting(const std:
 }
 
 Status PosixFileSystem::createDirectory(const std::string& path, std::uint32_t permissions) {
-  const auto place = volume_.find(path, LastLink::follow, Purpose::change);
-  if (!place) {
-    const std::string parent = deletingLastPathComponent(path);
-    if (!place.error().is(std::errc::no_such_file_or_directory) || parent.empty() || parent == path) {
-      return place.error();
-    }
+  auto place = volume_.find(path, LastLink::keep, Purpose::change);
+  const std::string parent = deletingLastPathComponent(path);
+  if (!place && place.error().is(std::errc::no_such_file_or_directory) && !parent.empty() && parent != path) {
     constexpr std::uint32_t usualPermissions = 0755;
     if (Status made = createDirectory(parent, usualPermissions); !made) return made;
-    // A link that leads to what is missing stays as it is, and in the way.
-    const auto again = volume_.find(path, LastLink::follow, Purpose::change);
-    return again ? makeDirectory(*again, path, permissions) : Status(again.error());
+    place = volume_.find(path, LastLink::keep, Purpose::change);
   }
-  return makeDirectory(*place, path, permissions);
-}
-
-Status PosixFileSystem::makeDirectory(const Place& place, const std::string& path, std::uint32_t permissions) const {
-  const int folder = place.folder.get();
-  if (::mkdirat(folder, place.name.c_str(), 0700) != 0) {
+  if (!place) return place.error();
+  const int folder = place->folder.get();
+  if (::mkdirat(folder, place->name.c_str(), 0700) != 0) {
     if (errno != EEXIST) return systemError(errno, path);
-    struct stat status {};
-    if (::fstatat(folder, place.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return systemError(errno, path);
-    if (!S_ISDIR(status.st_mode)) return Error::posix(std::errc::file_exists, path);
+    // A link to a folder will do. One that leads nowhere stays in the way: the disk that it leads to may be back
+    // tomorrow.
+    if (!open(path, folderToRead, Purpose::look)) return Error::posix(std::errc::file_exists, path);
     return {};
   }
-  const FileDescriptor made(::openat(folder, place.name.c_str(), folderToRead | O_NOFOLLOW));
+  const FileDescriptor made(::openat(folder, place->name.c_str(), folderToRead | O_NOFOLLOW));
   if (!made) return systemError(errno, path);
   if (const int error = handToUser(made.get(), folder)) return systemError(error, path);
   if (::fchmod(made.get(), permissions) != 0) return systemError(errno, path);

@@ -40,8 +40,6 @@ class PosixFileSystem : public FileSystem {
   Result<FileDescriptor> open(const std::string& path, int flags, Volume::Purpose purpose) const;
   /// The same for a regular file; anything else fails.
   Result<FileDescriptor> openFile(const std::string& path, int flags, Volume::Purpose purpose) const;
-  [[nodiscard]] Status makeDirectory(const Volume::Place& place, const std::string& path,
-                                     std::uint32_t permissions) const;
   /// Gives an item that was made in the folder to the logged-in user when this is root; 0 or an errno value.
   [[nodiscard]] int handToUser(int item, int folder) const;
   /// The copy at its turn, made ahead or now.

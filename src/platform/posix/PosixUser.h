@@ -48,8 +48,8 @@ struct LanguageVariables {
   const char* lang;
 };
 
-/// Language codes from such values ("de_AT.UTF-8" gives "de-AT" and "de"), weighed as the system's own programs do; English
-/// is the last resort.
+/// Language codes from such values ("de_AT.UTF-8" gives "de-AT" and "de"), weighed as the system's own programs do;
+/// English is the last resort.
 [[nodiscard]] std::vector<std::string> preferredLanguages(const LanguageVariables& variables);
 
 /// From the environment of this process.

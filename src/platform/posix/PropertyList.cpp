@@ -12,9 +12,8 @@
 namespace {
 
 bool canBeWritten(std::string_view text) {
-  return std::ranges::all_of(text, [](char c) {
-    return static_cast<unsigned char>(c) >= 0x20 || c == '\n' || c == '\t' || c == '\r';
-  });
+  return std::ranges::all_of(
+      text, [](char c) { return static_cast<unsigned char>(c) >= 0x20 || c == '\n' || c == '\t' || c == '\r'; });
 }
 
 std::string escaped(std::string_view text) {

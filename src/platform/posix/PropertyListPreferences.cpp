@@ -38,8 +38,8 @@ std::optional<Value::Dictionary> PropertyListPreferences::read(const std::string
   } else if (bytes->size() <= largestFile) {
     auto value = readPropertyList(*bytes);
     if (value && value->as<Value::Dictionary>() != nullptr) return std::move(*value->as<Value::Dictionary>());
-    problem = value ? Error{"", 0, {{std::string(Error::localizedDescriptionKey), "it holds no dictionary"}}}
-                    : value.error();
+    problem =
+        value ? Error{"", 0, {{std::string(Error::localizedDescriptionKey), "it holds no dictionary"}}} : value.error();
   }
   log_.write(formatted("Could not read preferences %@: %@", path, problem.description()));
   return std::nullopt;

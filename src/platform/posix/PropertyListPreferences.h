@@ -9,8 +9,8 @@
 #include "platform/Log.h"
 #include "platform/Preferences.h"
 
-/// Preferences as one property list a domain: the user's in Library/Preferences of the home folder, those for all users in
-/// /Library/Preferences. What is still unwritten when this ends is written then.
+/// Preferences as one property list a domain: the user's in Library/Preferences of the home folder, those for all users
+/// in /Library/Preferences. What is still unwritten when this ends is written then.
 class PropertyListPreferences : public Preferences {
  public:
   PropertyListPreferences(FileSystem& files, const Folders& folders, Log& log)

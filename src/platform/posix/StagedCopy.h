@@ -6,10 +6,11 @@
 #include "platform/posix/FileDescriptor.h"
 #include "platform/posix/Volume.h"
 
-// What is being made stands under a hidden name beside its place until it is complete. The name is always the same for the
-// same place, so that the next install finds and removes what one that was killed left behind.
+// What is being made stands under a hidden name beside its place until it is complete. The name is always the same for
+// the same place, so that the next install finds and removes what one that was killed left behind.
 
-/// How many hidden names a place has: one that another installer is busy with, or that cannot be removed, is passed over.
+/// How many hidden names a place has: one that another installer is busy with, or that cannot be removed, is passed
+/// over.
 inline constexpr int mostStagedNames = 10;
 [[nodiscard]] std::string stagedName(std::string_view name, int attempt);
 
@@ -33,8 +34,8 @@ class StagedCopy {
   /// Gives the copy its name; fails with file_exists when that is taken.
   [[nodiscard]] Status putInPlace() &&;
 
-  /// The same for a name that is taken: in one step where the file system can, and with the old item back in place where a
-  /// second step fails. Then removes the old item; what cannot be removed of it stays under the hidden name.
+  /// The same for a name that is taken: in one step where the file system can, and with the old item back in place
+  /// where a second step fails. Then removes the old item; what cannot be removed of it stays under the hidden name.
   [[nodiscard]] Status exchangeWithOldItem() &&;
 
  private:

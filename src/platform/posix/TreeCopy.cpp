@@ -39,7 +39,7 @@ int copyContent(int source, int target, const struct stat& status) {
   off_t offset = 0;
   while (offset < status.st_size) {
     const off_t data = ::lseek(source, offset, SEEK_DATA);
-    if (data < 0 && errno == ENXIO) break;  // a hole up to the end
+    if (data < 0 && errno == ENXIO) break;                                  // a hole up to the end
     if (data < 0) return copyFileRange(source, target, 0, status.st_size);  // the file system does not tell
     const off_t hole = ::lseek(source, data, SEEK_HOLE);
     const off_t end = hole < 0 ? status.st_size : hole;
@@ -76,8 +76,8 @@ class TreeCopy {
   }
 
  private:
-  /// A folder being copied. It is finished when the last one who holds it is done: what is still put into it would change
-  /// its modification time, and its permissions may forbid that.
+  /// A folder being copied. It is finished when the last one who holds it is done: what is still put into it would
+  /// change its modification time, and its permissions may forbid that.
   struct Folder {
     Folder(TreeCopy& c, FileDescriptor s, FileDescriptor t) : copy(c), source(std::move(s)), target(std::move(t)) {}
     Folder(const Folder&) = delete;

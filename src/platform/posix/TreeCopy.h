@@ -13,13 +13,14 @@ struct CopyRequest {
   std::string targetName;
 };
 
-/// Copies one item with everything below it to a name that is free. Content, permission bits, modification times, extended
-/// attributes and holes are kept; links are copied as links; an item that is neither file, folder nor link fails with
-/// not_supported. A folder's files are copied by at most so many threads, this one among them, which have ended when this
-/// returns.
+/// Copies one item with everything below it to a name that is free. Content, permission bits, modification times,
+/// extended attributes and holes are kept; links are copied as links; an item that is neither file, folder nor link
+/// fails with not_supported. A folder's files are copied by at most so many threads, this one among them, which have
+/// ended when this returns.
 ///
 /// On success `lock` holds an exclusive flock(2) on the copy, for as long as it is open (nothing for a link). After a
-/// failure the part that was copied is still there, and is the caller's to remove; with file_exists it is not the caller's.
+/// failure the part that was copied is still there, and is the caller's to remove; with file_exists it is not the
+/// caller's.
 [[nodiscard]] Status copyTree(const CopyRequest& request, unsigned mostThreads, FileDescriptor& lock);
 
 /// Removes the item with everything below it, following no link. Stops at the first thing that cannot be removed.

@@ -8,7 +8,8 @@
 
 /// The target volume: where its paths lie on this system. Nothing else knows.
 ///
-/// Links on the volume are resolved as the system booted from it would: an absolute one starts at the volume's root, and
+/// Links on the volume are resolved as the system booted from it would: an absolute one starts at the volume's root,
+/// and
 /// ".." stops there. Paths of the installer's own bundle are those of this system.
 class Volume {
  public:

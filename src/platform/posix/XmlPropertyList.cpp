@@ -70,10 +70,9 @@ class Builder {
       static_cast<Builder*>(self)->text_.append(text, static_cast<std::size_t>(length));
     });
     // A property list has no use for entities of its own, and they are how a small file grows large.
-    XML_SetEntityDeclHandler(parser, [](void* self, const XML_Char*, int, const XML_Char*, int, const XML_Char*,
-                                        const XML_Char*, const XML_Char*, const XML_Char*) {
-      static_cast<Builder*>(self)->fail("it declares entities");
-    });
+    XML_SetEntityDeclHandler(
+        parser, [](void* self, const XML_Char*, int, const XML_Char*, int, const XML_Char*, const XML_Char*,
+                   const XML_Char*, const XML_Char*) { static_cast<Builder*>(self)->fail("it declares entities"); });
   }
 
   [[nodiscard]] const std::string& problem() const { return problem_; }
@@ -173,8 +172,7 @@ class Builder {
 }  // namespace
 
 Result<Value> readXmlPropertyList(std::string_view bytes) {
-  const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate(nullptr),
-                                                                            &XML_ParserFree);
+  const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate(nullptr), &XML_ParserFree);
   if (parser == nullptr) return propertyListError("no memory");
   Builder builder(parser.get());
   constexpr std::size_t most = std::size_t{1} << 30U;

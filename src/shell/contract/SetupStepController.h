@@ -26,8 +26,8 @@ class SetupStepController {
   /// The page has been left; `delta` is the new step number minus the old one.
   virtual void didProceed(std::int32_t delta) = 0;
 
-  /// The page is entered. It holds model and view until it is left, and only refers to the main controller, which may be
-  /// asked for the next page from in here.
+  /// The page is entered. It holds model and view until it is left, and only refers to the main controller, which may
+  /// be asked for the next page from in here.
   virtual void didEnterWithModel(std::shared_ptr<SetupStepModel> model, std::shared_ptr<View> withView,
                                  SetupMainController* withMainController, std::int32_t direction) = 0;
 };

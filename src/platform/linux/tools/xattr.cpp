@@ -2,8 +2,8 @@
 //
 //   xattr -dr NAME PATH...
 //
-// Linux file systems keep such attributes under the prefix "user."; a volume written by a Mac may have the bare name. An
-// item that does not have the attribute is as it should be. Links are neither followed nor changed.
+// Linux file systems keep such attributes under the prefix "user."; a volume written by a Mac may have the bare name.
+// An item that does not have the attribute is as it should be. Links are neither followed nor changed.
 
 #include <dirent.h>
 #include <fcntl.h>

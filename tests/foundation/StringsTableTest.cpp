@@ -1,0 +1,44 @@
+#include <gtest/gtest.h>
+
+#include "foundation/StringsTable.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+TEST(StringsTable, ReadsEveryFormOfEntry) {
+  const StringsTable table = parseStringsTable(R"(/* a comment; with "quotes" */
+"plain" = "text";   // another
+bare-word_1.2 = 'single';
+"escapes" = "\"\n\t\\ \U00e9 \U0001 \351 \q \Ud83d\udcf7";
+"alone";
+"again" = "first"; "again" = "second";
+)");
+  EXPECT_EQ(table.problem, "");
+  EXPECT_EQ(table.texts.at("plain"), "text");
+  EXPECT_EQ(table.texts.at("bare-word_1.2"), "single");
+  EXPECT_EQ(table.texts.at("escapes"), "\"\n\t\\ é \x01 é q \xF0\x9F\x93\xB7");
+  EXPECT_EQ(table.texts.at("alone"), "alone");
+  EXPECT_EQ(table.texts.at("again"), "second");
+  EXPECT_EQ(parseStringsTable("{ a = b; }").texts.at("a"), "b");
+  EXPECT_EQ(parseStringsTable("\xFF\xFE\"\0k\0\"\0=\0\"\0\xE4\0\"\0;\0"s).texts.at("k"), "ä");
+  EXPECT_TRUE(parseStringsTable("").problem.empty());
+}
+
+TEST(StringsTable, KeepsWhatStandsBeforeTheFault) {
+  for (const auto* const fault : {"\"b\" = \"cut sho", "\"b\" =", "\"b\" = c", "= d;", "/* no end", "\"b\" \"c\";"}) {
+    const StringsTable table = parseStringsTable("\"a\" = \"kept\";\n" + std::string(fault));
+    EXPECT_EQ(table.texts.at("a"), "kept") << fault;
+    EXPECT_EQ(table.texts.size(), 1U) << fault;
+    EXPECT_TRUE(table.problem.starts_with("line 2: ")) << fault << ": " << table.problem;
+  }
+  const StringsTable latin = parseStringsTable(
+      "\"a\" = \"Gr\xF6\xDF"
+      "e\";");
+  EXPECT_EQ(latin.texts.at("a"),
+            "Gr\xEF\xBF\xBD\xEF\xBF\xBD"
+            "e");
+  EXPECT_NE(latin.problem, "");
+}
+
+}  // namespace
