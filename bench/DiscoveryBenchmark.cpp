@@ -64,7 +64,7 @@ Machine& machine() {
 
 void listFolders(benchmark::State& state) {
   const Platform& platform = machine().platform;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(platform.files.contentsOfDirectory("/Users/someone/Library/Preferences"));
     benchmark::DoNotOptimize(platform.files.contentsOfDirectory("/Users/someone/Library/Application Support/Adobe"));
   }
@@ -72,7 +72,7 @@ void listFolders(benchmark::State& state) {
 BENCHMARK(listFolders)->Unit(benchmark::kMillisecond);
 
 void discoverHosts(benchmark::State& state) {
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     const HostsModel model(machine().platform);
     if (model.foundHosts().size() != 2) state.SkipWithError("the hosts were not found");
   }

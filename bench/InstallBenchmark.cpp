@@ -143,11 +143,17 @@ struct Peer {
   long peakKilobytes = 0;
 };
 
-void measure(const std::string& title, std::vector<Peer> peers, int rounds, const std::function<void()>& cleanUp) {
+/// `isDone` tells after each run whether it did its work.
+void measure(const std::string& title, std::vector<Peer> peers, int rounds, const std::function<void()>& cleanUp,
+             const std::function<bool()>& isDone) {
   for (int round = 0; round < rounds; ++round) {
     for (Peer& peer : peers) {
       cleanUp();
       const Run result = peer.once();
+      if (!isDone()) {
+        std::cerr << peer.name << " did not do its work\n";
+        std::exit(1);
+      }
       peer.times.push_back(result.milliseconds);
       peer.peakKilobytes = std::max(peer.peakKilobytes, result.peakKilobytes);
     }
@@ -185,12 +191,10 @@ std::vector<Peer> peersFor(const fs::path& folder, const fs::path& installer) {
                                  "--force-script-chrootless", "-i", folder / "bench.deb"});
                    }});
   peers.push_back({"floor", [=] { return run({INSTALL_FLOOR, source, target}); }});
-  peers.push_back({"shell script", [=] {
-                     return run({"sh", "-c",
-                                 "mkdir -p \"$2\"; for f in \"$1\"/*; do t=\"$2/${f##*/}\"; cp -R \"$f\" \"$t\"; "
-                                 "chown -R 0:80 \"$t\"; chmod -R 0775 \"$t\"; done",
-                                 "sh", source, target});
-                   }});
+  const std::string script =
+      "mkdir -p \"$2\"; for f in \"$1\"/*; do t=\"$2/${f##*/}\"; cp -R \"$f\" \"$t\"; "
+      "chown -R 0:80 \"$t\"; chmod -R 0775 \"$t\"; done";
+  peers.push_back({"shell script", [=] { return run({"sh", "-c", script, "sh", source, target}); }});
   peers.push_back({"**Installer -quiet**", [=] { return run({installer, "-quiet", "-target", volume}); }});
   return peers;
 }
@@ -200,7 +204,6 @@ std::vector<Peer> peersFor(const fs::path& folder, const fs::path& installer) {
 int main(int argc, char** argv) {
   const fs::path folder = fs::path(argc > 1 ? argv[1] : "/dev/shm") / "installer-benchmark";
   const int rounds = argc > 2 ? std::atoi(argv[2]) : 15;
-  const std::string owner = std::to_string(::getuid());
   if (::getuid() != 0 || rounds < 1) {
     std::cerr << "usage, as root: install-benchmark [FOLDER [ROUNDS]]\n";
     return 64;
@@ -216,21 +219,25 @@ int main(int argc, char** argv) {
   makeBundles(folder / "bundles");
   auto peers = peersFor(folder, makeInstaller(folder / "Bundles.app", folder / "bundles"));
   std::erase_if(peers, [](const Peer& peer) { return peer.name == "shell script"; });
-  measure("40 bundles, 2,400 files, 551 MB", peers, rounds, cleanUp);
+  const auto hasItems = [&](std::ptrdiff_t items) {
+    return [=] { return std::distance(fs::directory_iterator(folder / "volume/Plug-Ins/Corvane"), {}) == items; };
+  };
+  measure("40 bundles, 2,400 files, 551 MB", peers, rounds, cleanUp, hasItems(40));
   fs::remove_all(folder / "Bundles.app");
 
   makeLooseFiles(folder / "loose");
   peers = peersFor(folder, makeInstaller(folder / "Loose.app", folder / "loose"));
-  measure("1,000 loose files of 4 KB", peers, rounds, cleanUp);
+  measure("1,000 loose files of 4 KB", peers, rounds, cleanUp, hasItems(1000));
 
   const fs::path nothing = makeInstaller(folder / "Nothing.app", {});
   const fs::path empty = folder / "empty volume";
   fs::create_directories(empty);
-  measure("nothing to do",
-          {{"**Installer -quiet**",
-            [&] {
-              return run({nothing, "-quiet", "-target", empty});
-            }}},
-          rounds, [] {});
+  measure(
+      "nothing to do",
+      {{"**Installer -quiet**",
+        [&] {
+          return run({nothing, "-quiet", "-target", empty});
+        }}},
+      rounds, [] {}, [] { return true; });
   fs::remove_all(folder);
 }

@@ -6,6 +6,7 @@
 #include "foundation/Format.h"
 #include "foundation/Path.h"
 #include "foundation/Text.h"
+#include "hosts/PathsFile.h"
 #include "hosts/UserDirectories.h"
 
 namespace {
@@ -29,13 +30,6 @@ std::optional<std::string_view> textAfter(std::string_view name, std::string_vie
 
 std::uint32_t firstPieceAsInteger(std::string_view text) {
   return unsignedIntegerValue(split(trimmed(text), ' ').front());
-}
-
-/// Length of the zero-terminated field at the start of the data. The first byte is never taken as the terminator;
-/// without a terminator the field runs to the end of the data.
-std::size_t fieldLength(std::string_view data) {
-  if (data.empty()) return 0;
-  return std::min(data.find('\0', 1), data.size());
 }
 
 }  // namespace
@@ -74,7 +68,7 @@ void PhotoshopHostModel::initPathsFromPathFile(const std::string& path) {
     platform_.log.write(formatted("Could not parse paths file: too short: %@", path));
     return;
   }
-  parsePathsFile(*data);
+  takeFolders(parsePathsFile(*data));
   if (appPath_ && !plugInPath_.empty()) hostIsInstalled_ = appFolderHoldsApplication();
 }
 
@@ -89,17 +83,13 @@ std::optional<std::string> PhotoshopHostModel::readPathsFile(const std::string& 
   }
 }
 
-void PhotoshopHostModel::parsePathsFile(std::string_view data) {
-  const std::size_t firstLength = fieldLength(data);
-  appPath_ = decodeUtf8(data.substr(0, firstLength));
-  const std::string_view rest = firstLength < data.size() ? data.substr(firstLength + 1) : std::string_view();
-  const std::string_view second = rest.substr(0, fieldLength(rest));
-
+void PhotoshopHostModel::takeFolders(const PathsFile& file) {
+  appPath_ = file.appFolder;
   const std::uint32_t major = version();
   if (major >= 2016 || (major == 2015 && minorVersion() >= 5)) {
     plugInPath_ = creativeCloudPlugIns;
-  } else if (!second.empty()) {
-    plugInPath_ = decodeUtf8(second).value_or("");
+  } else if (file.namesPlugInsFolder) {
+    plugInPath_ = file.plugInsFolder.value_or("");
   } else if (appPath_) {
     plugInPath_ = joinPath(*appPath_, "Plug-Ins");
   }

@@ -4,10 +4,11 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "hosts/HostModel.h"
 #include "platform/Platform.h"
+
+struct PathsFile;
 
 /// Photoshop or Photoshop Elements. Its paths are decided when it is made and never change.
 class PhotoshopHostModel : public HostModel {
@@ -57,7 +58,7 @@ class PhotoshopHostModel : public HostModel {
   void initPathsFromHostName(const std::string& name);
   void initPathsFromPathFile(const std::string& path);
   [[nodiscard]] std::optional<std::string> readPathsFile(const std::string& path) const;
-  void parsePathsFile(std::string_view data);
+  void takeFolders(const PathsFile& file);
   [[nodiscard]] bool appFolderHoldsApplication() const;
 
   Platform& platform_;

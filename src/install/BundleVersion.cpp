@@ -27,8 +27,8 @@ BundleVersion BundleVersion::parse(std::string_view version) {
 }
 
 std::strong_ordering BundleVersion::operator<=>(const BundleVersion& other) const {
-  if (const auto byLength = digits_.size() <=> other.digits_.size(); byLength != 0) return byLength;
-  return digits_.compare(other.digits_) <=> 0;
+  const auto byLength = digits_.size() <=> other.digits_.size();
+  return std::is_neq(byLength) ? byLength : digits_ <=> other.digits_;
 }
 
 std::optional<BundleVersion> versionFromBundle(const Bundle& bundle) {

@@ -22,10 +22,6 @@ bool holdsLightRoom(const HostList& hosts) {
   });
 }
 
-bool mayNotRemove(const Error& error) {
-  return error.is(std::errc::permission_denied) || error.is(std::errc::operation_not_permitted);
-}
-
 }  // namespace
 
 // What goes where.
@@ -151,7 +147,7 @@ InstallFilesController::Outcome InstallFilesController::putInPlace(const std::st
   FileSystem& files = platform_.files;
   // The old item goes and the new one comes in one step, so that nothing that fails in between loses both.
   Status copied = isReplacing ? files.replaceItem(source, target) : files.copyItem(source, target);
-  if (!copied && isReplacing && mayNotRemove(copied.error())) {
+  if (!copied && isReplacing && copied.error().is(std::errc::permission_denied)) {
     if (!runTool("/bin/rm", {"-fR", target})) return Outcome::denied;
     if (!files.isTaken(target)) copied = files.copyItem(source, target);
   }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "foundation/Format.h"
+#include "foundation/Path.h"
 #include "foundation/Text.h"
 #include "hosts/HostsModel.h"
 #include "install/InstallFilesController.h"
@@ -23,7 +24,7 @@ class Summary {
                    productName(platform()), system_.shownPath("/")));
     list(text("quiet_hosts", "Hosts found: %@"), hosts.size());
     for (const auto& host : hosts) {
-      const std::string folder = host->plugInPath();
+      const std::string folder = joinPath({host->plugInPath()});
       line("  " + host->hostName() + (folder.empty() ? "" : "  (" + folder + ")"));
     }
     list(text("quiet_items", "Items installed: %@"), controller.installedPaths().size());

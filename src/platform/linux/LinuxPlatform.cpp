@@ -85,15 +85,14 @@ std::string LinuxPlatform::shownPath(const std::string& path) const { return joi
 
 Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& target) {
   setUpProcess();
+  const auto unusable = [&](int number) { return systemError(number, "cannot install into \"" + target + "\""); };
   const auto root = realPath(target);
-  if (!root) return systemError(errno, target);
+  if (!root) return unusable(errno);
   struct stat status {};
-  if (::stat(root->c_str(), &status) != 0) return systemError(errno, target);
-  if (!S_ISDIR(status.st_mode)) return Error::posix(std::errc::not_a_directory, target);
-  if (::access(root->c_str(), R_OK | X_OK) != 0) return systemError(errno, target);
+  if (::stat(root->c_str(), &status) != 0) return unusable(errno);
+  if (!S_ISDIR(status.st_mode)) return unusable(ENOTDIR);
+  if (::access(root->c_str(), R_OK | X_OK) != 0) return unusable(errno);
   const auto bundle = ownBundle();
-  if (!bundle) {
-    return Error{"", 0, {{std::string(Error::localizedDescriptionKey), "the program does not lie in its bundle"}}};
-  }
+  if (!bundle) return Error::posix(std::errc::no_such_file_or_directory, "the bundle that the program should lie in");
   return std::unique_ptr<SystemPlatform>(std::make_unique<LinuxPlatform>(*root, *bundle, loggedInUser()));
 }

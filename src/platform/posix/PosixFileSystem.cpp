@@ -260,6 +260,15 @@ Status PosixFileSystem::removeItem(const std::string& path) {
 
 // Copying.
 
+/// The same error with a code that nobody takes for a lack of rights on the old item: a source that cannot be read, or
+/// a file system that has no links, is no reason to remove anything.
+Error withoutPermissionCode(Error error) {
+  if (error.is(std::errc::permission_denied) || error.is(std::errc::operation_not_permitted)) {
+    error.code = static_cast<std::int32_t>(std::errc::io_error);
+  }
+  return error;
+}
+
 /// Makes copies ahead for as long as the plan lives.
 class PosixFileSystem::Plan : public CopyPlan {
  public:
@@ -308,9 +317,10 @@ Status PosixFileSystem::copyItem(const std::string& source, const std::string& t
 
 Status PosixFileSystem::replaceItem(const std::string& source, const std::string& target) {
   const auto place = volume_.find(target, LastLink::keep, Purpose::change);
-  if (!place) return place.error();
+  if (!place) return withoutPermissionCode(place.error());
   if (!mayRemoveTree(place->folder.get(), place->name)) return Error::posix(std::errc::permission_denied, target);
   auto staged = stage(source, target, *place);
-  if (!staged) return staged.error();
-  return std::move(*staged).exchangeWithOldItem();
+  if (!staged) return withoutPermissionCode(staged.error());
+  const Status exchanged = std::move(*staged).exchangeWithOldItem();
+  return exchanged ? Status() : withoutPermissionCode(exchanged.error());
 }

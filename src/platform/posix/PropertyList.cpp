@@ -11,7 +11,11 @@
 
 namespace {
 
+/// XML has no way to write most control characters, nor the two code points that are none.
 bool canBeWritten(std::string_view text) {
+  if (text.find("\xEF\xBF\xBE") != std::string_view::npos || text.find("\xEF\xBF\xBF") != std::string_view::npos) {
+    return false;
+  }
   return std::ranges::all_of(
       text, [](char c) { return static_cast<unsigned char>(c) >= 0x20 || c == '\n' || c == '\t' || c == '\r'; });
 }

@@ -11,7 +11,7 @@
 
 /// Preferences as one property list a domain: the user's in Library/Preferences of the home folder, those for all users
 /// in /Library/Preferences. What is still unwritten when this ends is written then.
-class PropertyListPreferences : public Preferences {
+class PropertyListPreferences final : public Preferences {
  public:
   PropertyListPreferences(FileSystem& files, const Folders& folders, Log& log)
       : files_(files), folders_(folders), log_(log) {}

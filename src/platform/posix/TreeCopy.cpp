@@ -183,7 +183,7 @@ class TreeCopy {
         workers_.emplace_back([this] { work(); });
       }
       // The queue stays short: every job in it holds its folder open.
-      const std::size_t mostJobs = mostThreads_ > 1 ? 64 : 0;
+      const std::size_t mostJobs = mostThreads_ > 1 ? 32 : 0;
       if (jobs_.size() > mostJobs) own = takeJob();
     }
     changed_.notify_one();
@@ -256,9 +256,22 @@ Status removeTree(int folder, const std::string& name) {
   return {};
 }
 
+namespace {
+
+/// Whether the folder lets only the owner of an item, or its own, remove the item, and this process is neither.
+bool isKeptBySticky(int folder, const std::string& name) {
+  struct stat holding {};
+  struct stat held {};
+  if (::fstatat(folder, ".", &holding, 0) != 0 || (holding.st_mode & S_ISVTX) == 0) return false;
+  if (::fstatat(folder, name.c_str(), &held, AT_SYMLINK_NOFOLLOW) != 0) return false;
+  return holding.st_uid != ::geteuid() && held.st_uid != ::geteuid();
+}
+
+}  // namespace
+
 bool mayRemoveTree(int folder, const std::string& name) {
   if (::geteuid() == 0) return true;
-  if (::faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) != 0) return false;
+  if (::faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) != 0 || isKeptBySticky(folder, name)) return false;
   const FileDescriptor inner(::openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   if (!inner) return errno == ENOTDIR || errno == ELOOP;  // a file or a link goes with the right to its folder
   const auto entries = listFolder(inner.get());

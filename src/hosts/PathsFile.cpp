@@ -1,0 +1,23 @@
+#include "hosts/PathsFile.h"
+
+#include <algorithm>
+
+#include "foundation/Text.h"
+
+namespace {
+
+/// The field at the start of the data. Its first byte is never taken as the terminator.
+std::string_view firstField(std::string_view data) {
+  return data.substr(0, std::min(data.find('\0', 1), data.size()));
+}
+
+}  // namespace
+
+PathsFile parsePathsFile(std::string_view data) {
+  const std::string_view first = firstField(data);
+  data.remove_prefix(std::min(first.size() + 1, data.size()));
+  const std::string_view second = firstField(data);
+  PathsFile file{.appFolder = decodeUtf8(first), .namesPlugInsFolder = !second.empty()};
+  if (file.namesPlugInsFolder) file.plugInsFolder = decodeUtf8(second);
+  return file;
+}
