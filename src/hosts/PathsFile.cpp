@@ -7,9 +7,7 @@
 namespace {
 
 /// The field at the start of the data. Its first byte is never taken as the terminator.
-std::string_view firstField(std::string_view data) {
-  return data.substr(0, std::min(data.find('\0', 1), data.size()));
-}
+std::string_view firstField(std::string_view data) { return data.substr(0, std::min(data.find('\0', 1), data.size())); }
 
 }  // namespace
 

@@ -5,21 +5,23 @@
 
 namespace {
 
-TEST(LightRoomHostModel, IsInstalledWhereItsPresetFolderIs) {
-  TestMachine machine;
-  EXPECT_FALSE(LightRoomHostModel::initWithHostName(machine.platform, "Adobe Lightroom")->hostIsInstalled());
-  machine.addLightroom();
-  const auto host = LightRoomHostModel::initWithHostName(machine.platform, "Adobe Lightroom");
-  EXPECT_TRUE(host->hostIsInstalled());
-  EXPECT_TRUE(host->hostIsSelected());
-  EXPECT_FALSE(host->appPath());
-  EXPECT_EQ(host->valueForKey("displaySortOrder"), Value(std::int64_t{5000}));
-  EXPECT_THROW(static_cast<void>(host->valueForKey("shouldInstallPlugIns")), UnknownKey);
+using HostModelsTest = MachineTest;
+
+TEST_F(HostModelsTest, AreInstalledWhereTheirFoldersAre) {
+  const auto lightroom = [&] { return LightRoomHostModel::initWithHostName(platform_, "Adobe Lightroom"); };
+  const auto aperture = [&] { return ApertureHostModel::initWithHostName(platform_, "Aperture"); };
+  const auto fireworks = FireworksHostModel::initWithHostName(platform_, "Adobe Fireworks CS6");
+  EXPECT_FALSE(lightroom()->hostIsInstalled() || aperture()->hostIsInstalled() || fireworks->hostIsInstalled());
+  machine_.addLightroom();
+  fs::create_directories(machine_.inLibrary("Application Support/Aperture"));
+  fs::create_directories(on("/Applications/Adobe Fireworks CS6/Plug-Ins"));
+  EXPECT_TRUE(lightroom()->hostIsInstalled() && aperture()->hostIsInstalled() && fireworks->hostIsInstalled());
+  EXPECT_THROW(static_cast<void>(lightroom()->valueForKey("shouldInstallPlugIns")), UnknownKey);
+  EXPECT_THROW(static_cast<void>(fireworks->valueForKey("hostIsSelected")), UnknownKey);
 }
 
-TEST(LightRoomHostModel, WritesAPreset) {
-  TestMachine machine;
-  const auto host = LightRoomHostModel::initWithHostName(machine.platform, "Adobe Lightroom");
+TEST_F(HostModelsTest, WriteALightroomPreset) {
+  const auto host = LightRoomHostModel::initWithHostName(platform_, "Adobe Lightroom");
   const std::string text = host->templateFileTextWithAppName("Studio.app");
   const std::string id = text.substr(14, 36);
   EXPECT_EQ(text, "s = {   id = \"" + id +
@@ -30,29 +32,6 @@ TEST(LightRoomHostModel, WritesAPreset) {
   EXPECT_EQ(id.find_first_not_of("0123456789ABCDEF-"), std::string::npos);
   EXPECT_EQ(std::string({id[8], id[13], id[18], id[23]}), "----");
   EXPECT_NE(host->templateFileTextWithAppName("Studio.app"), text) << "a new identifier every time";
-}
-
-TEST(ApertureHostModel, IsInstalledWhereItsFolderIs) {
-  TestMachine machine;
-  EXPECT_FALSE(ApertureHostModel::initWithHostName(machine.platform, "Aperture")->hostIsInstalled());
-  fs::create_directories(machine.onVolume(machine.home() + "/Library/Application Support/Aperture"));
-  EXPECT_TRUE(ApertureHostModel::initWithHostName(machine.platform, "Aperture")->hostIsInstalled());
-}
-
-TEST(FireworksHostModel, LooksEachTimeWhetherItIsInstalled) {
-  TestMachine machine;
-  const auto host = FireworksHostModel::initWithHostName(machine.platform, "Adobe Fireworks CS6");
-  EXPECT_FALSE(host->hostIsInstalled());
-  fs::create_directories(machine.onVolume("/Applications/Adobe Fireworks CS6/Plug-Ins"));
-  EXPECT_TRUE(host->hostIsInstalled());
-  host->setScriptsPath("/ignored");
-  host->setShouldInstallPanels(true);
-  host->setShouldInstallScripts(true);
-  host->setPanelsPath("/kept");
-  EXPECT_EQ(host->scriptsPath() + host->panelsPath(), "/Applications/Adobe Fireworks CS6/Plug-Ins/kept");
-  EXPECT_FALSE(host->shouldInstallPanels() || host->shouldInstallScripts());
-  EXPECT_THROW(static_cast<void>(host->valueForKey("hostIsSelected")), UnknownKey);
-  EXPECT_THROW(static_cast<void>(host->displaySortOrder()), UnknownKey);
 }
 
 }  // namespace

@@ -5,79 +5,53 @@
 
 namespace {
 
-class HostsModelTest : public testing::Test {
+class HostsModelTest : public MachineTest {
  protected:
   [[nodiscard]] static std::string names(const HostList& hosts) {
     std::string text;
     for (const auto& host : hosts) text += (text.empty() ? "" : ", ") + host->hostName();
     return text;
   }
-  [[nodiscard]] fs::path preferences(const std::string& name) const {
-    return machine_.onVolume(machine_.home() + "/Library/Preferences/" + name);
-  }
-  [[nodiscard]] fs::path adobe(const std::string& name) const {
-    return machine_.onVolume(machine_.home() + "/Library/Application Support/Adobe/" + name);
-  }
+  [[nodiscard]] std::string found() const { return names(HostsModel(platform_).foundHosts()); }
+  fs::path preferences(const std::string& name) { return machine_.inLibrary("Preferences/" + name); }
   void addBySettings(const std::string& name) {
-    fs::create_directories(machine_.onVolume("/Applications/" + name + "/" + name + ".app"));
+    fs::create_directories(on("/Applications/" + name + "/" + name + ".app"));
     fs::create_directories(preferences(name + " Settings"));
   }
-
-  TestMachine machine_;
 };
 
-TEST_F(HostsModelTest, FindsNothingOnAnEmptyVolume) {
-  EXPECT_EQ(names(HostsModel(machine_.platform).foundHosts()), "");
-  fs::remove_all(machine_.onVolume("/Users"));
-  EXPECT_EQ(names(HostsModel(machine_.platform).foundHosts()), "");
-  machine_.addLightroom();
-  EXPECT_EQ(names(HostsModel(machine_.platform).foundHosts()), "Adobe Lightroom");
-}
-
 TEST_F(HostsModelTest, ListsWhatIsRecentEnoughInOrder) {
+  EXPECT_EQ(found(), "");
+  fs::remove_all(on("/Users"));
+  EXPECT_EQ(found(), "") << "and stands a volume without the user";
+  fs::create_directories(machine_.inLibrary("Application Support/Adobe"));
   machine_.addLightroom();
-  for (const char* const name : {"Adobe Photoshop CS5", "Adobe Photoshop CS6", "Adobe Photoshop CC",
-                                 "Adobe Photoshop CC 2015.5", "Adobe Photoshop Elements 11"}) {
+  for (const char* const name :
+       {"Adobe Photoshop CS5", "Adobe Photoshop CS6", "Adobe Photoshop CC", "Adobe Photoshop CC 2015.5",
+        "Adobe Photoshop CC 2020", "Adobe Photoshop Elements 11"}) {
     machine_.addPhotoshop(name);
   }
-  addBySettings("Adobe Photoshop CC 2019");
-  addBySettings("Adobe Photoshop CC 2020");
-  addBySettings("Adobe Photoshop 2020");
-  writeFile(preferences("Paths of somebody else"), "");
-  EXPECT_EQ(names(HostsModel(machine_.platform).foundHosts()),
-            "Adobe Photoshop CC, Adobe Photoshop CS6, Adobe Lightroom, Adobe Photoshop CC 2020, Adobe "
-            "Photoshop CC 2019, "
-            "Adobe Photoshop CC 2015.5");
-  for (const char* const name : {"Adobe Photoshop CS5", "Adobe Photoshop Elements 11"}) {
-    EXPECT_TRUE(
-        machine_.log.contains("Found path file " + machine_.home() + "/Library/Preferences/" + name + " Paths"));
+  for (const char* const name :
+       {"Adobe Photoshop CC 2019", "Adobe Photoshop CC 2019 Zeta", "Adobe Photoshop CC 2020", "Adobe Photoshop 2020"}) {
+    addBySettings(name);
   }
-  EXPECT_FALSE(machine_.log.contains("somebody else"));
-}
-
-TEST_F(HostsModelTest, CountsAVersionOfTheSettingsOnce) {
-  addBySettings("Adobe Photoshop CC 2019");
-  machine_.addPhotoshop("Adobe Photoshop CC 2019");
-  addBySettings("Adobe Photoshop CC 2020");
-  addBySettings("Adobe Photoshop CC 2020 Zeta");
-  EXPECT_EQ(names(HostsModel(machine_.platform).foundHosts()), "Adobe Photoshop CC 2020, Adobe Photoshop CC 2019");
-}
-
-TEST_F(HostsModelTest, ListsTwoPathsFilesOfOneVersion) {
-  machine_.addPhotoshop("Adobe Photoshop CS6");
-  fs::copy_file(preferences("Adobe Photoshop CS6 Paths"), adobe("Adobe Photoshop CS6 Paths"));
-  EXPECT_EQ(names(HostsModel(machine_.platform).foundHosts()), "Adobe Photoshop CS6, Adobe Photoshop CS6");
-  EXPECT_EQ(machine_.log.lines.at(0),
-            "Found path file " + machine_.home() + "/Library/Application Support/Adobe/Adobe Photoshop CS6 Paths");
+  const std::string support = "Application Support/Adobe/Adobe Photoshop CS6 Paths";
+  fs::copy_file(preferences("Adobe Photoshop CS6 Paths"), machine_.inLibrary(support));
+  writeFile(preferences("Paths of somebody else"), "");
+  // A version of the settings comes once, and every Paths file.
+  EXPECT_EQ(found(),
+            "Adobe Photoshop CC, Adobe Photoshop CS6, Adobe Photoshop CS6, Adobe Lightroom, "
+            "Adobe Photoshop CC 2020, Adobe Photoshop CC 2019, Adobe Photoshop CC 2015.5");
+  EXPECT_EQ(log_.lines.at(0), "Found path file " + machine_.home() + "/Library/" + support);
+  EXPECT_EQ(log_.count("Found path file "), 7) << "the old ones too, but not somebody else's";
 }
 
 TEST_F(HostsModelTest, KeepsTheRememberedFolderOutAndAddsWhatItIsGiven) {
-  writeFile(preferences("com.corvane.installer.plist"),
-            "<plist><dict><key>customPath</key><string>/Mine</string></dict></plist>");
+  writeFile(preferences("com.corvane.installer.plist"), propertyListOf({{"customPath", "/Mine"}}));
   machine_.addLightroom();
-  HostsModel model(machine_.platform);
+  HostsModel model(platform_);
   EXPECT_EQ(names(model.foundHosts()), "Adobe Lightroom");
-  const auto custom = UnknownHostModel::initWithPlugInPath(machine_.platform, "/Mine");
+  const auto custom = UnknownHostModel::initWithPlugInPath(platform_, "/Mine");
   model.addHostAtRuntime(custom);
   model.addHostAtRuntime(custom);
   EXPECT_EQ(names(model.foundHosts()), "Adobe Lightroom, Folder, Folder");
@@ -87,17 +61,10 @@ TEST_F(HostsModelTest, KeepsTheRememberedFolderOutAndAddsWhatItIsGiven) {
   model.removeHostAtRuntime(custom);
   EXPECT_EQ(names(model.foundHosts()), "Adobe Lightroom");
 
-  fs::create_directories(machine_.onVolume("/Applications/Adobe Fireworks CS6/Plug-Ins"));
-  model.addHostAtRuntime(FireworksHostModel::initWithHostName(machine_.platform, "Adobe Fireworks CS6"));
+  fs::create_directories(on("/Applications/Adobe Fireworks CS6/Plug-Ins"));
+  model.addHostAtRuntime(FireworksHostModel::initWithHostName(platform_, "Adobe Fireworks CS6"));
   EXPECT_TRUE(model.foundHosts().empty()) << "a kind that has no place in the list";
   EXPECT_EQ(model.informativeText(), "Dunmore 3 and Dunmore 3");
-}
-
-TEST_F(HostsModelTest, IsNotHeldUpByWhatOnlyLooksLikeAFile) {
-  fs::create_directories(preferences("Adobe Photoshop CS6 Paths"));
-  fs::create_symlink("/nowhere", preferences("Adobe Photoshop CC Paths"));
-  EXPECT_EQ(names(HostsModel(machine_.platform).foundHosts()), "");
-  EXPECT_EQ(machine_.clock.sleeps.size(), 6U);
 }
 
 }  // namespace

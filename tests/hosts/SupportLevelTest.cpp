@@ -5,8 +5,7 @@
 
 namespace {
 
-class SomeProcessor : public Processor {
- public:
+struct SomeProcessor : Processor {
   std::uint32_t highestLeaf = 7;
   Registers features;
   std::uint32_t extended = 0;
@@ -17,49 +16,34 @@ class SomeProcessor : public Processor {
     if (leaf == 0) return {.eax = highestLeaf};
     return leaf == 1 ? features : Registers{.ebx = extended};
   }
-  [[nodiscard]] std::uint64_t extendedControlRegister() const override {
-    ++stateReads;
-    return enabledState;
-  }
+  [[nodiscard]] std::uint64_t extendedControlRegister() const override { return ++stateReads, enabledState; }
 };
-
-constexpr std::uint32_t bit(unsigned n) { return 1U << n; }
 
 TEST(SupportLevel, IsTheHighestThatCanBeUsed) {
   SomeProcessor processor;
   EXPECT_EQ(SupportLevel(processor), 0);
-  const auto adding = [&](std::uint32_t& where, unsigned n) {
-    where |= bit(n);
-    return SupportLevel(processor);
+  const auto adding = [&](std::uint32_t& where, std::initializer_list<unsigned> bits) {
+    std::string levels;
+    for (const unsigned bit : bits) {
+      where |= 1U << bit;
+      levels += std::to_string(SupportLevel(processor));
+    }
+    return levels;
   };
-  EXPECT_EQ(adding(processor.features.edx, 25), 1);
-  EXPECT_EQ(adding(processor.features.edx, 26), 2);
-  EXPECT_EQ(adding(processor.features.ecx, 0), 3);
-  EXPECT_EQ(adding(processor.features.ecx, 19), 4);
-  EXPECT_EQ(adding(processor.features.ecx, 20), 5);
-  EXPECT_EQ(adding(processor.features.ecx, 28), 5);
+  EXPECT_EQ(adding(processor.features.edx, {25, 26}), "12");
+  EXPECT_EQ(adding(processor.features.ecx, {0, 19, 20, 28}), "3455");
   EXPECT_EQ(processor.stateReads, 0) << "the register must not be read before the system is known to use it";
-  EXPECT_EQ(adding(processor.features.ecx, 27), 5);
+  EXPECT_EQ(adding(processor.features.ecx, {27}), "5");
   processor.enabledState = 0x06;
-  EXPECT_EQ(SupportLevel(processor), 6);
-  EXPECT_EQ(adding(processor.extended, 5), 7);
-  EXPECT_EQ(adding(processor.extended, 16), 7);
-  processor.enabledState = 0xE0;
-  EXPECT_EQ(SupportLevel(processor), 5);
-  processor.enabledState = 0xE6;
-  EXPECT_EQ(SupportLevel(processor), 8);
-  processor.highestLeaf = 6;
-  EXPECT_EQ(SupportLevel(processor), 6);
-  processor.highestLeaf = 0;
-  EXPECT_EQ(SupportLevel(processor), 0);
-}
-
-TEST(SupportLevel, CanBeAskedOfThisProcessor) {
-  const std::int32_t level = SupportLevel(LinuxProcessor());
-#ifdef __x86_64__
-  EXPECT_GE(level, 2) << "every 64-bit one has SSE2";
-#endif
-  EXPECT_LE(level, 8);
+  EXPECT_EQ(adding(processor.extended, {0, 5, 16}), "677");
+  const std::tuple<std::uint64_t, std::uint32_t, int> cases[] = {
+      {0xE0, 7, 5}, {0xE6, 7, 8}, {0xE6, 6, 6}, {0xE6, 0, 0}};
+  for (const auto& [state, leaf, level] : cases) {
+    processor.enabledState = state;
+    processor.highestLeaf = leaf;
+    EXPECT_EQ(SupportLevel(processor), level);
+  }
+  EXPECT_LE(SupportLevel(LinuxProcessor()), 8) << "can be asked of this processor";
 }
 
 }  // namespace

@@ -4,11 +4,11 @@
 namespace {
 
 using namespace OneLineTasksWithOutput;
+using UnprivilegedLaunchTest = MachineTest;
 
-TEST(UnprivilegedLaunch, CollectsBothOutputs) {
-  TestMachine machine;
+TEST_F(UnprivilegedLaunchTest, CollectsBothOutputs) {
   const auto shell = [&](const std::string& script) {
-    return stringByLaunchingPath(machine.platform, "/bin/sh", {"-c", script});
+    return stringByLaunchingPath(platform_, "/bin/sh", {"-c", script});
   };
   const LaunchResult both = shell("echo ok; echo warning >&2");
   EXPECT_EQ(both.output, "ok\n") << "as written, not trimmed";
@@ -21,42 +21,36 @@ TEST(UnprivilegedLaunch, CollectsBothOutputs) {
   EXPECT_EQ(quiet.output, "");
   EXPECT_FALSE(quiet.error) << "a status is no error";
   EXPECT_EQ(shell("head -c 1000000 /dev/zero | tr '\\0' x").output->size(), 1'000'000U) << "more than a pipe holds";
-  EXPECT_EQ(stringByLaunchingPath(machine.platform, "/bin/echo", {"$HOME", "*", "a b", ""}).output, "$HOME * a b \n");
+  EXPECT_EQ(stringByLaunchingPath(platform_, "/bin/echo", {"$HOME", "*", "a b", ""}).output, "$HOME * a b \n");
 }
 
-TEST(UnprivilegedLaunch, GivesTheReasonWhenItRaises) {
-  TestMachine machine;
-  const LaunchResult missing = stringByLaunchingPath(machine.platform, "/no/such/tool", {});
+TEST_F(UnprivilegedLaunchTest, GivesTheReasonWhenItRaises) {
+  const LaunchResult missing = stringByLaunchingPath(platform_, "/no/such/tool", {});
   EXPECT_FALSE(missing.output);
   EXPECT_EQ(missing.error->code, -1);
   EXPECT_EQ(missing.error->description(), "/no/such/tool: No such file or directory");
-  const LaunchResult binary = stringByLaunchingPath(machine.platform, "/usr/bin/printf", {"\\377"});
-  EXPECT_FALSE(binary.output);
-  EXPECT_EQ(binary.error->code, -1);
+  EXPECT_EQ(stringByLaunchingPath(platform_, "/usr/bin/printf", {"\\377"}).error->code, -1) << "output that is no text";
 }
 
 /// Rights whose launches end and write as a test wants.
-class Scripted : public Authorization {
- public:
+struct Scripted : Authorization {
   LaunchStatus status = launchSucceeded;
   std::string output;
   int waits = 0;
 
+  struct Text : CommunicationsPipe {
+    explicit Text(std::string t) : text(std::move(t)) {}
+    std::size_t read(char* bytes, std::size_t size) override {
+      const std::size_t length = text.copy(bytes, size);
+      text.erase(0, length);
+      return length;
+    }
+    std::string text;
+  };
+
   bool obtain(std::uint32_t /*flags*/) override { return true; }
   LaunchStatus executeWithPrivileges(const std::string& /*toolPath*/, const std::vector<std::string>& /*arguments*/,
                                      std::unique_ptr<CommunicationsPipe>& pipe) override {
-    class Text : public CommunicationsPipe {
-     public:
-      explicit Text(std::string text) : text_(std::move(text)) {}
-      std::size_t read(char* bytes, std::size_t size) override {
-        const std::size_t length = text_.copy(bytes, size);
-        text_.erase(0, length);
-        return length;
-      }
-
-     private:
-      std::string text_;
-    };
     if (status == launchSucceeded) pipe = std::make_unique<Text>(output);
     return status;
   }
@@ -72,19 +66,17 @@ TEST(PrivilegedLaunch, DropsTheFirstBlockOfTheOutput) {
   EXPECT_EQ(outputOf(""), "");
   EXPECT_EQ(outputOf(std::string(64, 'a')), "");
   EXPECT_EQ(outputOf(std::string(64, 'a') + std::string(36, 'b')), std::string(36, 'b'));
+  // A block that is not UTF-8 by itself adds nothing.
   EXPECT_EQ(outputOf(std::string(64, 'a') + std::string(64, 'b') + "\xFF" + std::string(63, 'c') + "ü"),
-            std::string(64, 'b') + "ü")
-      << "a block that is not UTF-8 by itself adds nothing";
+            std::string(64, 'b') + "ü");
   EXPECT_EQ(rights.waits, 4);
 }
 
 TEST(PrivilegedLaunch, ReducesTheStatusTo16Bits) {
   Scripted rights;
-  struct Case {
-    LaunchStatus status;
-    std::int32_t code;
-  };
-  for (const auto& [status, code] : {Case{-60006, 5530}, {-60005, 5531}, {-60031, 5505}, {-60000, 5536}, {-1, -1}}) {
+  const std::pair<LaunchStatus, std::int32_t> codes[] = {
+      {-60006, 5530}, {-60005, 5531}, {-60031, 5505}, {-60000, 5536}, {-1, -1}};
+  for (const auto& [status, code] : codes) {
     rights.status = status;
     const auto error = authorizedLaunchPath("/bin/tool", {}, rights, /*wait=*/false);
     ASSERT_TRUE(error);

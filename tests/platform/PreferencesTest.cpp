@@ -4,72 +4,62 @@
 
 namespace {
 
-class PreferencesTest : public testing::Test {
+class PreferencesTest : public MachineTest {
  protected:
-  [[nodiscard]] fs::path file() const {
-    return machine_.onVolume(machine_.home() + "/Library/Preferences/com.corvane.installer.plist");
-  }
+  Value copied(const char* key) { return preferences_.copyAppValue(key, domain_); }
   [[nodiscard]] Value stored(const char* key) const {
-    const auto list = readPropertyList(readFile(file()));
+    const auto list = readPropertyList(readFile(file_));
     return list ? entryOf(*list, key) : Value("(unreadable)");
   }
 
   const std::string domain_ = "com.corvane.installer";
-  TestMachine machine_;
-  PropertyListPreferences preferences_{machine_.files, machine_.platform.folders, machine_.log};
+  const fs::path file_ = machine_.inLibrary("Preferences/com.corvane.installer.plist");
+  PropertyListPreferences preferences_{files_, platform_.folders, log_};
 };
 
 TEST_F(PreferencesTest, KeepsChangesInMemoryUntilTheyAreWritten) {
-  writeFile(file(),
-            "<plist><dict><key>customPath</key><string>/old</string><key>other</key><real>2.5</real></dict></"
-            "plist>");
-  EXPECT_EQ(preferences_.copyAppValue("customPath", domain_), Value("/old"));
+  writeFile(file_, propertyListOf({{"customPath", "/old"}, {"other", "theirs"}}));
   preferences_.setAppValue("customPath", "/new", domain_);
   preferences_.setAppValue("gone", "x", domain_);
   preferences_.setAppValue("gone", Value(), domain_);
-  EXPECT_EQ(preferences_.copyAppValue("customPath", domain_), Value("/new"));
+  EXPECT_EQ(copied("customPath"), Value("/new"));
   EXPECT_EQ(stored("customPath"), Value("/old"));
 
   EXPECT_TRUE(preferences_.synchronize(domain_));
   EXPECT_EQ(stored("customPath"), Value("/new"));
-  EXPECT_EQ(stored("other"), Value(2.5)) << "what others wrote stays";
-  EXPECT_EQ(modeOf(file()), "600");
+  EXPECT_EQ(stored("other"), Value("theirs")) << "what others wrote stays";
+  EXPECT_EQ(modeOf(file_), "600");
   preferences_.setAppValue("customPath", Value(), domain_);
-  EXPECT_TRUE(preferences_.copyAppValue("customPath", domain_).isNone());
+  EXPECT_TRUE(copied("customPath").isNone());
 }
 
 TEST_F(PreferencesTest, WritesWhatIsLeftAtItsEnd) {
-  fs::remove_all(machine_.onVolume(machine_.home()));
-  {
-    PropertyListPreferences short_(machine_.files, machine_.platform.folders, machine_.log);
-    short_.setAppValue("customPath", "/here", domain_);
-  }
+  fs::remove_all(on(machine_.home()));
+  PropertyListPreferences(files_, platform_.folders, log_).setAppValue("customPath", "/here", domain_);
   EXPECT_EQ(stored("customPath"), Value("/here"));
 }
 
 TEST_F(PreferencesTest, FallsBackToTheValuesForAllUsers) {
-  const fs::path all = machine_.onVolume("/Library/Preferences/com.corvane.installer.plist");
-  writeFile(all, "<plist><dict><key>customPath</key><string>/all</string></dict></plist>");
-  EXPECT_EQ(preferences_.copyAppValue("customPath", domain_), Value("/all"));
+  writeFile(on("/Library/Preferences/com.corvane.installer.plist"), propertyListOf({{"customPath", "/all"}}));
+  EXPECT_EQ(copied("customPath"), Value("/all"));
   preferences_.setAppValue("customPath", "/mine", domain_);
-  EXPECT_EQ(preferences_.copyAppValue("customPath", domain_), Value("/mine"));
   preferences_.setAppValue("customPath", Value(), domain_);
-  EXPECT_EQ(preferences_.copyAppValue("customPath", domain_), Value("/all"));
-  EXPECT_TRUE(preferences_.copyAppValue("customPath", "../com.corvane.installer").isNone());
+  EXPECT_EQ(copied("customPath"), Value("/all"));
+  EXPECT_TRUE(preferences_.copyAppValue("customPath", "../Preferences/com.corvane.installer").isNone());
 }
 
 TEST_F(PreferencesTest, NeverOverwritesWhatItCannotRead) {
   for (const auto* const damaged : {"garbage", "<plist><array/></plist>", "bplist00"}) {
-    writeFile(file(), damaged);
+    writeFile(file_, damaged);
     preferences_.setAppValue("customPath", "/new", domain_);
     EXPECT_FALSE(preferences_.synchronize(domain_));
-    EXPECT_EQ(readFile(file()), damaged);
-    EXPECT_EQ(preferences_.copyAppValue("customPath", domain_), Value("/new")) << "still in memory";
+    EXPECT_EQ(readFile(file_), damaged);
+    EXPECT_EQ(copied("customPath"), Value("/new")) << "still in memory";
   }
-  machine_.files.fail(FaultyFileSystem::Call::createFile, std::errc::no_space_on_device);
-  writeFile(file(), "<plist><dict/></plist>");
+  writeFile(file_, "<plist><dict/></plist>");
+  files_.fail(Call::createDirectory, std::errc::no_space_on_device);
   EXPECT_FALSE(preferences_.synchronize(domain_));
-  EXPECT_TRUE(machine_.log.contains("No space left"));
+  EXPECT_NE(log_.count("No space left"), 0);
   EXPECT_TRUE(preferences_.synchronize(domain_));
   EXPECT_EQ(stored("customPath"), Value("/new"));
 }

@@ -7,16 +7,17 @@
 
 namespace {
 
-using Languages = std::vector<std::string>;
-
 TEST(User, PrefersTheLanguagesOfTheEnvironment) {
-  EXPECT_EQ(preferredLanguages({nullptr, nullptr, nullptr, nullptr}), (Languages{"en"}));
-  EXPECT_EQ(preferredLanguages({"fr", nullptr, nullptr, "C.UTF-8"}), (Languages{"en"}));
-  EXPECT_EQ(preferredLanguages({nullptr, nullptr, nullptr, "de_AT.UTF-8"}), (Languages{"de-AT", "de", "en"}));
-  EXPECT_EQ(preferredLanguages({nullptr, "ja_JP", "fr_FR", "de_DE"}), (Languages{"ja-JP", "ja", "en"}));
-  EXPECT_EQ(preferredLanguages({"fr_CA:es", nullptr, "", "en_GB"}), (Languages{"fr-CA", "fr", "es", "en-GB", "en"}));
-  EXPECT_EQ(preferredLanguages({nullptr, nullptr, nullptr, "zh_CN.GB18030"}), (Languages{"zh-Hans", "zh", "en"}));
-  EXPECT_EQ(preferredLanguages({nullptr, nullptr, nullptr, "zh_TW"}), (Languages{"zh-Hant", "zh", "en"}));
+  using Languages = std::vector<std::string>;
+  const std::pair<LanguageVariables, Languages> cases[] = {
+      {{nullptr, nullptr, nullptr, nullptr}, {"en"}},
+      {{"fr", nullptr, nullptr, "C.UTF-8"}, {"en"}},
+      {{nullptr, nullptr, nullptr, "de_AT.UTF-8"}, {"de-AT", "de", "en"}},
+      {{nullptr, "ja_JP", "fr_FR", "de_DE"}, {"ja-JP", "ja", "en"}},
+      {{"fr_CA:es", nullptr, "", "en_GB"}, {"fr-CA", "fr", "es", "en-GB", "en"}},
+      {{nullptr, nullptr, nullptr, "zh_CN.GB18030"}, {"zh-Hans", "zh", "en"}},
+      {{nullptr, nullptr, nullptr, "zh_TW"}, {"zh-Hant", "zh", "en"}}};
+  for (const auto& [variables, languages] : cases) EXPECT_EQ(preferredLanguages(variables), languages);
 }
 
 TEST(User, IsWhoCalledSudoOrPkexec) {
@@ -26,18 +27,10 @@ TEST(User, IsWhoCalledSudoOrPkexec) {
   const uid_t withGarbage = loggedInUser().id;
   ::unsetenv("SUDO_UID");
   EXPECT_EQ(withGarbage, ::getuid());
-  if (::geteuid() == 0) {
-    EXPECT_EQ(user.id, 65534U);
-    EXPECT_EQ(user.name, "nobody");
-  } else {
-    EXPECT_EQ(user.id, ::getuid()) << "only root's environment is believed";
-  }
-}
+  EXPECT_EQ(user.id, ::geteuid() == 0 ? 65534U : ::getuid()) << "only root's environment is believed";
 
-TEST(User, KnowsAMacsGroups) {
   EXPECT_TRUE(groupNumber("admin"));
   EXPECT_FALSE(groupNumber("no such group"));
-  EXPECT_EQ(userNumber("root"), 0U);
   EXPECT_EQ(userNumber("4711"), 4711U) << "the short name of an account without a name";
   EXPECT_FALSE(userNumber("no such user"));
 }

@@ -3,25 +3,19 @@
 
 namespace {
 
-TEST(BundleUserDefaults, PrefersStoredValuesToRegisteredOnes) {
+TEST(BundleUserDefaults, PrefersStoredValuesAndWritesThemWhenTheProgramEnds) {
   TestMachine machine;
-  auto store = BundleUserDefaults::initWithPersistentDomainName(machine.platform, "com.corvane.dunmore3");
-  EXPECT_TRUE(store.objectForKey("User Folder").isNone());
-  store.registerDefaults({{"old", "old"}, {"User Folder", "/registered"}});
-  store.registerDefaults({{"User Folder", "/registered"}});
-  EXPECT_TRUE(store.objectForKey("old").isNone()) << "the first registration is gone";
-  EXPECT_EQ(store.objectForKey("User Folder"), Value("/registered"));
-  store.setObject("/stored", "User Folder");
-  EXPECT_EQ(store.objectForKey("User Folder"), Value("/stored"));
-  store.removeObjectForKey("User Folder");
-  EXPECT_EQ(store.objectForKey("User Folder"), Value("/registered"));
-}
-
-TEST(BundleUserDefaults, WritesItsDomainWhenTheProgramEnds) {
-  TestMachine machine;
-  const fs::path file = machine.onVolume(machine.home() + "/Library/Preferences/com.corvane.installer.plist");
   auto store = BundleUserDefaults::initWithPersistentDomainName(machine.platform, installerPreferencesDomain);
+  store.registerDefaults({{"old", "old"}});
+  store.registerDefaults({{"customPath", "/registered"}});
+  EXPECT_TRUE(store.objectForKey("old").isNone()) << "the first registration is gone";
+  store.setObject("/stored", "customPath");
+  EXPECT_EQ(store.objectForKey("customPath"), Value("/stored"));
+  store.removeObjectForKey("customPath");
+  EXPECT_EQ(store.objectForKey("customPath"), Value("/registered"));
+
   store.setObject("/here", "customPath");
+  const fs::path file = machine.inLibrary("Preferences/com.corvane.installer.plist");
   EXPECT_FALSE(fs::exists(file));
   const auto moved = std::move(store);
   machine.platform.notifications.post({std::string(applicationWillTerminateNotification)});

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <map>
@@ -7,20 +8,21 @@
 #include <string>
 #include <vector>
 
+#include "foundation/Exception.h"
 #include "platform/Platform.h"
 #include "platform/posix/PosixFileSystem.h"
 
-// Stand-ins that note what they are asked, do it for real where they can, and fail where a test wants them
-// to.
+// Stand-ins that note what they are asked, do it for real where they can, and fail where a test wants them to.
 
 class RecordingLog : public Log {
  public:
   std::vector<std::string> lines;
 
   void write(std::string_view message) override { lines.emplace_back(message); }
-  /// How many lines are exactly this.
-  [[nodiscard]] std::ptrdiff_t count(std::string_view line) const;
-  [[nodiscard]] bool contains(std::string_view part) const;
+  /// How many lines hold the text.
+  [[nodiscard]] std::ptrdiff_t count(std::string_view text) const {
+    return std::ranges::count_if(lines, [&](const std::string& line) { return line.find(text) != std::string::npos; });
+  }
 };
 
 class RecordingClock : public Clock {
@@ -53,14 +55,37 @@ class RecordingAuthorizations : public Authorizations {
   std::vector<std::string> launches;  ///< tool and arguments, joined by "|"
   bool canBeObtained = true;
   std::map<std::string, LaunchStatus> statusOfTool = {};  ///< tools that are not run
-  std::function<void(const std::string& launch)> beforeLaunch = [](const std::string&) {};
-  int obtained = 0;
+  std::function<void()> beforeLaunch = [] {};
 
-  [[nodiscard]] std::unique_ptr<Authorization> createAuthorization() override;
-  [[nodiscard]] std::vector<std::string> launchesOf(const std::string& tool) const;
+  [[nodiscard]] std::unique_ptr<Authorization> createAuthorization() override {
+    return std::make_unique<Recording>(*this);
+  }
+  [[nodiscard]] std::vector<std::string> launchesOf(const std::string& tool) const {
+    std::vector<std::string> found = launches;
+    std::erase_if(found, [&](const std::string& launch) { return !launch.starts_with(tool + "|"); });
+    return found;
+  }
 
  private:
-  class Recording;
+  struct Recording : Authorization {
+    explicit Recording(RecordingAuthorizations& o) : owner(o), real(o.real_.createAuthorization()) {}
+
+    bool obtain(std::uint32_t flags) override { return owner.canBeObtained && flags == extendRights; }
+    LaunchStatus executeWithPrivileges(const std::string& toolPath, const std::vector<std::string>& arguments,
+                                       std::unique_ptr<CommunicationsPipe>& pipe) override {
+      owner.beforeLaunch();
+      std::string& launch = owner.launches.emplace_back(toolPath);
+      for (const std::string& argument : arguments) launch += "|" + argument;
+      const auto status = owner.statusOfTool.find(toolPath);
+      if (status != owner.statusOfTool.end()) return status->second;
+      return real->executeWithPrivileges(toolPath, arguments, pipe);
+    }
+    void waitForAnyChild() override { real->waitForAnyChild(); }
+
+    RecordingAuthorizations& owner;
+    std::unique_ptr<Authorization> real;
+  };
+
   Authorizations& real_;
 };
 
@@ -69,27 +94,37 @@ class FaultyFileSystem : public PosixFileSystem {
  public:
   using PosixFileSystem::PosixFileSystem;
 
-  enum class Call { copyItem, replaceItem, createDirectory, createFile, openForWriting, writeData, readFile };
+  enum class Call { copyItem, replaceItem, createDirectory, writeData };
   /// The next calls fail with the error, so many of them.
   void fail(Call call, std::errc error, int times = 1) { faults_[call] = {error, times}; }
-  /// For so many questions whether its name is taken, it is not.
-  void hide(const std::string& path, int questions) { hidden_[path] = questions; }
 
-  [[nodiscard]] bool isTaken(const std::string& path) const override;
-  Result<std::string> readFile(const std::string& path, std::size_t limit) const override;
-  Status createFile(const std::string& path, std::string_view content, std::uint32_t permissions) override;
-  Result<std::unique_ptr<WritableFile>> openForWriting(const std::string& path) override;
-  Status createDirectory(const std::string& path, std::uint32_t permissions) override;
-  Status copyItem(const std::string& source, const std::string& target) override;
-  Status replaceItem(const std::string& source, const std::string& target) override;
+  Result<std::unique_ptr<WritableFile>> openForWriting(const std::string& path) override {
+    class BrokenFile : public WritableFile {
+      void writeData(std::string_view /*data*/) override { throw Exception("no room"); }
+    };
+    if (fault(Call::writeData, path)) return PosixFileSystem::openForWriting(path);
+    return std::unique_ptr<WritableFile>(std::make_unique<BrokenFile>());
+  }
+  Status createDirectory(const std::string& path, std::uint32_t permissions) override {
+    const Status status = fault(Call::createDirectory, path);
+    return status ? PosixFileSystem::createDirectory(path, permissions) : status;
+  }
+  Status copyItem(const std::string& source, const std::string& target) override {
+    const Status status = fault(Call::copyItem, target);
+    return status ? PosixFileSystem::copyItem(source, target) : status;
+  }
+  Status replaceItem(const std::string& source, const std::string& target) override {
+    const Status status = fault(Call::replaceItem, target);
+    return status ? PosixFileSystem::replaceItem(source, target) : status;
+  }
 
  private:
-  struct Fault {
-    std::errc error;
-    int times;
-  };
-  [[nodiscard]] Status fault(Call call, const std::string& path) const;
+  Status fault(Call call, const std::string& path) {
+    auto& [error, times] = faults_[call];
+    if (times == 0) return {};
+    --times;
+    return Error::posix(error, path);
+  }
 
-  mutable std::map<Call, Fault> faults_;
-  mutable std::map<std::string, int> hidden_;
+  std::map<Call, std::pair<std::errc, int>> faults_;
 };

@@ -11,13 +11,12 @@ class RecordingMainController : public SetupMainController {
  public:
   HostList found;
   HostList selected;
-  bool shouldConfigureEditors = false;
   std::string announced;  ///< "+key" for will-change, "-key" for did-change, "next" for the next page
   std::function<void()> onNextView = [] {};
 
   [[nodiscard]] HostList foundHosts() const override { return found; }
   [[nodiscard]] HostList selectedHosts() const override { return selected; }
-  [[nodiscard]] bool shouldConfigureLumatraExternalEditors() const override { return shouldConfigureEditors; }
+  [[nodiscard]] bool shouldConfigureLumatraExternalEditors() const override { return true; }
   void nextView(SetupStepController* /*sender*/) override {
     announced += "next ";
     onNextView();

@@ -11,11 +11,12 @@
 
 namespace fs = std::filesystem;
 
+using Texts = std::map<std::string, std::string>;
+
 /// A folder that goes with the object.
 class TemporaryFolder {
  public:
   TemporaryFolder();
-  explicit TemporaryFolder(const fs::path& parent);
   ~TemporaryFolder();
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -32,20 +33,20 @@ void writeFile(const fs::path& path, std::string_view content);
 [[nodiscard]] std::string modeOf(const fs::path& path);
 /// Names in the folder in ascending order, hidden ones included, joined by blanks.
 [[nodiscard]] std::string namesIn(const fs::path& folder);
-/// A bundle with an info dictionary of these texts, and a file in it.
-void makeBundle(const fs::path& path, const std::map<std::string, std::string>& info);
+/// A property list that is a dictionary of these texts.
+[[nodiscard]] std::string propertyListOf(const Texts& texts);
+/// A bundle with an info dictionary of these texts.
+void makeBundle(const fs::path& path, const Texts& info);
 
-/// A Mac volume and an installer's bundle in a temporary folder, with the real platform of this system for
-/// them. Rights, time, log and alerts are recorded.
+/// A Mac volume and an installer's bundle in a temporary folder, with the real platform of this system for them.
+/// Rights, time, log and alerts are recorded.
 class TestMachine {
  public:
-  TestMachine();
-
   /// Where a path of the volume, or of the bundle's Contents, is for the test itself.
   [[nodiscard]] fs::path onVolume(const std::string& path) const { return volume_.string() + path; }
+  [[nodiscard]] fs::path inLibrary(const std::string& path) const { return onVolume(home_ + "/Library/" + path); }
   [[nodiscard]] fs::path inBundle(const std::string& path) const { return bundle_ / "Contents" / path; }
   [[nodiscard]] fs::path payload(const std::string& path) const { return inBundle("Resources/files") / path; }
-  [[nodiscard]] fs::path folder() const { return folder_.path(); }
   [[nodiscard]] const std::string& home() const { return home_; }
   [[nodiscard]] const UserAccount& account() const { return account_; }
 
@@ -60,7 +61,8 @@ class TestMachine {
   UserAccount account_ = loggedInUser();
   std::string home_ = "/Users/" + account_.name;
   bool isLaidOut_ = layOut();
-  LinuxPlatform system_;
+  LinuxPlatform system_{volume_, bundle_, account_};
+  Platform& real_ = system_.platform();
   Volume faultyVolume_{volume_, bundle_};
   PosixUser user_{account_, {"en"}};
 
@@ -70,7 +72,35 @@ class TestMachine {
   RecordingLog log;
   RecordingClock clock;
   RecordingToolkit toolkit;
-  RecordingAuthorizations authorizations{system_.platform().authorizations};
+  RecordingAuthorizations authorizations{real_.authorizations};
   FaultyFileSystem files{faultyVolume_, user_};
-  Platform platform;
+  Platform platform{.files = files,
+                    .bundles = real_.bundles,
+                    .folders = real_.folders,
+                    .preferences = real_.preferences,
+                    .authorizations = authorizations,
+                    .tasks = real_.tasks,
+                    .runLoop = real_.runLoop,
+                    .notifications = real_.notifications,
+                    .launchServices = real_.launchServices,
+                    .toolkit = toolkit,
+                    .processor = real_.processor,
+                    .identifiers = real_.identifiers,
+                    .log = log,
+                    .user = real_.user,
+                    .clock = clock};
+};
+
+using Paths = std::vector<std::string>;
+using Call = FaultyFileSystem::Call;
+
+/// What most tests start with.
+class MachineTest : public testing::Test {
+ protected:
+  [[nodiscard]] fs::path on(const std::string& path) const { return machine_.onVolume(path); }
+
+  TestMachine machine_;
+  Platform& platform_ = machine_.platform;
+  FaultyFileSystem& files_ = machine_.files;
+  RecordingLog& log_ = machine_.log;
 };
