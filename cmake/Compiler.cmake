@@ -6,8 +6,8 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
 endif()
 
 # The program runs with administrator rights: what the compiler can harden, it hardens.
-add_compile_options(-fstack-protector-strong -fPIE)
-add_link_options(-pie -Wl,-z,relro,-z,now)
+add_compile_options(-fstack-protector-strong -fPIC)
+add_link_options($<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-pie> -Wl,-z,relro,-z,now)
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT INSTALLER_SANITIZERS)
   add_compile_definitions(_FORTIFY_SOURCE=2)
 endif()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "hosts/HostModel.h"
@@ -24,9 +25,9 @@ class HostsModel : public SetupStepModel {
   /// Removes every occurrence.
   void removeHostAtRuntime(const std::shared_ptr<HostModel>& host);
 
-  [[nodiscard]] std::string mainLabelText() const override { return mainLabelText_; }
+  [[nodiscard]] std::optional<std::string> mainLabelText() const override { return mainLabelText_; }
   [[nodiscard]] std::string stepIndicatorLabelText() const override { return stepIndicatorLabelText_; }
-  [[nodiscard]] std::string informativeText() const override { return informativeText_; }
+  [[nodiscard]] RichText informativeText() const override { return RichText(informativeText_); }
   [[nodiscard]] const std::string& customInstallBrowseButtonText() const { return customInstallBrowseButtonText_; }
   [[nodiscard]] const std::string& customInstallPathLabelText() const { return customInstallPathLabelText_; }
   [[nodiscard]] const std::string& customInstallButtonText() const { return customInstallButtonText_; }

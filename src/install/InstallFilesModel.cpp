@@ -5,8 +5,9 @@
 
 InstallFilesModel::InstallFilesModel(Platform& platform) {
   const Bundle& bundle = platform.bundles.mainBundle();
-  mainLabelText_ = formatted(bundle.localizedString("copy_files_title"), companyName(platform));
-  if (mainLabelText_.empty()) platform.log.write("can't create mainLabelText in InstallFilesModel init()");
+  const std::string title = formatted(bundle.localizedString("copy_files_title"), companyName(platform));
+  if (!title.empty()) mainLabelText_ = title;
+  if (!mainLabelText_) platform.log.write("can't create mainLabelText in InstallFilesModel init()");
   stepIndicatorLabelText_ = bundle.localizedString("copy_files_blue_dot");
   informativeText_ = bundle.localizedString("copy_files_text");
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "platform/Platform.h"
@@ -10,13 +11,13 @@ class InstallFilesModel : public SetupStepModel {
  public:
   explicit InstallFilesModel(Platform& platform);
 
-  [[nodiscard]] std::string mainLabelText() const override { return mainLabelText_; }
+  [[nodiscard]] std::optional<std::string> mainLabelText() const override { return mainLabelText_; }
   [[nodiscard]] std::string stepIndicatorLabelText() const override { return stepIndicatorLabelText_; }
-  [[nodiscard]] std::string informativeText() const override { return informativeText_; }
+  [[nodiscard]] RichText informativeText() const override { return RichText(informativeText_); }
   void setInformativeText(std::string text) { informativeText_ = std::move(text); }
 
  private:
-  std::string mainLabelText_;
+  std::optional<std::string> mainLabelText_;
   std::string stepIndicatorLabelText_;
   std::string informativeText_;
 };

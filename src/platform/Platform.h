@@ -15,6 +15,7 @@
 #include "platform/Tasks.h"
 #include "platform/Toolkit.h"
 #include "platform/User.h"
+#include "platform/Workspace.h"
 
 /// Posted when the program is about to end in the usual way.
 inline constexpr std::string_view applicationWillTerminateNotification = "NSApplicationWillTerminateNotification";
@@ -31,6 +32,7 @@ struct Platform {
   RunLoop& runLoop;
   NotificationCenter& notifications;
   LaunchServices& launchServices;
+  Workspace& workspace;
   Toolkit& toolkit;
   Processor& processor;
   Identifiers& identifiers;

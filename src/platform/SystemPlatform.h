@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "foundation/Result.h"
 #include "platform/Platform.h"
@@ -20,6 +21,12 @@ class SystemPlatform {
   [[nodiscard]] virtual std::string shownPath(const std::string& path) const = 0;
 };
 
+/// How the program is to meet the person.
+enum class Surface { console, window };
+
+/// Domain of the error that tells why there is no window to be had.
+inline constexpr std::string_view noWindowDomain = "NoWindow";
+
 /// The platform for installing into `target`, a mounted volume or a folder laid out like one ("/" for the running
-/// system). Fails when the target cannot be entered, or when the program does not lie in a bundle.
-[[nodiscard]] Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& target);
+/// system). Fails when the target cannot be entered, when the program does not lie in a bundle, or with noWindowDomain.
+[[nodiscard]] Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& target, Surface surface);

@@ -1,6 +1,28 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
 #include <string>
+
+#include "foundation/Result.h"
+#include "platform/InterfaceOwner.h"
+
+struct Point {
+  double x = 0;
+  double y = 0;
+};
+
+struct Size {
+  double width = 0;
+  double height = 0;
+};
+
+struct Rect {
+  Point origin;
+  Size size;
+};
 
 /// A part of the window. The window owns how it looks.
 class View {
@@ -11,16 +33,102 @@ class View {
   virtual ~View() = default;
 
   virtual void setHidden(bool hidden) = 0;
+
+  /// Place and size in the view that it lies in, whose origin is the lower left corner; in points.
+  [[nodiscard]] virtual Rect frame() const = 0;
+  virtual void setFrame(const Rect& frame) = 0;
+
+  /// Puts the view, which may lie elsewhere, on top of what is in this one.
+  virtual void addSubview(const std::shared_ptr<View>& view) = 0;
+  /// The view that this one lies in; null when there is none.
+  [[nodiscard]] virtual std::shared_ptr<View> superview() const = 0;
+};
+
+/// Black and grey are what the person's appearance makes of them: on a dark window, black text is light.
+enum class TextColour { black, grey };
+
+/// A line of text. Its font has the system's usual size.
+class TextField : public virtual View {
+ public:
+  virtual void setStringValue(const std::string& text) = 0;
+  virtual void setFont(bool isBold, TextColour colour) = 0;
+};
+
+class ImageView : public virtual View {
+ public:
+  /// Null: shows nothing.
+  virtual void setImage(const Picture& image) = 0;
+};
+
+/// A list whose rows can be selected.
+class ListView : public virtual View {
+ public:
+  /// Makes the row, counted from 0, the only selected one; one that does not exist selects none.
+  virtual void selectRow(std::size_t row) = 0;
+};
+
+class Window {
+ public:
+  Window() = default;
+  Window(const Window&) = delete;
+  Window& operator=(const Window&) = delete;
+  virtual ~Window() = default;
+
+  /// Puts the window into the middle of the screen and shows it.
+  virtual void centre() = 0;
+  /// Takes the window away, without asking the application's delegate.
+  virtual void close() = 0;
+};
+
+/// What was made from an interface description. Look-ups take the names given in the description, and yield null for
+/// one that is not there or is of another kind.
+class Interface {
+ public:
+  Interface() = default;
+  Interface(const Interface&) = delete;
+  Interface& operator=(const Interface&) = delete;
+  virtual ~Interface() = default;
+
+  [[nodiscard]] virtual std::shared_ptr<View> view(const std::string& name) const = 0;
+  [[nodiscard]] virtual std::shared_ptr<TextField> textField(const std::string& name) const = 0;
+  [[nodiscard]] virtual std::shared_ptr<ImageView> imageView(const std::string& name) const = 0;
+  [[nodiscard]] virtual std::shared_ptr<ListView> listView(const std::string& name) const = 0;
+  [[nodiscard]] virtual std::shared_ptr<Window> window(const std::string& name) const = 0;
 };
 
 struct Alert {
+  enum class Style { warning, informational };
+
   std::string title;
   std::string message;
   std::string defaultButton;
   std::string alternateButton = {};  ///< empty: there is none
+  Style style = Style::warning;
 };
 
 enum class AlertAnswer { defaultButton, alternateButton };
+
+/// Has a folder of the target volume chosen.
+struct OpenPanel {
+  std::string title;
+  std::string message;
+  std::string prompt;  ///< caption of the button that confirms
+  std::string startFolder;
+  std::function<bool(const std::string& path)> shouldShowFilename;
+};
+
+/// Told what happens to the application.
+class ApplicationDelegate {
+ public:
+  ApplicationDelegate() = default;
+  ApplicationDelegate(const ApplicationDelegate&) = delete;
+  ApplicationDelegate& operator=(const ApplicationDelegate&) = delete;
+  virtual ~ApplicationDelegate() = default;
+
+  /// Asked before the person's wish to close the window is followed.
+  [[nodiscard]] virtual bool windowShouldClose() = 0;
+  [[nodiscard]] virtual bool applicationShouldTerminateAfterLastWindowClosed() const = 0;
+};
 
 /// Talks to the person at the machine.
 class Toolkit {
@@ -33,4 +141,22 @@ class Toolkit {
   /// Shows a modal alert and waits for the answer. Without a window: one line on standard error, and the default
   /// answer.
   virtual AlertAnswer runAlertPanel(const Alert& alert) = 0;
+
+  /// Shows a modal panel with the folders of the target volume, in which one can be chosen or made; the chosen folder's
+  /// path, or nothing when the person cancels.
+  virtual std::optional<std::string> runOpenPanel(const OpenPanel& panel) = 0;
+
+  /// Makes what the installer bundle's interface description of that name describes, and connects it to its owner,
+  /// which must outlive it. Fails when the description is missing or damaged.
+  virtual Result<std::unique_ptr<Interface>> loadInterface(const std::string& name, InterfaceOwner& owner) = 0;
+
+  /// The picture of that name in the installer's bundle; null when there is none that can be read.
+  virtual Picture imageNamed(const std::string& name) = 0;
+  /// The picture in the file; null when it cannot be read.
+  virtual Picture imageWithContentsOfFile(const std::string& path) = 0;
+
+  /// The delegate must outlive run().
+  virtual void setApplicationDelegate(ApplicationDelegate* delegate) = 0;
+  /// Handles what the person does, until the application ends.
+  virtual void run() = 0;
 };

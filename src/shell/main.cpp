@@ -26,7 +26,7 @@ int main(int argc, char** argv) {
   const CommandLine line = parseCommandLine(arguments);
   if (!line.problem.empty()) return complain(line.problem, statusUsage);
 
-  auto system = makeSystemPlatform(line.target);
+  auto system = makeSystemPlatform(line.target, Surface::console);
   if (!system) return complain(system.error().description(), statusNoInput);
 
   if (!line.isQuiet) return complain("there is no window yet; -quiet installs without one", statusUnavailable);

@@ -64,7 +64,7 @@ TEST_F(HostsModelTest, KeepsTheRememberedFolderOutAndAddsWhatItIsGiven) {
   fs::create_directories(on("/Applications/Adobe Fireworks CS6/Plug-Ins"));
   model.addHostAtRuntime(FireworksHostModel::initWithHostName(platform_, "Adobe Fireworks CS6"));
   EXPECT_TRUE(model.foundHosts().empty()) << "a kind that has no place in the list";
-  EXPECT_EQ(model.informativeText(), "Dunmore 3 and Dunmore 3");
+  EXPECT_EQ(model.informativeText().string(), "Dunmore 3 and Dunmore 3");
 }
 
 }  // namespace

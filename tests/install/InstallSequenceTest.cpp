@@ -6,11 +6,6 @@
 
 namespace {
 
-struct SomeView : View {
-  bool isHidden = true;
-  void setHidden(bool hidden) override { isHidden = hidden; }
-};
-
 class InstallSequenceTest : public MachineTest {
  protected:
   InstallSequenceTest() {
@@ -44,7 +39,7 @@ class InstallSequenceTest : public MachineTest {
   RecordingMainController main_;
   std::shared_ptr<HostModel> photoshop_;
   std::shared_ptr<InstallFilesModel> model_ = std::make_shared<InstallFilesModel>(platform_);
-  std::shared_ptr<SomeView> view_ = std::make_shared<SomeView>();
+  std::shared_ptr<RecordingView> view_ = RecordingView::make();
   InstallFilesController controller_{platform_};
 };
 
@@ -77,7 +72,7 @@ TEST_F(InstallSequenceTest, MovesOnByItselfFromThePage) {
   enter();
   EXPECT_FALSE(wasInProgress || view_->isHidden);
   EXPECT_TRUE(controller_.successfulInstall());
-  EXPECT_EQ(model_->mainLabelText() + ", " + model_->informativeText(), "Installing Corvane, Done");
+  EXPECT_EQ(*model_->mainLabelText() + ", " + model_->informativeText().string(), "Installing Corvane, Done");
   EXPECT_EQ(controller_.installedPaths(),
             (Paths{studio_, "/Library/Adobe/Dunmore.lrplugin", product_ + "/Inner.app", product_ + "/Presets",
                    product_ + "/b", "/Library/Application Support/Corvane/Lumatra X/ExternalEditors.csv", inPhotoshop_,

@@ -5,6 +5,8 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -36,15 +38,164 @@ class RecordingClock : public Clock {
   }
 };
 
+/// A part of a window that is not there: notes how it is set up.
+class RecordingView : public virtual TextField, public virtual ImageView, public virtual ListView {
+ public:
+  bool isHidden = true;
+  Rect place;
+  std::string text;
+  bool isBold = false;
+  TextColour colour = TextColour::black;
+  Picture image;
+  std::optional<std::size_t> selectedRow;
+  std::vector<std::shared_ptr<View>> subviews;
+
+  void setHidden(bool hidden) override { isHidden = hidden; }
+  [[nodiscard]] Rect frame() const override { return place; }
+  void setFrame(const Rect& frame) override { place = frame; }
+  void addSubview(const std::shared_ptr<View>& view) override {
+    subviews.push_back(view);
+    if (auto* const recording = dynamic_cast<RecordingView*>(view.get())) recording->superview_ = self_;
+  }
+  [[nodiscard]] std::shared_ptr<View> superview() const override { return superview_.lock(); }
+  void setStringValue(const std::string& value) override { text = value; }
+  void setFont(bool bold, TextColour textColour) override {
+    isBold = bold;
+    colour = textColour;
+  }
+  void setImage(const Picture& picture) override { image = picture; }
+  void selectRow(std::size_t row) override { selectedRow = row; }
+
+  static std::shared_ptr<RecordingView> make() {
+    auto view = std::make_shared<RecordingView>();
+    view->self_ = view;
+    return view;
+  }
+
+ private:
+  std::weak_ptr<View> self_;
+  std::weak_ptr<View> superview_;
+};
+
+class RecordingWindow : public Window {
+ public:
+  bool isShown = false;
+
+  void centre() override { isShown = true; }
+  void close() override { isShown = false; }
+};
+
+/// Has every view that it is asked for.
+class RecordingInterface : public Interface {
+ public:
+  struct Parts {
+    std::map<std::string, std::shared_ptr<RecordingView>> views;
+    std::shared_ptr<RecordingWindow> window = std::make_shared<RecordingWindow>();
+    /// The view of the name, made when it is first asked for.
+    std::shared_ptr<RecordingView> view(const std::string& name) {
+      auto& found = views[name];
+      if (found == nullptr) found = RecordingView::make();
+      return found;
+    }
+  };
+
+  explicit RecordingInterface(std::shared_ptr<Parts> parts) : parts_(std::move(parts)) {}
+
+  [[nodiscard]] std::shared_ptr<View> view(const std::string& name) const override { return parts_->view(name); }
+  [[nodiscard]] std::shared_ptr<TextField> textField(const std::string& name) const override {
+    return parts_->view(name);
+  }
+  [[nodiscard]] std::shared_ptr<ImageView> imageView(const std::string& name) const override {
+    return parts_->view(name);
+  }
+  [[nodiscard]] std::shared_ptr<ListView> listView(const std::string& name) const override {
+    return parts_->view(name);
+  }
+  [[nodiscard]] std::shared_ptr<Window> window(const std::string& /*name*/) const override { return parts_->window; }
+
+ private:
+  std::shared_ptr<Parts> parts_;
+};
+
+/// A picture that is known by where it comes from.
+struct RecordingImage : Image {
+  explicit RecordingImage(std::string imageName) : name(std::move(imageName)) {}
+  std::string name;
+};
+
 class RecordingToolkit : public Toolkit {
  public:
   std::vector<Alert> alerts;
   AlertAnswer answer = AlertAnswer::defaultButton;
+  std::vector<OpenPanel> panels;
+  std::optional<std::string> chosenFolder = std::nullopt;
+  /// What was made of each interface description, the last one by its name.
+  std::map<std::string, std::shared_ptr<RecordingInterface::Parts>> interfaces;
+  std::set<std::string> missingInterfaces;
+  ApplicationDelegate* delegate = nullptr;
+
+  std::optional<std::string> runOpenPanel(const OpenPanel& panel) override {
+    panels.push_back(panel);
+    return chosenFolder;
+  }
+  Result<std::unique_ptr<Interface>> loadInterface(const std::string& name, InterfaceOwner& /*owner*/) override {
+    if (missingInterfaces.contains(name)) return Error::posix(std::errc::no_such_file_or_directory, name);
+    auto parts = std::make_shared<RecordingInterface::Parts>();
+    interfaces[name] = parts;
+    return std::unique_ptr<Interface>(std::make_unique<RecordingInterface>(parts));
+  }
+  Picture imageNamed(const std::string& name) override { return std::make_shared<RecordingImage>(name); }
+  Picture imageWithContentsOfFile(const std::string& path) override { return std::make_shared<RecordingImage>(path); }
+  void setApplicationDelegate(ApplicationDelegate* newDelegate) override { delegate = newDelegate; }
+  void run() override {}
 
   AlertAnswer runAlertPanel(const Alert& alert) override {
     alerts.push_back(alert);
     return answer;
   }
+};
+
+/// Runs what a test says is running.
+class RecordingWorkspace : public Workspace {
+ public:
+  std::vector<std::string> running;
+  std::vector<std::string> openedUrls;
+  /// Each launch: path and arguments, joined by "|", or "terminate".
+  std::vector<std::string> launches;
+  bool canLaunch = true;
+
+  [[nodiscard]] std::vector<std::string> launchedApplications() const override { return running; }
+  [[nodiscard]] Observation observeTerminations(TerminationHandler handler) override {
+    auto held = std::make_shared<TerminationHandler>(std::move(handler));
+    observer_ = held;
+    return held;
+  }
+  [[nodiscard]] bool isObserved() const { return !observer_.expired(); }
+  /// The application ends; who observes is told.
+  void end(const std::string& name) {
+    std::erase(running, name);
+    if (const auto observer = observer_.lock()) (*observer)(name);
+  }
+  std::unique_ptr<RunningApplication> launchHidden(const std::string& path,
+                                                   const std::vector<std::string>& arguments) override {
+    class Launched : public RunningApplication {
+     public:
+      explicit Launched(RecordingWorkspace& owner) : owner_(owner) {}
+      void terminate() override { owner_.launches.emplace_back("terminate"); }
+
+     private:
+      RecordingWorkspace& owner_;
+    };
+    std::string launch = path;
+    for (const std::string& argument : arguments) launch += "|" + argument;
+    launches.push_back(launch);
+    return canLaunch ? std::make_unique<Launched>(*this) : nullptr;
+  }
+  void openUrl(const std::string& url) override { openedUrls.push_back(url); }
+  [[nodiscard]] std::string iconFile(const std::string& path) const override { return path + "/icon"; }
+
+ private:
+  std::weak_ptr<TerminationHandler> observer_;
 };
 
 /// Rights that are there unless a test takes them away. Tools run for real.

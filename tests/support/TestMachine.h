@@ -61,7 +61,8 @@ class TestMachine {
   UserAccount account_ = loggedInUser();
   std::string home_ = "/Users/" + account_.name;
   bool isLaidOut_ = layOut();
-  LinuxPlatform system_{volume_, bundle_, account_};
+  LinuxPlatform system_{volume_, bundle_, account_,
+                        [](const WindowServices&) { return std::make_unique<ConsoleInterface>(); }};
   Platform& real_ = system_.platform();
   Volume faultyVolume_{volume_, bundle_};
   PosixUser user_{account_, {"en"}};
@@ -72,6 +73,7 @@ class TestMachine {
   RecordingLog log;
   RecordingClock clock;
   RecordingToolkit toolkit;
+  RecordingWorkspace workspace;
   RecordingAuthorizations authorizations{real_.authorizations};
   FaultyFileSystem files{faultyVolume_, user_};
   Platform platform{.files = files,
@@ -83,6 +85,7 @@ class TestMachine {
                     .runLoop = real_.runLoop,
                     .notifications = real_.notifications,
                     .launchServices = real_.launchServices,
+                    .workspace = workspace,
                     .toolkit = toolkit,
                     .processor = real_.processor,
                     .identifiers = real_.identifiers,

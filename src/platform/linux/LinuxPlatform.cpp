@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxPlatform.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -47,13 +48,37 @@ void setUpProcess() {
   ::umask(022);
 }
 
+Error noWindow(const std::string& problem) {
+  return {.domain = std::string(noWindowDomain), .userInfo = {{std::string(Error::localizedDescriptionKey), problem}}};
+}
+
+/// Null, and the problem, when there is no window to be had. The module stays loaded until the program ends.
+std::unique_ptr<UserInterface> loadWindow(const std::string& bundlePath, const WindowServices& services,
+                                          std::string& problem) {
+  const std::string path = joinPath(bundlePath, "Contents/PlugIns/Window.so");
+  void* const module = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (module == nullptr) {
+    problem = ::dlerror();
+    return nullptr;
+  }
+  auto* const make = reinterpret_cast<MakeWindowInterface*>(::dlsym(module, windowModuleEntry));
+  if (make == nullptr) {
+    problem = ::dlerror();
+    return nullptr;
+  }
+  std::unique_ptr<UserInterface> made(make(services, problem));
+  if (made == nullptr && problem.empty()) problem = "there is no window to be had";
+  return made;
+}
+
 std::string homeOnVolume(const std::string& volumeRoot, const PosixUser& user) {
   return volumeRoot == "/" ? user.account().home : joinPath("/Users", user.shortName());
 }
 
 }  // namespace
 
-LinuxPlatform::LinuxPlatform(const std::string& volumeRoot, const std::string& bundlePath, UserAccount user)
+LinuxPlatform::LinuxPlatform(const std::string& volumeRoot, const std::string& bundlePath, UserAccount user,
+                             const MakeInterface& makeInterface)
     : user_(std::move(user), preferredLanguages()),
       volume_(volumeRoot, bundlePath),
       files_(volume_, user_),
@@ -63,18 +88,21 @@ LinuxPlatform::LinuxPlatform(const std::string& volumeRoot, const std::string& b
       applicationsFolder_(joinPath(folders_.homeDirectory(), ".local/share/applications")),
       tools_(volume_, user_, joinPath(bundlePath, "Contents/Helpers"), applicationsFolder_),
       authorizations_(tools_),
-      tasks_(runLoop_, notifications_),
+      interface_(makeInterface({files_, bundles_, user_, log_})),
+      tasks_(interface_->runLoop(), notifications_),
       desktopEntries_(volume_, files_, bundles_, applicationsFolder_),
+      workspace_(volume_, files_, bundles_, interface_->runLoop()),
       platform_{.files = files_,
                 .bundles = bundles_,
                 .folders = folders_,
                 .preferences = preferences_,
                 .authorizations = authorizations_,
                 .tasks = tasks_,
-                .runLoop = runLoop_,
+                .runLoop = interface_->runLoop(),
                 .notifications = notifications_,
                 .launchServices = desktopEntries_,
-                .toolkit = toolkit_,
+                .workspace = workspace_,
+                .toolkit = interface_->toolkit(),
                 .processor = processor_,
                 .identifiers = identifiers_,
                 .log = log_,
@@ -83,7 +111,7 @@ LinuxPlatform::LinuxPlatform(const std::string& volumeRoot, const std::string& b
 
 std::string LinuxPlatform::shownPath(const std::string& path) const { return joinPath(volume_.root(), path); }
 
-Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& target) {
+Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& target, Surface surface) {
   setUpProcess();
   const auto unusable = [&](int number) { return systemError(number, "cannot install into \"" + target + "\""); };
   const auto root = realPath(target);
@@ -94,5 +122,13 @@ Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& ta
   if (::access(root->c_str(), R_OK | X_OK) != 0) return unusable(errno);
   const auto bundle = ownBundle();
   if (!bundle) return Error::posix(std::errc::no_such_file_or_directory, "the bundle that the program should lie in");
-  return std::unique_ptr<SystemPlatform>(std::make_unique<LinuxPlatform>(*root, *bundle, loggedInUser()));
+  std::string problem;
+  auto system = std::make_unique<LinuxPlatform>(*root, *bundle, loggedInUser(), [&](const WindowServices& services) {
+    std::unique_ptr<UserInterface> made;
+    if (surface == Surface::window) made = loadWindow(*bundle, services, problem);
+    if (made == nullptr) made = std::make_unique<ConsoleInterface>();
+    return made;
+  });
+  if (!problem.empty()) return noWindow(problem);
+  return std::unique_ptr<SystemPlatform>(std::move(system));
 }

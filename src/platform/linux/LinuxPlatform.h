@@ -1,16 +1,17 @@
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <string>
 
 #include "platform/SystemPlatform.h"
 #include "platform/linux/DesktopEntries.h"
 #include "platform/linux/LinuxAuthorization.h"
 #include "platform/linux/LinuxProcessor.h"
+#include "platform/linux/LinuxWorkspace.h"
 #include "platform/linux/SystemTools.h"
 #include "platform/posix/BundleOnDisk.h"
-#include "platform/posix/ConsoleToolkit.h"
 #include "platform/posix/MacFolders.h"
-#include "platform/posix/PollRunLoop.h"
 #include "platform/posix/PosixClock.h"
 #include "platform/posix/PosixFileSystem.h"
 #include "platform/posix/PosixIdentifiers.h"
@@ -19,12 +20,17 @@
 #include "platform/posix/PropertyListPreferences.h"
 #include "platform/posix/SystemLog.h"
 #include "platform/posix/Volume.h"
+#include "platform/posix/WindowModule.h"
 
 /// Linux, installing into a Mac volume.
 class LinuxPlatform : public SystemPlatform {
  public:
+  /// Makes the interface to the person, which must not be null.
+  using MakeInterface = std::function<std::unique_ptr<UserInterface>(const WindowServices& services)>;
+
   /// Both paths are real and without links.
-  LinuxPlatform(const std::string& volumeRoot, const std::string& bundlePath, UserAccount user);
+  LinuxPlatform(const std::string& volumeRoot, const std::string& bundlePath, UserAccount user,
+                const MakeInterface& makeInterface);
 
   [[nodiscard]] Platform& platform() override { return platform_; }
   [[nodiscard]] std::string shownPath(const std::string& path) const override;
@@ -40,11 +46,11 @@ class LinuxPlatform : public SystemPlatform {
   std::string applicationsFolder_;
   SystemTools tools_;
   LinuxAuthorizations authorizations_;
-  PollRunLoop runLoop_;
+  std::unique_ptr<UserInterface> interface_;
   NotificationCenter notifications_;
   PosixTasks tasks_;
   DesktopEntries desktopEntries_;
-  ConsoleToolkit toolkit_;
+  LinuxWorkspace workspace_;
   LinuxProcessor processor_;
   PosixIdentifiers identifiers_;
   PosixClock clock_;

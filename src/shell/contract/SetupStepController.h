@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "platform/Toolkit.h"
 #include "shell/contract/SetupStepModel.h"
@@ -30,4 +31,19 @@ class SetupStepController {
   /// be asked for the next page from in here.
   virtual void didEnterWithModel(std::shared_ptr<SetupStepModel> model, std::shared_ptr<View> withView,
                                  SetupMainController* withMainController, std::int32_t direction) = 0;
+};
+
+/// What a page that has buttons of its own does besides.
+class SetupStepButtons {
+ public:
+  SetupStepButtons() = default;
+  SetupStepButtons(const SetupStepButtons&) = delete;
+  SetupStepButtons& operator=(const SetupStepButtons&) = delete;
+  virtual ~SetupStepButtons() = default;
+
+  /// A button of the page was pressed; `sender` is its name.
+  virtual void buttonPressed(const std::string& sender) = 0;
+
+  /// Asked before the wizard goes back. True when the page has used the press itself, and the wizard stays.
+  [[nodiscard]] virtual bool overrideBackButton(const std::string& sender) = 0;
 };

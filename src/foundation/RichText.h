@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Text with attributes: characters, and runs that cover them from the first to the last.
+class RichText {
+ public:
+  enum class Alignment { natural, centre, right, justified };
+
+  struct Colour {
+    std::uint8_t red = 0;
+    std::uint8_t green = 0;
+    std::uint8_t blue = 0;
+    bool operator==(const Colour&) const = default;
+  };
+
+  struct Attributes {
+    bool bold = false;
+    bool italic = false;
+    bool underline = false;
+    double size = 0;                              ///< in points; 0: the usual one
+    std::optional<Colour> colour = std::nullopt;  ///< nothing: the usual one
+    Alignment alignment = Alignment::natural;     ///< of the paragraph
+    double indent = 0;                            ///< of the paragraph, in points
+    double spaceAfter = 0;                        ///< of the paragraph, in points
+    bool operator==(const Attributes&) const = default;
+  };
+
+  struct Run {
+    std::size_t length = 0;  ///< in bytes
+    Attributes attributes;
+    bool operator==(const Run&) const = default;
+  };
+
+  RichText() = default;
+  /// Plain text, with the usual attributes.
+  explicit RichText(std::string_view plain) { append(plain, {}); }
+
+  /// The characters; paragraphs end with a line feed.
+  [[nodiscard]] const std::string& string() const { return text_; }
+  /// Neighbouring runs differ.
+  [[nodiscard]] const std::vector<Run>& runs() const { return runs_; }
+
+  void append(std::string_view text, const Attributes& attributes);
+
+  /// Replaces the first occurrence; what comes in has the attributes of the first character that goes. False when there
+  /// is no occurrence.
+  bool replaceFirst(std::string_view what, std::string_view with);
+
+  bool operator==(const RichText&) const = default;
+
+ private:
+  std::string text_;
+  std::vector<Run> runs_;
+};
+
+/// Reads rich text format: characters in any of its notations, bold, italic, underline, sizes, colours, and paragraphs
+/// with their alignment, indent and space after. What else there may be is passed over. Throws Exception when the bytes
+/// are no rich text format.
+[[nodiscard]] RichText parseRichTextFormat(std::string_view bytes);

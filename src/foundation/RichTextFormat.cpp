@@ -1,0 +1,260 @@
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "foundation/Exception.h"
+#include "foundation/RichText.h"
+#include "foundation/Text.h"
+
+// The format is a tree of groups in braces, with control words ("\b0 "), control symbols ("\~") and characters in it. A
+// control word sets something for the rest of its group; some name the group as a destination, whose content is no
+// text.
+
+namespace {
+
+using Attributes = RichText::Attributes;
+
+/// Code points of the bytes 0x80 to 0x9F in the Windows encoding; the others stand for themselves.
+constexpr std::array<std::uint16_t, 32> windowsCodePoints = {
+    0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD, 0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
+
+struct NamedCharacter {
+  std::string_view name;
+  std::string_view text;
+};
+constexpr NamedCharacter namedCharacters[] = {
+    {"par", "\n"},         {"line", "\n"},        {"tab", "\t"},      {"emdash", "—"},    {"endash", "–"},
+    {"lquote", "‘"},       {"rquote", "’"},       {"ldblquote", "“"}, {"rdblquote", "”"}, {"bullet", "•"},
+    {"emspace", "\u2003"}, {"enspace", "\u2002"}, {"sect", "\n"},     {"page", "\n"}};
+
+constexpr std::string_view destinationsWithoutText[] = {"fonttbl", "stylesheet", "info",      "pict",   "header",
+                                                        "footer",  "filetbl",    "listtable", "object", "footnote"};
+
+class Reader {
+ public:
+  explicit Reader(std::string_view bytes) : bytes_(bytes) {}
+
+  RichText read() {
+    if (!bytes_.starts_with("{\\rtf")) throw Exception("not rich text format");
+    while (next_ < bytes_.size()) {
+      const char c = bytes_[next_++];
+      if (c == '{') {
+        if (groups_.size() >= deepest) throw Exception("rich text format that is nested too deeply");
+        groups_.push_back(group());
+      } else if (c == '}') {
+        if (groups_.size() <= 1) throw Exception("rich text format with a brace too many");
+        groups_.pop_back();
+        if (groups_.size() == 1) return finish();
+      } else if (c == '\\') {
+        readControl();
+      } else if (c != '\r' && c != '\n') {
+        addByte(c);
+      }
+    }
+    throw Exception("rich text format that ends too early");
+  }
+
+ private:
+  struct Group {
+    Attributes attributes;
+    int bytesAfterUnicode = 1;  ///< how many bytes stand after a code point for readers that do not know it
+    bool isText = true;
+    bool isColourTable = false;
+  };
+
+  Group& group() { return groups_.back(); }
+
+  RichText finish() {
+    flush();
+    return std::move(result_);
+  }
+
+  void flush() {
+    result_.append(pending_, pendingAttributes_);
+    pending_.clear();
+  }
+
+  /// Where the text that follows goes, when its attributes differ from those of the text before it.
+  std::string& text() {
+    if (!(pendingAttributes_ == group().attributes)) {
+      flush();
+      pendingAttributes_ = group().attributes;
+    }
+    return pending_;
+  }
+
+  void addText(std::string_view characters) {
+    if (skipped_ > 0) {
+      --skipped_;
+    } else if (group().isText) {
+      text() += characters;
+    }
+  }
+
+  void addCodePoint(std::uint32_t codePoint) {
+    std::string character;
+    appendUtf8(character, codePoint);
+    addText(character);
+  }
+
+  void addByte(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (group().isColourTable && c == ';') {
+      colours_.push_back(colour_);
+      colour_ = std::nullopt;
+      return;
+    }
+    addCodePoint(byte >= 0x80 && byte <= 0x9F ? windowsCodePoints[byte - 0x80U] : byte);
+  }
+
+  void readControl() {
+    if (next_ >= bytes_.size()) return;
+    const char c = bytes_[next_];
+    const bool isWord = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    if (isWord) return readWord();
+    ++next_;
+    switch (c) {
+      case '\'': addByte(readHexadecimalByte()); break;
+      case '\\':
+      case '{':
+      case '}': addByte(c); break;
+      case '~': addText("\u00A0"); break;
+      case '_': addText("\u2011"); break;
+      case '-': break;
+      case '*': group().isText = false; break;  // a destination that a reader may leave out
+      case '\r':
+      case '\n': addText("\n"); break;
+      default: break;
+    }
+  }
+
+  char readHexadecimalByte() {
+    unsigned value = 0;
+    for (int i = 0; i < 2 && next_ < bytes_.size(); ++i) {
+      const char c = bytes_[next_];
+      unsigned digit = 16;
+      if (c >= '0' && c <= '9') digit = static_cast<unsigned>(c - '0');
+      if (c >= 'a' && c <= 'f') digit = static_cast<unsigned>(c - 'a') + 10;
+      if (c >= 'A' && c <= 'F') digit = static_cast<unsigned>(c - 'A') + 10;
+      if (digit == 16) break;
+      value = value * 16 + digit;
+      ++next_;
+    }
+    return static_cast<char>(value);
+  }
+
+  void readWord() {
+    const std::size_t start = next_;
+    while (next_ < bytes_.size() && ((bytes_[next_] | 0x20) >= 'a' && (bytes_[next_] | 0x20) <= 'z')) ++next_;
+    const std::string_view word = bytes_.substr(start, next_ - start);
+    const std::size_t numberStart = next_;
+    if (next_ < bytes_.size() && bytes_[next_] == '-') ++next_;
+    while (next_ < bytes_.size() && bytes_[next_] >= '0' && bytes_[next_] <= '9') ++next_;
+    const bool hasNumber = next_ > numberStart;
+    const std::int64_t number =
+        std::clamp<std::int64_t>(integerValue(bytes_.substr(numberStart, next_ - numberStart)), -70'000, 70'000);
+    if (next_ < bytes_.size() && bytes_[next_] == ' ') ++next_;
+    apply(word, hasNumber ? std::optional(number) : std::nullopt);
+  }
+
+  void apply(std::string_view word, std::optional<std::int64_t> number) {
+    Attributes& attributes = group().attributes;
+    const bool isOn = number.value_or(1) != 0;
+    if (const auto* named = std::ranges::find(namedCharacters, word, &NamedCharacter::name);
+        named != std::end(namedCharacters)) {
+      addText(named->text);
+    } else if (word == "u") {
+      addUtf16Unit(static_cast<std::uint16_t>(number.value_or(0)));
+    } else if (word == "uc") {
+      group().bytesAfterUnicode = static_cast<int>(std::clamp<std::int64_t>(number.value_or(1), 0, 16));
+    } else if (word == "b") {
+      attributes.bold = isOn;
+    } else if (word == "i") {
+      attributes.italic = isOn;
+    } else if (word == "ul") {
+      attributes.underline = isOn;
+    } else if (word == "ulnone") {
+      attributes.underline = false;
+    } else if (word == "fs") {
+      attributes.size = static_cast<double>(std::clamp<std::int64_t>(number.value_or(24), 0, 400)) / 2;
+    } else if (word == "cf") {
+      const auto index = static_cast<std::size_t>(std::max<std::int64_t>(number.value_or(0), 0));
+      attributes.colour = index < colours_.size() ? colours_[index] : std::nullopt;
+    } else if (word == "plain") {
+      attributes = {
+          .alignment = attributes.alignment, .indent = attributes.indent, .spaceAfter = attributes.spaceAfter};
+    } else {
+      applyToParagraph(word, number.value_or(0));
+    }
+  }
+
+  void applyToParagraph(std::string_view word, std::int64_t number) {
+    Attributes& attributes = group().attributes;
+    constexpr double twipsInPoint = 20;
+    const double points = static_cast<double>(std::clamp<std::int64_t>(number, 0, 10'000)) / twipsInPoint;
+    if (word == "pard") {
+      attributes.alignment = RichText::Alignment::natural;
+      attributes.indent = attributes.spaceAfter = 0;
+    } else if (word == "ql") {
+      attributes.alignment = RichText::Alignment::natural;
+    } else if (word == "qc") {
+      attributes.alignment = RichText::Alignment::centre;
+    } else if (word == "qr") {
+      attributes.alignment = RichText::Alignment::right;
+    } else if (word == "qj") {
+      attributes.alignment = RichText::Alignment::justified;
+    } else if (word == "li") {
+      attributes.indent = points;
+    } else if (word == "sa") {
+      attributes.spaceAfter = points;
+    } else {
+      applyToTables(word, number);
+    }
+  }
+
+  void applyToTables(std::string_view word, std::int64_t number) {
+    const auto component = static_cast<std::uint8_t>(std::clamp<std::int64_t>(number, 0, 255));
+    if (word == "colortbl") {
+      group().isText = false;
+      group().isColourTable = true;
+    } else if (std::ranges::find(destinationsWithoutText, word) != std::end(destinationsWithoutText)) {
+      group().isText = false;
+    } else if (group().isColourTable && (word == "red" || word == "green" || word == "blue")) {
+      if (!colour_) colour_ = RichText::Colour{};
+      (word == "red" ? colour_->red : word == "green" ? colour_->green : colour_->blue) = component;
+    }
+  }
+
+  void addUtf16Unit(std::uint16_t unit) {
+    const bool isHigh = unit >= 0xD800 && unit <= 0xDBFF;
+    const bool isLow = unit >= 0xDC00 && unit <= 0xDFFF;
+    skipped_ = 0;
+    if (isHigh) {
+      highHalf_ = unit;
+    } else if (isLow && highHalf_ != 0) {
+      addCodePoint(0x10000U + ((highHalf_ - 0xD800U) << 10U) + (unit - 0xDC00U));
+    } else {
+      addCodePoint(unit);
+    }
+    if (!isHigh) highHalf_ = 0;
+    skipped_ = group().bytesAfterUnicode;
+  }
+
+  static constexpr std::size_t deepest = 256;
+  std::string_view bytes_;
+  std::size_t next_ = 0;
+  std::vector<Group> groups_ = {Group{}};
+  std::vector<std::optional<RichText::Colour>> colours_;
+  std::optional<RichText::Colour> colour_;
+  std::uint32_t highHalf_ = 0;
+  int skipped_ = 0;  ///< characters still to be passed over after a code point
+  RichText result_;
+  std::string pending_;
+  Attributes pendingAttributes_;
+};
+
+}  // namespace
+
+RichText parseRichTextFormat(std::string_view bytes) { return Reader(bytes).read(); }

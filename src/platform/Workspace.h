@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// An application that was started through the workspace. Nothing happens to it when this object goes.
+class RunningApplication {
+ public:
+  RunningApplication() = default;
+  RunningApplication(const RunningApplication&) = delete;
+  RunningApplication& operator=(const RunningApplication&) = delete;
+  virtual ~RunningApplication() = default;
+
+  /// Asks the application to end; does not wait for it. One that has ended is left alone.
+  virtual void terminate() = 0;
+};
+
+/// The applications of the machine, as the person knows them.
+class Workspace {
+ public:
+  using TerminationHandler = std::function<void(const std::string& applicationName)>;
+  /// The observation lasts as long as this object.
+  using Observation = std::shared_ptr<void>;
+
+  Workspace() = default;
+  Workspace(const Workspace&) = delete;
+  Workspace& operator=(const Workspace&) = delete;
+  virtual ~Workspace() = default;
+
+  /// Display names of the applications that run now, whoever started them, in the order in which they were started.
+  [[nodiscard]] virtual std::vector<std::string> launchedApplications() const = 0;
+
+  /// Has `handler` called from a run of the run loop, once for each application that ends from now on.
+  [[nodiscard]] virtual Observation observeTerminations(TerminationHandler handler) = 0;
+
+  /// Starts the application bundle at the path of the target volume as a new, hidden instance; null when it cannot be
+  /// started.
+  virtual std::unique_ptr<RunningApplication> launchHidden(const std::string& path,
+                                                           const std::vector<std::string>& arguments) = 0;
+
+  /// Shows the address in the person's browser. Failing to is not reported.
+  virtual void openUrl(const std::string& url) = 0;
+
+  /// Path of the picture that the system shows for the file or bundle at the path; empty when it has none of its own.
+  [[nodiscard]] virtual std::string iconFile(const std::string& path) const = 0;
+};
