@@ -1,5 +1,5 @@
-// What an install of this kind costs at the least: for each item a copy, then chown and chmod, each started with
-// posix_spawn(3), a pipe and a clean environment, one after the other.
+// The least that an install of this kind can do: item by item, with the library's copy and two tools started by
+// posix_spawn(3), whose output is read and whose environment is empty.
 //
 //   install-floor SOURCE TARGET
 

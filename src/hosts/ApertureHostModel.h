@@ -6,7 +6,7 @@
 #include "hosts/HostModel.h"
 #include "platform/Platform.h"
 
-/// Aperture, which is served through its user plug-in folder. Discovery makes none; the running-host check knows the
+/// Aperture. Its plug-ins lie in the user's own folder for it. Discovery makes none; the running-host check knows the
 /// kind.
 class ApertureHostModel : public HostModel {
  public:

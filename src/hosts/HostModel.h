@@ -11,17 +11,17 @@
 /// One application, or folder, that the product can be installed into. Kinds that need a treatment of their own are
 /// told apart by class.
 ///
-/// Not every kind answers every operation. Asking for one that the kind does not answer is a programming error and
-/// raises UnknownKey; so does its key.
+/// An operation that means nothing for a kind raises UnknownKey, and so does its key: callers know which kinds they
+/// ask.
 class HostModel : public KeyValueCoding {
  public:
-  /// Name shown in the host list.
+  /// What people call the host.
   [[nodiscard]] virtual std::string hostName() const = 0;
 
   /// Whether the host is there; only then is it offered.
   [[nodiscard]] virtual bool hostIsInstalled() const = 0;
 
-  // Folders that receive the plug-in, the scripts and the panels; empty where there is none.
+  // Where the parts of the product go; empty for a part that this host takes none of.
   [[nodiscard]] virtual std::string plugInPath() const = 0;
   [[nodiscard]] virtual std::string scriptsPath() const = 0;
   [[nodiscard]] virtual std::string panelsPath() const = 0;

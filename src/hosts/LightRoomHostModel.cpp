@@ -12,7 +12,7 @@ std::shared_ptr<LightRoomHostModel> LightRoomHostModel::initWithHostName(Platfor
 }
 
 std::string LightRoomHostModel::templateFileTextWithAppName(std::string_view appName) const {
-  // Lightroom reads this as a program: the blanks and the commas are part of the format.
+  // Lightroom runs this text: not a blank or a comma of it may change.
   constexpr std::string_view format =
       "s = {   id = \"%@\",\n"
       "  internalName = \"%@\",\n"

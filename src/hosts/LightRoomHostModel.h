@@ -8,7 +8,7 @@
 #include "hosts/HostModel.h"
 #include "platform/Platform.h"
 
-/// Lightroom, which is served through external-editor presets rather than a plug-in folder.
+/// Lightroom. It has no plug-in folder: the product is one of its external editors, by presets in the user's folder.
 class LightRoomHostModel : public HostModel {
  public:
   /// Installed when Lightroom's preset folder is there at this moment.

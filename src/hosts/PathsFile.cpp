@@ -6,7 +6,7 @@
 
 namespace {
 
-/// The field at the start of the data. Its first byte is never taken as the terminator.
+/// The field at the start of the data, which is at least one byte long: a zero there does not end it.
 std::string_view firstField(std::string_view data) { return data.substr(0, std::min(data.find('\0', 1), data.size())); }
 
 }  // namespace

@@ -13,7 +13,7 @@ struct PathsFile;
 /// Photoshop or Photoshop Elements. Its paths are decided when it is made and never change.
 class PhotoshopHostModel : public HostModel {
  public:
-  /// From a display name: the newest versions, which are found through their settings folder, lie in fixed places; any
+  /// From a display name: versions that keep a settings folder lie in fixed places; any
   /// other is looked up in the Paths file of that name in the user's preferences.
   [[nodiscard]] static std::shared_ptr<PhotoshopHostModel> initWithHostName(Platform& platform, std::string name);
 

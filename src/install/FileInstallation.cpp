@@ -72,7 +72,7 @@ void InstallFilesController::installFiles(const HostModel& host) {
   const std::string payload = joinPath(platform_.bundles.mainBundle().resourcePath(), "files");
   if (const auto* photoshop = dynamic_cast<const PhotoshopHostModel*>(&host)) {
     copyHostFilesFrom(joinPath(payload, "PHOTOSHOP"), photoshop->appPath());
-    copyHostFilesFrom(joinPath(payload, "PHOTOSHOP_PLUGINS"), photoshop->plugInPath());
+    if (!authDenied_) copyHostFilesFrom(joinPath(payload, "PHOTOSHOP_PLUGINS"), photoshop->plugInPath());
   } else if (dynamic_cast<const LightRoomHostModel*>(&host) != nullptr) {
     copyHostFilesFrom(joinPath(payload, "LIGHTROOM"),
                       joinPath({platform_.folders.userApplicationSupport(), "Adobe", "Lightroom"}));
@@ -94,7 +94,7 @@ void InstallFilesController::copyHostFilesFrom(const std::string& from, const st
   });
 
   const auto plan = platform_.files.planCopies(copies);
-  for (std::size_t i = 0; i < copies.size(); ++i) {
+  for (std::size_t i = 0; i < copies.size() && !authDenied_; ++i) {
     installSourceFiles({copies[i].source}, deletingLastPathComponent(copies[i].target), arePackages[i],
                        /*alwaysInstall=*/true);
   }
@@ -214,6 +214,7 @@ bool InstallFilesController::isFileOkToInstallByBundleVersion(const std::string&
 
 bool InstallFilesController::isFileOkToInstallByModificationTime(const std::string& source,
                                                                  const std::string& alreadyThere) const {
+  if (!platform_.files.exists(alreadyThere)) return true;
   const auto installed = platform_.files.attributesOfItem(alreadyThere);
   if (!installed) return true;
   if (installed->type == ItemType::folder) {

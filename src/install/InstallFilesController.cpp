@@ -33,7 +33,7 @@ void InstallFilesController::install(const HostList& hosts, bool shouldConfigure
   setInstallComplete(false);
   setInProgress(true);
   authDenied_ = fileOpErrorOccurred_ = installComplete_ = false;
-  installedPaths_.clear();
+  installedPaths_.clear();  // the log tells of this install alone
   failedPaths_.clear();
 
   if (!obtainAuthorization()) {

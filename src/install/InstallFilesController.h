@@ -41,7 +41,7 @@ class InstallFilesController : public SetupStepController {
 
   /// A tool was refused its rights, or the user cancelled; nothing more is installed.
   [[nodiscard]] bool authDenied() const { return authDenied_; }
-  /// A file could not be installed, or rights could not be obtained; no further host is served.
+  /// Something was not installed, for want of rights or for any other reason; no further host is served.
   [[nodiscard]] bool fileOpErrorOccurred() const { return fileOpErrorOccurred_; }
   /// Every path installed, in order.
   [[nodiscard]] const std::vector<std::string>& installedPaths() const { return installedPaths_; }

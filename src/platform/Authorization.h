@@ -46,7 +46,7 @@ class Authorization {
   virtual LaunchStatus executeWithPrivileges(const std::string& toolPath, const std::vector<std::string>& arguments,
                                              std::unique_ptr<CommunicationsPipe>& pipe) = 0;
 
-  /// Waits for any one child process of the installer to end and reaps it; returns at once when there is none.
+  /// Reaps the child process that ends first, whichever it is; does nothing when the installer has no child.
   virtual void waitForAnyChild() = 0;
 };
 

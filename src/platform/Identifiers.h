@@ -10,7 +10,6 @@ class Identifiers {
   Identifiers& operator=(const Identifiers&) = delete;
   virtual ~Identifiers() = default;
 
-  /// A new random UUID from the system's source of randomness, in its canonical form: 36 characters, upper-case
-  /// hexadecimal digits in groups of 8-4-4-4-12.
+  /// A new UUID, random from the system's own source, as text in capitals.
   [[nodiscard]] virtual std::string makeUuid() = 0;
 };

@@ -2,6 +2,7 @@
 #include <string_view>
 #include <vector>
 
+#include "foundation/Text.h"
 #include "platform/SystemPlatform.h"
 #include "shell/CommandLine.h"
 #include "shell/QuietInstall.h"
@@ -15,7 +16,7 @@ constexpr int statusNoInput = 66;
 constexpr int statusUnavailable = 69;
 
 int complain(std::string_view what, int status) {
-  std::cerr << "Installer: " << what << '\n';
+  std::cerr << "Installer: " << onOneLine(what) << '\n';
   return status;
 }
 

@@ -97,6 +97,9 @@ TEST_F(FileInstallationTest, ComparesFilesByDate) {
   EXPECT_TRUE(isOk()) << "an empty folder, however new";
   writeFile(on("/T/other/inside"), "");
   EXPECT_FALSE(isOk());
+  fs::remove_all(on("/T/other"));
+  fs::create_symlink("/nowhere", on("/T/other"));
+  EXPECT_TRUE(isOk()) << "a link that leads nowhere, however new";
 }
 
 TEST_F(FileInstallationTest, FallsBackToTools) {
@@ -158,6 +161,16 @@ TEST_F(FileInstallationTest, StopsWhenThereAreNoRights) {
       EXPECT_FALSE(fs::exists(on("/T/b"))) << tool;
     }
   }
+  // A host's payload ends there, too: nothing is asked for, and no folder made, for what would have come after.
+  for (const char* const name : {"PHOTOSHOP/a/file", "PHOTOSHOP/b/file", "PHOTOSHOP_PLUGINS/c/file"}) source(name);
+  machine_.addPhotoshop("Adobe Photoshop CS6");
+  const auto photoshop = PhotoshopHostModel::initWithHostName(platform_, "Adobe Photoshop CS6");
+  rights_.statusOfTool = {{"/usr/sbin/chown", -60006}};
+  rights_.launches.clear();
+  controller_.installFiles(*photoshop);
+  EXPECT_EQ(rights_.launches.size(), 1U);
+  EXPECT_FALSE(fs::exists(on(photoshop->appPath() + "/b")) || fs::exists(on(photoshop->plugInPath() + "/c")));
+
   EXPECT_TRUE(machine_.toolkit.alerts.empty());
   for (const int code : {5529, 5541}) EXPECT_FALSE(InstallFilesController::isFatalAuthCode(code));
   EXPECT_TRUE(InstallFilesController::isFatalAuthCode(5540));
