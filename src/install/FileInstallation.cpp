@@ -22,25 +22,82 @@ bool holdsLightRoom(const HostList& hosts) {
   });
 }
 
+bool isLightRoomPlugIn(const std::string& path) { return pathExtension(path) == "lrplugin"; }
+
 }  // namespace
 
 // What goes where.
 
-void InstallFilesController::installFiles() {
-  const std::string root = joinPath({platform_.bundles.mainBundle().resourcePath(), "files", "HD"});
-  installHostIndependentPackages(root);
-  installProductFolders(root);
+std::string InstallFilesController::hostIndependentPayload() const {
+  return joinPath({platform_.bundles.mainBundle().resourcePath(), "files", "HD"});
 }
 
-void InstallFilesController::installHostIndependentPackages(const std::string& root) {
+std::vector<PlannedCopy> InstallFilesController::hostIndependentPackages() const {
+  const std::string root = hostIndependentPayload();
   const bool isLightRoomSelected = mainController_ != nullptr && holdsLightRoom(mainController_->selectedHosts());
-  const auto isLightRoomPlugIn = [](const std::string& path) { return pathExtension(path) == "lrplugin"; };
   std::vector<PlannedCopy> packages;
   platform_.files.walk(root, [&](const WalkedItem& item) {
     if (!item.isPackage || (isLightRoomPlugIn(item.path) && !isLightRoomSelected)) return;
     packages.push_back({item.path, replacingOccurrences(item.path, root, "")});
   });
+  return packages;
+}
 
+std::vector<InstallFilesController::ProductFolder> InstallFilesController::productFolders() const {
+  const std::string root = hostIndependentPayload();
+  const std::string company = companyName(platform_);
+  std::vector<ProductFolder> folders;
+  // Without the name, every maker's folder would be taken for a product of ours and its content be replaced.
+  if (company.empty()) return folders;
+  for (const WalkedItem& product :
+       platform_.files.visibleEntries(joinPath({root, "Library", "Application Support", company}))) {
+    if (product.isPackage || product.type != ItemType::folder) continue;
+    ProductFolder folder{.sources = {}, .target = replacingOccurrences(product.path, root, "")};
+    for (WalkedItem& item : platform_.files.visibleEntries(product.path)) {
+      if (!item.isPackage) folder.sources.push_back(std::move(item.path));
+    }
+    if (!folder.sources.empty()) folders.push_back(std::move(folder));
+  }
+  return folders;
+}
+
+std::vector<PlannedCopy> InstallFilesController::payloadOf(const HostModel& host) const {
+  const std::string payload = joinPath(platform_.bundles.mainBundle().resourcePath(), "files");
+  if (const auto* photoshop = dynamic_cast<const PhotoshopHostModel*>(&host)) {
+    return {{joinPath(payload, "PHOTOSHOP"), photoshop->appPath()},
+            {joinPath(payload, "PHOTOSHOP_PLUGINS"), photoshop->plugInPath()}};
+  }
+  if (dynamic_cast<const LightRoomHostModel*>(&host) != nullptr) {
+    return {
+        {joinPath(payload, "LIGHTROOM"), joinPath({platform_.folders.userApplicationSupport(), "Adobe", "Lightroom"})}};
+  }
+  if (const auto* folder = dynamic_cast<const UnknownHostModel*>(&host)) {
+    if (!folder->plugInPath().empty()) return {{joinPath(payload, "PHOTOSHOP_PLUGINS"), folder->plugInPath()}};
+  }
+  return {};
+}
+
+InstallFilesController::HostFiles InstallFilesController::hostFilesFrom(const std::string& from,
+                                                                        const std::string& to) const {
+  HostFiles files;
+  platform_.files.walk(from, [&](const WalkedItem& item) {
+    // Plain folders come into being with what is in them.
+    if (!item.isPackage && item.type != ItemType::regularFile) return;
+    files.copies.push_back({item.path, joinPath({replacingOccurrences(item.path, from, to)})});
+    files.arePackages.push_back(item.isPackage);
+  });
+  return files;
+}
+
+// The passes over it.
+
+void InstallFilesController::installFiles() {
+  installHostIndependentPackages();
+  installProductFolders();
+}
+
+void InstallFilesController::installHostIndependentPackages() {
+  const std::vector<PlannedCopy> packages = hostIndependentPackages();
   const auto plan = platform_.files.planCopies(packages);
   for (const auto& [package, target] : packages) {
     installSourceFiles({package}, deletingLastPathComponent(target), /*isBundle=*/true, /*alwaysInstall=*/true);
@@ -48,55 +105,27 @@ void InstallFilesController::installHostIndependentPackages(const std::string& r
   }
 }
 
-void InstallFilesController::installProductFolders(const std::string& root) {
-  const std::string company = companyName(platform_);
-  if (company.empty()) {
-    // Without the name, every maker's folder would be taken for a product of ours and its content be replaced.
+void InstallFilesController::installProductFolders() {
+  if (companyName(platform_).empty()) {
     platform_.log.write("The strings table has no company_name: product folders are not installed");
-    return;
   }
-  for (const WalkedItem& product :
-       platform_.files.visibleEntries(joinPath({root, "Library", "Application Support", company}))) {
-    if (product.isPackage || product.type != ItemType::folder) continue;
-    std::vector<std::string> sources;
-    for (WalkedItem& item : platform_.files.visibleEntries(product.path)) {
-      if (!item.isPackage) sources.push_back(std::move(item.path));
-    }
-    if (sources.empty()) continue;
-    installSourceFiles(sources, replacingOccurrences(product.path, root, ""), /*isBundle=*/false,
-                       /*alwaysInstall=*/true);
+  for (const ProductFolder& folder : productFolders()) {
+    installSourceFiles(folder.sources, folder.target, /*isBundle=*/false, /*alwaysInstall=*/true);
   }
 }
 
 void InstallFilesController::installFiles(const HostModel& host) {
-  const std::string payload = joinPath(platform_.bundles.mainBundle().resourcePath(), "files");
-  if (const auto* photoshop = dynamic_cast<const PhotoshopHostModel*>(&host)) {
-    copyHostFilesFrom(joinPath(payload, "PHOTOSHOP"), photoshop->appPath());
-    if (!authDenied_) copyHostFilesFrom(joinPath(payload, "PHOTOSHOP_PLUGINS"), photoshop->plugInPath());
-  } else if (dynamic_cast<const LightRoomHostModel*>(&host) != nullptr) {
-    copyHostFilesFrom(joinPath(payload, "LIGHTROOM"),
-                      joinPath({platform_.folders.userApplicationSupport(), "Adobe", "Lightroom"}));
-  } else if (const auto* folder = dynamic_cast<const UnknownHostModel*>(&host)) {
-    if (!folder->plugInPath().empty()) {
-      copyHostFilesFrom(joinPath(payload, "PHOTOSHOP_PLUGINS"), folder->plugInPath());
-    }
+  for (const auto& [from, to] : payloadOf(host)) {
+    if (!authDenied_) copyHostFilesFrom(from, to);
   }
 }
 
 void InstallFilesController::copyHostFilesFrom(const std::string& from, const std::string& to) {
-  std::vector<PlannedCopy> copies;
-  std::vector<bool> arePackages;
-  platform_.files.walk(from, [&](const WalkedItem& item) {
-    // Plain folders come into being with what is in them.
-    if (!item.isPackage && item.type != ItemType::regularFile) return;
-    copies.push_back({item.path, joinPath({replacingOccurrences(item.path, from, to)})});
-    arePackages.push_back(item.isPackage);
-  });
-
-  const auto plan = platform_.files.planCopies(copies);
-  for (std::size_t i = 0; i < copies.size() && !authDenied_; ++i) {
-    installSourceFiles({copies[i].source}, deletingLastPathComponent(copies[i].target), arePackages[i],
-                       /*alwaysInstall=*/true);
+  const HostFiles files = hostFilesFrom(from, to);
+  const auto plan = platform_.files.planCopies(files.copies);
+  for (std::size_t i = 0; i < files.copies.size() && !authDenied_; ++i) {
+    installSourceFiles({files.copies[i].source}, deletingLastPathComponent(files.copies[i].target),
+                       files.arePackages[i], /*alwaysInstall=*/true);
   }
 }
 
@@ -121,18 +150,20 @@ void InstallFilesController::installSourceFiles(const std::vector<std::string>& 
       copyNewFiles = mayReplace(source, target, isBundle, alwaysInstall);
       if (copyNewFiles) platform_.log.write("removing existing file...");
     }
-    if (!copyNewFiles) continue;
-
-    const Outcome outcome = putInPlace(source, target, isReplacing);
-    if (outcome == Outcome::denied) return;
-    if (outcome == Outcome::failed) {
-      reportFailedFile(target);
-      continue;
-    }
-    if (!runTool("/usr/sbin/chown", {"-R", ownerText(), target})) return;
-    if (!runTool("/bin/chmod", {"-R", "0775", target})) return;
-    installedPaths_.push_back(target);
+    if (copyNewFiles && !installItem(source, target, isReplacing)) return;
+    progress_.finish(source);
+    showProgress();
   }
+}
+
+bool InstallFilesController::installItem(const std::string& source, const std::string& target, bool isReplacing) {
+  const Outcome outcome = putInPlace(source, target, isReplacing);
+  if (outcome == Outcome::failed) reportFailedFile(target);
+  if (outcome != Outcome::installed) return outcome != Outcome::denied;
+  if (!runTool("/usr/sbin/chown", {"-R", ownerText(), target})) return false;
+  if (!runTool("/bin/chmod", {"-R", "0775", target})) return false;
+  installedPaths_.push_back(target);
+  return true;
 }
 
 bool InstallFilesController::mayReplace(const std::string& source, const std::string& target, bool isBundle,

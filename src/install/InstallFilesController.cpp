@@ -44,6 +44,7 @@ void InstallFilesController::install(const HostList& hosts, bool shouldConfigure
     return;
   }
 
+  planProgress(hosts);
   installFiles();
   if (shouldConfigureLumatraExternalEditors) configureLumatraExternalEditors();
   cleanManifests();
@@ -53,6 +54,44 @@ void InstallFilesController::install(const HostList& hosts, bool shouldConfigure
     installFiles(*host);
   }
   logInstalledPaths();
+  endProgress();
+}
+
+void InstallFilesController::planProgress(const HostList& hosts) {
+  progress_.start(platform_.files.bytesCopied());
+  if (mainController_ == nullptr) return;
+  for (const PlannedCopy& package : hostIndependentPackages()) planProgressOf(package.source);
+  for (const ProductFolder& folder : productFolders()) {
+    for (const std::string& source : folder.sources) planProgressOf(source);
+  }
+  for (const auto& host : hosts) {
+    for (const auto& [from, to] : payloadOf(*host)) {
+      for (const PlannedCopy& copy : hostFilesFrom(from, to).copies) planProgressOf(copy.source);
+    }
+  }
+  showProgress();
+  platform_.files.setWhileBusy([this] {
+    showProgress();
+    platform_.runLoop.runUntilDate(RunLoop::Clock::now());
+  });
+}
+
+void InstallFilesController::planProgressOf(const std::string& source) {
+  if (progress_.isKnown(source)) {
+    progress_.planAgain(source);
+  } else {
+    progress_.plan(source, platform_.files.sizeOfItem(source));
+  }
+}
+
+void InstallFilesController::showProgress() {
+  announce({"installProgress"}, [] {});
+}
+
+void InstallFilesController::endProgress() {
+  platform_.files.setWhileBusy({});
+  progress_.finishAll();
+  showProgress();
 }
 
 bool InstallFilesController::obtainAuthorization() {

@@ -12,6 +12,7 @@
 #include "foundation/Result.h"
 #include "hosts/HostModel.h"
 #include "install/InstallFilesModel.h"
+#include "install/InstallProgress.h"
 #include "platform/Platform.h"
 #include "shell/contract/SetupMainController.h"
 #include "shell/contract/SetupStepController.h"
@@ -35,6 +36,9 @@ class InstallFilesController : public SetupStepController {
 
   /// Whether the last install put everything in place.
   [[nodiscard]] bool successfulInstall() const { return installComplete_ && !authDenied_; }
+
+  /// How much of the install that the page shows is done, from 0 to 1.
+  [[nodiscard]] double progress() const { return progress_.fraction(platform_.files.bytesCopied()); }
 
   /// Runs the whole install. What went wrong shows in authDenied() and fileOpErrorOccurred().
   void install(const HostList& hosts, bool shouldConfigureLumatraExternalEditors);
@@ -104,10 +108,34 @@ class InstallFilesController : public SetupStepController {
   void announce(std::initializer_list<std::string_view> keys, const std::function<void()>& change);
   [[nodiscard]] std::string localized(std::string_view key) const;
 
+  // What goes where.
+  struct ProductFolder {
+    std::vector<std::string> sources;
+    std::string target;
+  };
+  struct HostFiles {
+    std::vector<PlannedCopy> copies;
+    std::vector<bool> arePackages;
+  };
+  [[nodiscard]] std::string hostIndependentPayload() const;
+  [[nodiscard]] std::vector<PlannedCopy> hostIndependentPackages() const;
+  [[nodiscard]] std::vector<ProductFolder> productFolders() const;
+  /// Folders of the payload, and the host's folders that their content goes to.
+  [[nodiscard]] std::vector<PlannedCopy> payloadOf(const HostModel& host) const;
+  [[nodiscard]] HostFiles hostFilesFrom(const std::string& from, const std::string& to) const;
+
+  // What the page shows of the progress.
+  void planProgress(const HostList& hosts);
+  void planProgressOf(const std::string& source);
+  void showProgress();
+  void endProgress();
+
   // Copying.
   enum class Outcome { installed, failed, denied };
-  void installHostIndependentPackages(const std::string& root);
-  void installProductFolders(const std::string& root);
+  void installHostIndependentPackages();
+  void installProductFolders();
+  /// Puts one item in place and hands it over; false when there are no rights to be had.
+  [[nodiscard]] bool installItem(const std::string& source, const std::string& target, bool isReplacing);
   [[nodiscard]] bool mayReplace(const std::string& source, const std::string& target, bool isBundle,
                                 bool alwaysInstall) const;
   [[nodiscard]] Outcome putInPlace(const std::string& source, const std::string& target, bool isReplacing);
@@ -135,4 +163,5 @@ class InstallFilesController : public SetupStepController {
   std::unique_ptr<Authorization> authorization_;
   std::vector<std::string> installedPaths_;
   std::vector<std::string> failedPaths_;
+  mutable InstallProgress progress_;
 };

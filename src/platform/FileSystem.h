@@ -125,6 +125,16 @@ class FileSystem {
   /// this process may not remove the old item.
   virtual Status replaceItem(const std::string& source, const std::string& target) = 0;
 
+  /// Bytes of content copied so far, at their turn or ahead of it.
+  [[nodiscard]] virtual std::uint64_t bytesCopied() const = 0;
+
+  /// Bytes of content of the item and of everything below it, of what can be read.
+  [[nodiscard]] virtual std::uint64_t sizeOfItem(const std::string& path) const = 0;
+
+  /// Has `handler` called on this thread every few hundredths of a second while copyItem(), replaceItem() or
+  /// removeItem() take longer than that; an empty one ends it. The handler may ask for anything but changes.
+  virtual void setWhileBusy(std::function<void()> handler) = 0;
+
   /// Says which copies copyItem() and replaceItem() are about to be asked for, in this order; some may be left out. The
   /// file system may then build them ahead of their turn, under their hidden names. Only that makes a difference: what
   /// a copy that is asked for does, and how it fails, is the same with and without a plan, and one that is not asked

@@ -93,6 +93,26 @@ TEST_F(InstallSequenceTest, MovesOnByItselfFromThePage) {
   EXPECT_FALSE(controller_.successfulInstall());
 }
 
+TEST_F(InstallSequenceTest, ShowsHowFarItIs) {
+  writeFile(machine_.payload("HD/Applications/Studio.app/Contents/Large"), std::string(40'000'000, 'L'));
+  writeFile(machine_.payload("PHOTOSHOP_PLUGINS/Large.8li"), std::string(20'000'000, 'L'));
+  std::vector<double> shown;
+  main_.onProgress = [&] { shown.push_back(controller_.progress()); };
+  files_.fail(Call::copyItem, std::errc::io_error, 1);  // what fails is over with, too
+  machine_.authorizations.statusOfTool["/bin/cp"] = -1;
+  enter();
+  EXPECT_TRUE(std::ranges::is_sorted(shown));
+  EXPECT_EQ(shown.front(), 0);
+  EXPECT_EQ(shown.back(), 1);
+  const auto halfWay = [](double fraction) { return fraction > 0.5 && fraction < 0.95; };
+  EXPECT_TRUE(std::ranges::any_of(shown, halfWay)) << "the large bundle is done, the large file is not";
+
+  shown.clear();
+  controller_.didProceed(-1);
+  enter();
+  EXPECT_EQ(shown.front(), 0) << "a second install starts anew";
+}
+
 TEST_F(InstallSequenceTest, NeedsRights) {
   machine_.authorizations.canBeObtained = false;
   enter();

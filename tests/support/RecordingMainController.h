@@ -13,6 +13,7 @@ class RecordingMainController : public SetupMainController {
   HostList selected;
   std::string announced;  ///< "+key" for will-change, "-key" for did-change, "next" for the next page
   std::function<void()> onNextView = [] {};
+  std::function<void()> onProgress = [] {};  ///< the install's progress is announced too often to be told by `announced`
   bool isInstalled = false;
   bool isAllowed = false;
   bool isChosen = false;
@@ -36,6 +37,7 @@ class RecordingMainController : public SetupMainController {
 
  private:
   Observation own_ = observe([this](std::string_view key, Moment moment) {
+    if (key == "installProgress") return onProgress();
     announced += (moment == Moment::willChange ? "+" : "-") + std::string(key) + " ";
   });
 };

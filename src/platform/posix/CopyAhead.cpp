@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-CopyAhead::CopyAhead(const Volume& volume, std::vector<PlannedCopy> copies) : volume_(volume) {
+CopyAhead::CopyAhead(const Volume& volume, std::vector<PlannedCopy> copies, std::atomic<std::uint64_t>& copied)
+    : volume_(volume), copied_(copied) {
   entries_.reserve(copies.size());
   for (PlannedCopy& copy : copies) entries_.push_back({std::move(copy)});
   // The first is asked for at once, and is copied fastest by whoever asks.
@@ -71,7 +72,7 @@ void CopyAhead::work() {
     entry->state = State::inProgress;
     guard.unlock();
     // Alone: the other cores have copies of their own.
-    auto staged = StagedCopy::make(volume_, entry->copy.source, entry->copy.target, /*mostThreads=*/1);
+    auto staged = StagedCopy::make(volume_, entry->copy.source, entry->copy.target, /*mostThreads=*/1, copied_);
     guard.lock();
     entry->triedAt = turn_ + 1;
     entry->state = staged ? State::staged : State::waiting;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -16,7 +18,8 @@
 /// turn.
 class CopyAhead {
  public:
-  CopyAhead(const Volume& volume, std::vector<PlannedCopy> copies);
+  /// `copied` grows with the bytes that are copied; it must outlive this object.
+  CopyAhead(const Volume& volume, std::vector<PlannedCopy> copies, std::atomic<std::uint64_t>& copied);
   CopyAhead(const CopyAhead&) = delete;
   CopyAhead& operator=(const CopyAhead&) = delete;
   /// Waits for copies in progress; what was not taken is removed.
@@ -41,6 +44,7 @@ class CopyAhead {
   [[nodiscard]] Entry* nextToStage();
 
   const Volume& volume_;
+  std::atomic<std::uint64_t>& copied_;
   std::mutex mutex_;
   std::condition_variable changed_;
   std::vector<Entry> entries_;

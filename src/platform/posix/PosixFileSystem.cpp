@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
+#include <future>
 #include <thread>
 #include <utility>
 
@@ -255,7 +257,20 @@ Status PosixFileSystem::setAttributes(const std::string& path, const OwnershipAn
 Status PosixFileSystem::removeItem(const std::string& path) {
   const auto place = volume_.find(path, LastLink::keep, Purpose::change);
   if (!place) return place.error();
-  return removeTree(place->folder.get(), place->name);
+  return attended([&] { return removeTree(place->folder.get(), place->name); });
+}
+
+std::uint64_t PosixFileSystem::sizeOfItem(const std::string& path) const {
+  const auto place = volume_.find(path, LastLink::keep, Purpose::look);
+  return place ? sizeOfTree(place->folder.get(), place->name) : 0;
+}
+
+Status PosixFileSystem::attended(const std::function<Status()>& work) {
+  if (!whileBusy_) return work();
+  constexpr std::chrono::milliseconds pause(30);
+  std::future<Status> done = std::async(std::launch::async, work);
+  while (done.wait_for(pause) == std::future_status::timeout) whileBusy_();
+  return done.get();
 }
 
 // Copying.
@@ -273,7 +288,9 @@ Error withoutPermissionCode(Error error) {
 class PosixFileSystem::Plan : public CopyPlan {
  public:
   Plan(PosixFileSystem& files, std::vector<PlannedCopy> copies)
-      : files_(files), ahead_(files.volume_, std::move(copies)), before_(std::exchange(files.ahead_, &ahead_)) {}
+      : files_(files),
+        ahead_(files.volume_, std::move(copies), files.bytesCopied_),
+        before_(std::exchange(files.ahead_, &ahead_)) {}
   Plan(const Plan&) = delete;
   Plan& operator=(const Plan&) = delete;
   ~Plan() override { files_.ahead_ = before_; }
@@ -295,15 +312,23 @@ Result<StagedCopy> PosixFileSystem::stage(const std::string& source, const std::
   }
   constexpr unsigned mostUseful = 8;
   const unsigned threads = std::clamp(std::thread::hardware_concurrency(), 1U, mostUseful);
-  auto staged = StagedCopy::make(volume_, source, target, threads);
+  auto staged = StagedCopy::make(volume_, source, target, threads, bytesCopied_);
   if (!staged && ahead_ != nullptr && staged.error().is(std::errc::no_space_on_device)) {
     ahead_->stop();  // frees the room that copies before their turn have taken
-    return StagedCopy::make(volume_, source, target, threads);
+    return StagedCopy::make(volume_, source, target, threads, bytesCopied_);
   }
   return staged;
 }
 
 Status PosixFileSystem::copyItem(const std::string& source, const std::string& target) {
+  return attended([&] { return copyToFreeName(source, target); });
+}
+
+Status PosixFileSystem::replaceItem(const std::string& source, const std::string& target) {
+  return attended([&] { return replaceOldItem(source, target); });
+}
+
+Status PosixFileSystem::copyToFreeName(const std::string& source, const std::string& target) {
   const auto place = volume_.find(target, LastLink::keep, Purpose::change);
   if (!place) return place.error();
   struct stat status {};
@@ -315,7 +340,7 @@ Status PosixFileSystem::copyItem(const std::string& source, const std::string& t
   return std::move(*staged).putInPlace();
 }
 
-Status PosixFileSystem::replaceItem(const std::string& source, const std::string& target) {
+Status PosixFileSystem::replaceOldItem(const std::string& source, const std::string& target) {
   const auto place = volume_.find(target, LastLink::keep, Purpose::change);
   if (!place) return withoutPermissionCode(place.error());
   if (!mayRemoveTree(place->folder.get(), place->name)) return Error::posix(std::errc::permission_denied, target);

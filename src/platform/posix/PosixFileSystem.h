@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -31,6 +33,9 @@ class PosixFileSystem : public FileSystem {
   Status removeItem(const std::string& path) override;
   Status copyItem(const std::string& source, const std::string& target) override;
   Status replaceItem(const std::string& source, const std::string& target) override;
+  [[nodiscard]] std::uint64_t bytesCopied() const override { return bytesCopied_; }
+  [[nodiscard]] std::uint64_t sizeOfItem(const std::string& path) const override;
+  void setWhileBusy(std::function<void()> handler) override { whileBusy_ = std::move(handler); }
   [[nodiscard]] std::unique_ptr<CopyPlan> planCopies(std::vector<PlannedCopy> copies) override;
 
  private:
@@ -45,7 +50,14 @@ class PosixFileSystem : public FileSystem {
   /// The copy at its turn, made ahead or now.
   Result<StagedCopy> stage(const std::string& source, const std::string& target, const Volume::Place& place);
 
+  /// Does the work in a thread of its own while there is a handler to be called meanwhile.
+  Status attended(const std::function<Status()>& work);
+  Status copyToFreeName(const std::string& source, const std::string& target);
+  Status replaceOldItem(const std::string& source, const std::string& target);
+
   const Volume& volume_;
   const PosixUser& user_;
+  std::atomic<std::uint64_t> bytesCopied_ = 0;
+  std::function<void()> whileBusy_;
   CopyAhead* ahead_ = nullptr;  ///< of the plan that was made last and still lives
 };

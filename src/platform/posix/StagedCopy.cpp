@@ -49,7 +49,7 @@ bool cannotDoThat(int error) { return error == EINVAL || error == ENOSYS; }
 }  // namespace
 
 Result<StagedCopy> StagedCopy::make(const Volume& volume, const std::string& source, const std::string& target,
-                                    unsigned mostThreads) {
+                                    unsigned mostThreads, std::atomic<std::uint64_t>& bytes) {
   auto place = volume.find(target, Volume::LastLink::keep, Volume::Purpose::change);
   if (!place) return place.error();
   const auto from = volume.find(source, Volume::LastLink::keep, Volume::Purpose::look);
@@ -59,7 +59,7 @@ Result<StagedCopy> StagedCopy::make(const Volume& volume, const std::string& sou
     const std::string name = stagedName(place->name, attempt);
     if (!freeStagedName(folder, name)) continue;
     FileDescriptor lock;
-    const Status copied = copyTree({from->folder.get(), from->name, folder, name}, mostThreads, lock);
+    const Status copied = copyTree({from->folder.get(), from->name, folder, name}, mostThreads, bytes, lock);
     if (copied) return StagedCopy(std::move(*place), name, std::move(lock));
     if (copied.error().is(std::errc::file_exists)) continue;
     ignore(removeTree(folder, name));  // what is left of it goes with the next install

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <string>
 
 #include "foundation/Result.h"
@@ -20,9 +22,9 @@ inline constexpr int mostStagedNames = 10;
 /// A complete copy beside its place. Destroying it removes the copy, unless it was put in place.
 class StagedCopy {
  public:
-  /// Copies the item at `source` to beside `target`, with at most so many threads.
+  /// Copies the item at `source` to beside `target`, with at most so many threads; `bytes` grows with those copied.
   static Result<StagedCopy> make(const Volume& volume, const std::string& source, const std::string& target,
-                                 unsigned mostThreads);
+                                 unsigned mostThreads, std::atomic<std::uint64_t>& bytes);
 
   StagedCopy(StagedCopy&& other) noexcept = default;
   StagedCopy& operator=(StagedCopy&&) = delete;

@@ -33,17 +33,29 @@ int finish(int source, int target, const struct stat& status) {
   return ::futimens(target, times.data()) != 0 ? errno : 0;
 }
 
-int copyContent(int source, int target, const struct stat& status) {
+/// Copies the bytes in pieces, each of which is counted when it is there.
+int copyRange(int source, int target, off_t offset, off_t end, std::atomic<std::uint64_t>& copied) {
+  constexpr off_t piece = off_t{8} << 20U;
+  while (offset < end) {
+    const off_t length = std::min(piece, end - offset);
+    if (const int error = copyFileRange(source, target, offset, length)) return error;
+    copied += static_cast<std::uint64_t>(length);
+    offset += length;
+  }
+  return 0;
+}
+
+int copyContent(int source, int target, const struct stat& status, std::atomic<std::uint64_t>& copied) {
   const bool mayHaveHoles = status.st_blocks * 512 < status.st_size;
-  if (!mayHaveHoles) return copyFileRange(source, target, 0, status.st_size);
+  if (!mayHaveHoles) return copyRange(source, target, 0, status.st_size, copied);
   off_t offset = 0;
   while (offset < status.st_size) {
     const off_t data = ::lseek(source, offset, SEEK_DATA);
-    if (data < 0 && errno == ENXIO) break;                                  // a hole up to the end
-    if (data < 0) return copyFileRange(source, target, 0, status.st_size);  // the file system does not tell
+    if (data < 0 && errno == ENXIO) break;                                      // a hole up to the end
+    if (data < 0) return copyRange(source, target, 0, status.st_size, copied);  // the file system does not tell
     const off_t hole = ::lseek(source, data, SEEK_HOLE);
     const off_t end = hole < 0 ? status.st_size : hole;
-    if (const int error = copyFileRange(source, target, data, end - data)) return error;
+    if (const int error = copyRange(source, target, data, end, copied)) return error;
     offset = end;
   }
   return ::ftruncate(target, status.st_size) != 0 ? errno : 0;
@@ -51,7 +63,7 @@ int copyContent(int source, int target, const struct stat& status) {
 
 class TreeCopy {
  public:
-  explicit TreeCopy(unsigned mostThreads) : mostThreads_(mostThreads) {}
+  TreeCopy(unsigned mostThreads, std::atomic<std::uint64_t>& copied) : mostThreads_(mostThreads), copied_(copied) {}
 
   Status run(const CopyRequest& request, FileDescriptor& lock) {
     struct stat status {};
@@ -146,7 +158,7 @@ class TreeCopy {
         ::openat(targetFolder, targetName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!target) return fail(errno, targetName);
     if (lock != nullptr) *lock = locked(target.get());
-    int error = copyContent(source.get(), target.get(), status);
+    int error = copyContent(source.get(), target.get(), status, copied_);
     if (error == 0) error = finish(source.get(), target.get(), status);
     if (error != 0) fail(error, sourceName);
   }
@@ -226,6 +238,7 @@ class TreeCopy {
   }
 
   const unsigned mostThreads_;
+  std::atomic<std::uint64_t>& copied_;
   std::atomic<bool> failed_ = false;
   std::mutex mutex_;
   std::condition_variable changed_;
@@ -237,8 +250,9 @@ class TreeCopy {
 
 }  // namespace
 
-Status copyTree(const CopyRequest& request, unsigned mostThreads, FileDescriptor& lock) {
-  return TreeCopy(mostThreads).run(request, lock);
+Status copyTree(const CopyRequest& request, unsigned mostThreads, std::atomic<std::uint64_t>& copied,
+                FileDescriptor& lock) {
+  return TreeCopy(mostThreads, copied).run(request, lock);
 }
 
 Status removeTree(int folder, const std::string& name) {
@@ -278,4 +292,16 @@ bool mayRemoveTree(int folder, const std::string& name) {
   if (!entries) return false;
   return std::ranges::all_of(*entries,
                              [&](const FolderEntry& entry) { return mayRemoveTree(inner.get(), entry.name); });
+}
+
+std::uint64_t sizeOfTree(int folder, const std::string& name) {
+  struct stat status {};
+  if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return 0;
+  if (S_ISREG(status.st_mode)) return static_cast<std::uint64_t>(status.st_size);
+  if (!S_ISDIR(status.st_mode)) return 0;
+  const FileDescriptor inner(::openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (!inner) return 0;
+  std::uint64_t size = 0;
+  for (const FolderEntry& entry : listFolder(inner.get()).valueOr({})) size += sizeOfTree(inner.get(), entry.name);
+  return size;
 }
