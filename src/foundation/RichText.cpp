@@ -13,19 +13,24 @@ void RichText::append(std::string_view text, const Attributes& attributes) {
   }
 }
 
-bool RichText::replaceFirst(std::string_view what, std::string_view with) {
-  const std::size_t found = what.empty() ? std::string::npos : text_.find(what);
+bool RichText::replaceOccurrences(std::string_view what, std::string_view with) {
+  std::size_t found = what.empty() ? std::string::npos : text_.find(what);
   if (found == std::string::npos) return false;
   RichText result;
-  std::size_t start = 0;
+  std::size_t next = 0;  // what stands before it is in the result, or has been replaced
+  std::size_t end = 0;
   for (const Run& run : runs_) {
-    const std::size_t end = start + run.length;
-    const std::string_view text = text_;
-    if (start < found) result.append(text.substr(start, std::min(end, found) - start), run.attributes);
-    if (start <= found && found < end) result.append(with, run.attributes);
-    const std::size_t after = std::max(start, found + what.size());
-    if (after < end) result.append(text.substr(after, end - after), run.attributes);
-    start = end;
+    end += run.length;
+    while (next < end) {
+      const std::size_t kept = std::min(end, found);
+      if (next < kept) result.append(std::string_view(text_).substr(next, kept - next), run.attributes);
+      next = std::max(next, kept);
+      if (next == found) {
+        result.append(with, run.attributes);
+        next = found + what.size();
+        found = text_.find(what, next);
+      }
+    }
   }
   *this = std::move(result);
   return true;

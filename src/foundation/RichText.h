@@ -47,9 +47,9 @@ class RichText {
 
   void append(std::string_view text, const Attributes& attributes);
 
-  /// Replaces the first occurrence; what comes in has the attributes of the first character that goes. False when there
-  /// is no occurrence.
-  bool replaceFirst(std::string_view what, std::string_view with);
+  /// Replaces every occurrence that is there now; what comes in has the attributes of the first character that goes.
+  /// False when there is no occurrence.
+  bool replaceOccurrences(std::string_view what, std::string_view with);
 
   bool operator==(const RichText&) const = default;
 

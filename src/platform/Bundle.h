@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -29,6 +30,11 @@ class Bundle {
   [[nodiscard]] std::string localizedString(std::string_view key) const {
     return localizedString(key, "", "Localizable");
   }
+
+  /// The file NAME.TYPE of the resources, in the first of the user's languages that has one, else in English, else
+  /// outside the languages; nothing when there is none.
+  [[nodiscard]] virtual std::optional<std::string> pathForResource(std::string_view name,
+                                                                   std::string_view type) const = 0;
 };
 
 class Bundles {

@@ -32,7 +32,9 @@ class Workspace {
   /// Display names of the applications that run now, whoever started them, in the order in which they were started.
   [[nodiscard]] virtual std::vector<std::string> launchedApplications() const = 0;
 
-  /// Has `handler` called from a run of the run loop, once for each application that ends from now on.
+  /// Has `handler` called from a run of the run loop, once for each application that ends from now on, and for each
+  /// that launchedApplications() last named and that has ended since. launchedApplications() leaves the application out
+  /// by then.
   [[nodiscard]] virtual Observation observeTerminations(TerminationHandler handler) = 0;
 
   /// Starts the application bundle at the path of the target volume as a new, hidden instance; null when it cannot be

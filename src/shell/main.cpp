@@ -6,6 +6,7 @@
 #include "platform/SystemPlatform.h"
 #include "shell/CommandLine.h"
 #include "shell/QuietInstall.h"
+#include "shell/Wizard.h"
 
 namespace {
 
@@ -20,6 +21,10 @@ int complain(std::string_view what, int status) {
   return status;
 }
 
+int complainOfWindow(const Error& error) {
+  return complain("no window: " + error.description() + "; -quiet installs without one", statusUnavailable);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -27,10 +32,16 @@ int main(int argc, char** argv) {
   const CommandLine line = parseCommandLine(arguments);
   if (!line.problem.empty()) return complain(line.problem, statusUsage);
 
-  auto system = makeSystemPlatform(line.target, Surface::console);
-  if (!system) return complain(system.error().description(), statusNoInput);
+  auto system = makeSystemPlatform(line.target, line.isQuiet ? Surface::console : Surface::window);
+  if (!system) {
+    const bool isWindowMissing = system.error().domain == noWindowDomain;
+    return isWindowMissing ? complainOfWindow(system.error()) : complain(system.error().description(), statusNoInput);
+  }
 
-  if (!line.isQuiet) return complain("there is no window yet; -quiet installs without one", statusUnavailable);
-  runQuietInstall(**system, std::cout);
-  return statusOk;
+  if (line.isQuiet) {
+    runQuietInstall(**system, std::cout);
+    return statusOk;
+  }
+  const Status shown = runWizard((*system)->platform());
+  return shown ? statusOk : complainOfWindow(shown.error());
 }

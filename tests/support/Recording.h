@@ -89,12 +89,17 @@ class RecordingWindow : public Window {
 class RecordingInterface : public Interface {
  public:
   struct Parts {
-    std::map<std::string, std::shared_ptr<RecordingView>> views;
+    std::string name;
+    std::map<std::string, Rect> frames;
+    std::map<std::string, std::shared_ptr<RecordingView>> views = {};
     std::shared_ptr<RecordingWindow> window = std::make_shared<RecordingWindow>();
     /// The view of the name, made when it is first asked for.
-    std::shared_ptr<RecordingView> view(const std::string& name) {
-      auto& found = views[name];
-      if (found == nullptr) found = RecordingView::make();
+    std::shared_ptr<RecordingView> view(const std::string& viewName) {
+      auto& found = views[viewName];
+      if (found == nullptr) {
+        found = RecordingView::make();
+        if (frames.contains(viewName)) found->place = frames.at(viewName);
+      }
       return found;
     }
   };
@@ -129,8 +134,9 @@ class RecordingToolkit : public Toolkit {
   AlertAnswer answer = AlertAnswer::defaultButton;
   std::vector<OpenPanel> panels;
   std::optional<std::string> chosenFolder = std::nullopt;
-  /// What was made of each interface description, the last one by its name.
-  std::map<std::string, std::shared_ptr<RecordingInterface::Parts>> interfaces;
+  /// What was made of the interface descriptions, in order.
+  std::vector<std::shared_ptr<RecordingInterface::Parts>> interfaces;
+  std::map<std::string, Rect> frames;  ///< of views that are going to be made
   std::set<std::string> missingInterfaces;
   ApplicationDelegate* delegate = nullptr;
 
@@ -140,8 +146,8 @@ class RecordingToolkit : public Toolkit {
   }
   Result<std::unique_ptr<Interface>> loadInterface(const std::string& name, InterfaceOwner& /*owner*/) override {
     if (missingInterfaces.contains(name)) return Error::posix(std::errc::no_such_file_or_directory, name);
-    auto parts = std::make_shared<RecordingInterface::Parts>();
-    interfaces[name] = parts;
+    auto parts = std::make_shared<RecordingInterface::Parts>(RecordingInterface::Parts{.name = name, .frames = frames});
+    interfaces.push_back(parts);
     return std::unique_ptr<Interface>(std::make_unique<RecordingInterface>(parts));
   }
   Picture imageNamed(const std::string& name) override { return std::make_shared<RecordingImage>(name); }

@@ -13,7 +13,8 @@ class RecordingMainController : public SetupMainController {
   HostList selected;
   std::string announced;  ///< "+key" for will-change, "-key" for did-change, "next" for the next page
   std::function<void()> onNextView = [] {};
-  std::function<void()> onProgress = [] {};  ///< the install's progress is announced too often to be told by `announced`
+  std::function<void()> onProgress = [] {
+  };  ///< the install's progress is announced too often to be told by `announced`
   bool isInstalled = false;
   bool isAllowed = false;
   bool isChosen = false;

@@ -50,14 +50,28 @@ const BundleOnDisk::Texts& BundleOnDisk::textsOfTable(std::string_view table) co
   return tables_.emplace(table, readTable(table)).first->second;
 }
 
-BundleOnDisk::Texts BundleOnDisk::readTable(std::string_view table) const {
+std::vector<std::string> BundleOnDisk::pathsOfResource(std::string_view name, std::string_view type) const {
   std::vector<std::string> folders;
   for (const std::string& language : user_.preferredLanguages()) folders.push_back(language + ".lproj");
   folders.emplace_back("en.lproj");
   folders.emplace_back("Base.lproj");
-  folders.emplace_back("");  // a table for all languages
-  for (const std::string& folder : folders) {
-    if (auto texts = readTableFile(joinPath({resourcePath(), folder, std::string(table) + ".strings"}))) return *texts;
+  folders.emplace_back("");  // for all languages
+  for (std::string& folder : folders) {
+    folder = joinPath({resourcePath(), folder, std::string(name) + "." + std::string(type)});
+  }
+  return folders;
+}
+
+std::optional<std::string> BundleOnDisk::pathForResource(std::string_view name, std::string_view type) const {
+  for (const std::string& path : pathsOfResource(name, type)) {
+    if (files_.exists(path)) return path;
+  }
+  return std::nullopt;
+}
+
+BundleOnDisk::Texts BundleOnDisk::readTable(std::string_view table) const {
+  for (const std::string& path : pathsOfResource(table, "strings")) {
+    if (auto texts = readTableFile(path)) return *texts;
   }
   log_.write(formatted("No strings table %@ in %@", table, path_));
   return {};

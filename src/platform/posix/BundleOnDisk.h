@@ -24,10 +24,13 @@ class BundleOnDisk : public Bundle {
   using Bundle::localizedString;
   [[nodiscard]] std::string localizedString(std::string_view key, std::string_view fallback,
                                             std::string_view table) const override;
+  [[nodiscard]] std::optional<std::string> pathForResource(std::string_view name, std::string_view type) const override;
 
  private:
   using Texts = std::map<std::string, std::string, std::less<>>;
   [[nodiscard]] const Texts& textsOfTable(std::string_view table) const;
+  /// Where a resource may lie, in the order in which its places are looked at.
+  [[nodiscard]] std::vector<std::string> pathsOfResource(std::string_view name, std::string_view type) const;
   [[nodiscard]] Texts readTable(std::string_view table) const;
   [[nodiscard]] std::optional<Texts> readTableFile(const std::string& path) const;
   [[nodiscard]] Value readInfo() const;

@@ -1,0 +1,179 @@
+#include "hosts/HostsController.h"
+
+#include <utility>
+
+#include "foundation/Path.h"
+#include "settings/BundleUserDefaults.h"
+
+namespace {
+
+constexpr const char* customPathKey = "customPath";
+
+void setHidden(const std::shared_ptr<View>& view, bool isHidden) {
+  if (view != nullptr) view->setHidden(isHidden);
+}
+
+}  // namespace
+
+void HostsController::didEnterWithModel(std::shared_ptr<SetupStepModel> model, std::shared_ptr<View> withView,
+                                        SetupMainController* withMainController, std::int32_t /*direction*/) {
+  mainController_ = withMainController;
+  model_ = std::dynamic_pointer_cast<HostsModel>(std::move(model));
+  view_ = withView;
+  const HostList found = mainController_->foundHosts();
+  if (found.empty() && !mainController_->isCustomInstallAllowed() && !mainController_->customInstallRecommended()) {
+    mainController_->nextView(this);  // leaves this page, which lets go of the view
+    setHidden(withView, true);
+    return;
+  }
+  const bool isOnlyCustomHost =
+      found.size() == 1 && dynamic_cast<const UnknownHostModel*>(found.front().get()) != nullptr;
+  if (found.empty() || isOnlyCustomHost) return openCustomScreenOnEntry();
+  show(view_, customInstallView_);
+}
+
+void HostsController::openCustomScreenOnEntry() {
+  if (customInstallView_ != nullptr) return show(customInstallView_, view_);
+  show(view_, nullptr);  // what is left when there is no custom screen to be had
+  goToCustomScreen();
+}
+
+void HostsController::didProceed(std::int32_t /*delta*/) {
+  setHidden(currentView(), true);
+  for (const auto& host : mainController_->selectedHosts()) {
+    const auto custom = std::dynamic_pointer_cast<UnknownHostModel>(host);
+    if (custom == nullptr) continue;
+    // There is never a host to take scripts and panels from, chosen or not.
+    custom->setShouldInstallPanels(false);
+    custom->setShouldInstallScripts(false);
+    if (!installPluginForCustomInstall_) custom->setShouldInstallPlugIns(false);
+    auto settings = BundleUserDefaults::initWithPersistentDomainName(platform_, installerPreferencesDomain);
+    settings.setObject(custom->plugInPath(), customPathKey);
+  }
+  model_.reset();
+  view_.reset();
+}
+
+bool HostsController::showsCustomScreen() const {
+  return customInstallView_ != nullptr && currentView() == customInstallView_;
+}
+
+bool HostsController::enableForward() const {
+  if (!showsCustomScreen()) return true;
+  if (installPluginForCustomInstall_ && (customHost_ == nullptr || customHost_->plugInPath().empty())) return false;
+  const bool isAnythingChosen =
+      installScriptsAndPanelsChosen_ || installPluginForCustomInstall_ || installPlugin64ForCustomInstall_;
+  return isAnythingChosen && enableForward_;
+}
+
+void HostsController::buttonPressed(const std::string& /*sender*/) { goToCustomScreen(); }
+
+bool HostsController::overrideBackButton(const std::string& /*sender*/) {
+  if (!showsCustomScreen()) return false;
+  undoCustomScreen();
+  return true;
+}
+
+bool HostsController::willBranch(std::int32_t direction) const {
+  if (customHost_ == nullptr) return false;
+  if (showsCustomScreen()) return direction < 0;
+  return currentView() == view_ && direction > 0;
+}
+
+void HostsController::goToCustomScreen() {
+  mainController_->willChangeValueForKey("enableForward");
+  if (customHost_ == nullptr) makeCustomHost();
+  mainController_->didChangeValueForKey("enableForward");
+  mainController_->setIsCustomInstallChosen(true);
+  proceedInBranch(1);
+}
+
+void HostsController::makeCustomHost() {
+  const auto settings = BundleUserDefaults::initWithPersistentDomainName(platform_, installerPreferencesDomain);
+  customHost_ = UnknownHostModel::initWithPlugInPath(platform_, settings.objectForKey(customPathKey).text());
+  customHost_->setHostIsSelected(true);
+  for (const auto& host : mainController_->foundHosts()) host->setHostIsSelected(false);
+  mainController_->customHostAdded(customHost_);
+}
+
+void HostsController::undoCustomScreen() {
+  const HostList found = mainController_->foundHosts();
+  mainController_->customHostRemoved(customHost_);
+  customHost_.reset();
+  for (const auto& host : found) host->setHostIsSelected(true);
+  proceedInBranch(1);
+}
+
+void HostsController::proceedInBranch(std::int32_t /*direction*/) {
+  willChangeValueForKey("customPath");
+  willChangeValueForKey("customPath64");
+  mainController_->willChangeValueForKey("enableForward");
+  if (currentView() != view_) {
+    show(view_, customInstallView_);
+    mainController_->setIsCustomInstallChosen(false);
+  } else {
+    if (customInstallView_ == nullptr && !loadCustomScreen()) return;
+    show(customInstallView_, view_);
+  }
+  didChangeValueForKey("customPath");
+  didChangeValueForKey("customPath64");
+  mainController_->didChangeValueForKey("enableForward");
+}
+
+bool HostsController::loadCustomScreen() {
+  if (scriptsOrPanelsHosts().empty()) installScriptsAndPanelsChosen_ = false;
+  auto loaded = platform_.toolkit.loadInterface("CustomInstall", *this);
+  if (!loaded) {
+    platform_.log.write(loaded.error().description());
+    return false;
+  }
+  auto customView = (*loaded)->view("customInstallView");
+  if (customView == nullptr) {
+    platform_.log.write("There is no customInstallView in CustomInstall");
+    return false;
+  }
+  customInterface_ = std::move(*loaded);
+  customInstallView_ = std::move(customView);
+  if (const auto parent = view_->superview()) parent->addSubview(customInstallView_);
+  return true;
+}
+
+void HostsController::show(const std::shared_ptr<View>& shown, const std::shared_ptr<View>& hidden) {
+  setHidden(hidden, true);
+  setHidden(shown, false);
+  currentView_ = shown;
+}
+
+void HostsController::browseButtonPressed(const std::string& /*sender*/) {
+  const auto chosen = platform_.toolkit.runOpenPanel(browsePanel());
+  if (!chosen) return;
+  willChangeValueForKey("customPath");
+  mainController_->willChangeValueForKey("enableForward");
+  if (customHost_ != nullptr) customHost_->setPlugInPath(*chosen);
+  didChangeValueForKey("customPath");
+  mainController_->didChangeValueForKey("enableForward");
+}
+
+OpenPanel HostsController::browsePanel() const {
+  const Bundle& bundle = platform_.bundles.mainBundle();
+  const std::string folder = customHost_ != nullptr ? customHost_->plugInPath() : "";
+  return {.title = bundle.localizedString("browse_path_title"),
+          .message = bundle.localizedString("browse_path_msg"),
+          .prompt = bundle.localizedString("browse_path_prompt"),
+          .startFolder = !folder.empty() ? folder : platform_.folders.homeDirectory(),
+          .shouldShowFilename = [this](const std::string& path) { return panel(path); }};
+}
+
+bool HostsController::panel(const std::string& shouldShowFilename) const {
+  const auto attributes = platform_.files.attributesOfItem(shouldShowFilename);
+  if (!attributes || attributes->type != ItemType::folder) return false;
+  return !platform_.files.exists(joinPath(shouldShowFilename, "Contents"));
+}
+
+void HostsController::checkboxClicked(const std::string& /*sender*/) {
+  mainController_->willChangeValueForKey("enableForward");
+  mainController_->didChangeValueForKey("enableForward");
+  if (!mainController_->isCustomInstallChosen()) return;
+  mainController_->setIsCustomInstallChosen(false);
+  mainController_->setIsCustomInstallAllowed(false);
+}

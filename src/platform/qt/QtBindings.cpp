@@ -1,0 +1,214 @@
+#include "platform/qt/QtBindings.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QListWidget>
+#include <QTextEdit>
+#include <QWidget>
+#include <utility>
+
+#include "foundation/Exception.h"
+#include "foundation/Format.h"
+#include "platform/qt/QtText.h"
+
+namespace {
+
+std::string_view lastKey(std::string_view path) { return path.substr(path.rfind('.') + 1); }
+
+bool isTyped(const QKeyEvent& event) {
+  const auto commands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+  return (event.modifiers() & commands) == 0 && !event.text().isEmpty() &&
+         (event.text().at(0).isPrint() || event.text().at(0) == '\r');
+}
+
+}  // namespace
+
+QtBindings::QtBindings(QObject& top, InterfaceOwner& owner, BindingServices services)
+    : owner_(owner), services_(std::move(services)) {
+  observe(owner_);
+  connectControl(top);
+  for (QObject* const control : top.findChildren<QObject*>()) connectControl(*control);
+  for (std::size_t i = 0; i < bindings_.size(); ++i) show(i);
+}
+
+void QtBindings::connectControl(QObject& control) {
+  for (const QByteArray& name : control.dynamicPropertyNames()) {
+    const QVariant value = control.property(name);
+    if (name.startsWith("_q_") || value.userType() != QMetaType::QString) continue;
+    connectProperty(control, name.toStdString(), fromQt(value.toString()));
+  }
+}
+
+void QtBindings::connectProperty(QObject& control, const std::string& property, const std::string& value) {
+  if (property == "action") {
+    connectAction(control, value);
+  } else if (property == "imageName") {
+    auto* const label = qobject_cast<QLabel*>(&control);
+    const Picture picture = label != nullptr ? services_.imageNamed(value) : nullptr;
+    if (picture == nullptr) return complain(control, "no picture named " + value);
+    makeBinding("bindImage", control)(picture);
+  } else if (property.starts_with("bind")) {
+    bind(control, property, value);
+  } else if (property.ends_with("Key")) {
+    showLocalizedText(control, property, value);
+  }
+}
+
+void QtBindings::bind(QObject& control, const std::string& property, const std::string& value) {
+  Binding binding;
+  binding.property = property;
+  binding.path = value;
+  binding.control = &control;
+  binding.isNegated = value.starts_with('!');
+  if (binding.isNegated) binding.path.erase(0, 1);
+  binding.show = property == "bindRows" ? makeRowsBinding(control, services_.imageNamed("GenericApplication"))
+                                        : makeBinding(property, control);
+  if (!binding.show) return complain(control, "has no " + property);
+  const std::size_t index = bindings_.size();
+  bindings_.push_back(std::move(binding));
+  resolve(bindings_.back());
+
+  if (property == "bindTicked") {
+    if (auto* const action = qobject_cast<QAction*>(&control)) {
+      connect(action, &QAction::triggered, this, [this, index] { setBack(index); });
+    } else if (auto* const button = qobject_cast<QAbstractButton*>(&control)) {
+      connect(button, &QAbstractButton::clicked, this, [this, index] { setBack(index); });
+    }
+  } else if (property == "bindRows") {
+    auto* const list = qobject_cast<QListWidget*>(&control);
+    connect(list, &QListWidget::itemChanged, this, [this, index, list](const QListWidgetItem* item) {
+      Binding& rows = bindings_[index];
+      const auto row = static_cast<std::size_t>(list->row(item));
+      const bool isTicked = item->checkState() == Qt::Checked;
+      if (rows.object != nullptr) {
+        attempt(*list, [&] { rows.object->setTicked(lastKey(rows.path), row, isTicked); });
+      }
+      // The list is in the middle of telling; what the owner made of the tick is shown afterwards.
+      QMetaObject::invokeMethod(
+          this, [this, index] { show(index); }, Qt::QueuedConnection);
+    });
+  } else if (auto* const edit = qobject_cast<QTextEdit*>(&control); edit != nullptr && property == "bindText") {
+    edit->setReadOnly(true);
+    edit->installEventFilter(this);
+  }
+}
+
+void QtBindings::showLocalizedText(QObject& control, const std::string& property, const std::string& key) {
+  const std::string binding = property == "textKey" ? "bindText" : property == "nameKey" ? "bindName" : "";
+  const ShowValue show = makeBinding(binding, control);
+  if (!show) return complain(control, "has no " + property);
+  show(services_.bundle.localizedString(key));
+}
+
+void QtBindings::connectAction(QObject& control, const std::string& action) {
+  const auto perform = [this, action, sender = &control] { this->perform(action, *sender); };
+  if (auto* const item = qobject_cast<QAction*>(&control)) {
+    connect(item, &QAction::triggered, this, perform);
+  } else if (auto* const button = qobject_cast<QAbstractButton*>(&control)) {
+    connect(button, &QAbstractButton::clicked, this, perform);
+  } else {
+    complain(control, "sends no actions");
+  }
+}
+
+void QtBindings::setBack(std::size_t index) {
+  const Binding& binding = bindings_[index];
+  const auto* const action = qobject_cast<const QAction*>(binding.control);
+  const auto* const button = qobject_cast<const QAbstractButton*>(binding.control);
+  const bool isTicked = action != nullptr ? action->isChecked() : button != nullptr && button->isChecked();
+  if (binding.object != nullptr) {
+    attempt(*binding.control,
+            [&] { binding.object->setShownValue(lastKey(binding.path), isTicked != binding.isNegated); });
+  }
+  show(index);
+}
+
+void QtBindings::resolve(Binding& binding) {
+  binding.object = &owner_;
+  std::string_view rest = binding.path;
+  attempt(*binding.control, [&] {
+    for (std::size_t end = 0; binding.object != nullptr && (end = rest.find('.')) != std::string_view::npos;) {
+      InterfaceOwner* const holder = std::exchange(binding.object, nullptr);
+      binding.object = holder->objectForKey(rest.substr(0, end));
+      rest.remove_prefix(end + 1);
+    }
+  });
+  if (binding.object != nullptr) observe(*binding.object);
+}
+
+void QtBindings::observe(InterfaceOwner& object) {
+  auto& observation = observations_[&object];
+  if (observation != nullptr) return;
+  observation = object.observe([this, &object](std::string_view key, KeyValueObserving::Moment moment) {
+    if (moment == KeyValueObserving::Moment::didChange) changed(object, key);
+  });
+}
+
+void QtBindings::changed(const InterfaceOwner& object, std::string_view key) {
+  const QPointer<QtBindings> alive(this);  // reading a property may end it all
+  for (std::size_t i = 0; alive != nullptr && i < bindings_.size(); ++i) {
+    Binding& binding = bindings_[i];
+    if (binding.control == nullptr) continue;
+    const bool leadsThere = &object == &owner_ && binding.path.starts_with(std::string(key) + '.');
+    if (leadsThere) resolve(binding);
+    if (leadsThere || (binding.object == &object && lastKey(binding.path) == key)) show(i);
+  }
+}
+
+void QtBindings::show(std::size_t index) {
+  Binding& binding = bindings_[index];
+  if (binding.control == nullptr) return;
+  ShownValue value;
+  const bool couldRead = attempt(*binding.control, [&] {
+    if (binding.object != nullptr) value = binding.object->shownValue(lastKey(binding.path));
+  });
+  if (!couldRead) return;
+  if (auto* const flag = std::get_if<bool>(&value)) *flag = *flag != binding.isNegated;
+  if (binding.control == nullptr || binding.show(value)) return;
+  complain(*binding.control, formatted("%@ cannot show the value of %@", binding.property, binding.path));
+}
+
+void QtBindings::perform(const std::string& action, const QObject& sender) {
+  const QPointer<QtBindings> alive(this);
+  const std::string name = fromQt(sender.objectName());
+  try {
+    owner_.performAction(action, name);
+  } catch (const UnknownKey&) {
+    if (alive != nullptr && !services_.performOwnAction(action)) {
+      complain(sender, formatted("nobody performs %@", action));
+    }
+  } catch (const Exception& exception) {
+    if (alive != nullptr) complain(sender, exception.what());
+  }
+}
+
+bool QtBindings::attempt(const QObject& control, const std::function<void()>& what) {
+  try {
+    what();
+    return true;
+  } catch (const Exception& exception) {
+    complain(control, exception.what());
+    return false;
+  }
+}
+
+void QtBindings::complain(const QObject& control, std::string_view what) {
+  std::string line =
+      formatted("Interface %@, control \"%@\": %@", services_.interfaceName, fromQt(control.objectName()), what);
+  const auto [complaint, isNew] = complaints_.insert(std::move(line));
+  if (isNew) services_.log.write(*complaint);
+}
+
+bool QtBindings::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::KeyPress) return QObject::eventFilter(watched, event);
+  const auto& key = static_cast<const QKeyEvent&>(*event);
+  if (!isTyped(key)) return QObject::eventFilter(watched, event);
+  const bool isReturn = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+  const std::string typed = isReturn ? "\n" : fromQt(key.text());
+  // Texts are only read, whatever the owner answers.
+  attempt(*watched, [&] { static_cast<void>(owner_.textShouldChange(typed)); });
+  return isReturn;
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/Bundle.h"
+#include "platform/InterfaceOwner.h"
+#include "platform/Log.h"
+#include "platform/qt/QtControls.h"
+
+/// What the bindings of an interface need besides its owner.
+struct BindingServices {
+  std::string interfaceName;  ///< for the log
+  const Bundle& bundle;
+  Log& log;
+  std::function<Picture(const std::string& name)> imageNamed;
+  /// Does what the application does itself ("quit:", say) for an owner that does not; false when it does not either.
+  std::function<bool(const std::string& action)> performOwnAction;
+};
+
+/// Connects the controls of an interface to its owner, as their dynamic properties say: they show its properties, set
+/// them, and send its actions. docs/making-an-installer.md lists the names. What a description asks for and does not
+/// get costs one line of the log each.
+class QtBindings : public QObject {
+ public:
+  QtBindings(QObject& top, InterfaceOwner& owner, BindingServices services);
+
+ private:
+  struct Binding {
+    std::string property;
+    std::string path;  ///< keys joined by full stops
+    bool isNegated = false;
+    QPointer<QObject> control;
+    ShowValue show;
+    InterfaceOwner* object = nullptr;  ///< who has the last key of the path
+  };
+
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void connectControl(QObject& control);
+  void connectProperty(QObject& control, const std::string& property, const std::string& value);
+  void bind(QObject& control, const std::string& property, const std::string& value);
+  void showLocalizedText(QObject& control, const std::string& property, const std::string& key);
+  void connectAction(QObject& control, const std::string& action);
+  void setBack(std::size_t binding);
+
+  void show(std::size_t binding);
+  void resolve(Binding& binding);
+  void observe(InterfaceOwner& object);
+  void changed(const InterfaceOwner& object, std::string_view key);
+  void perform(const std::string& action, const QObject& sender);
+  /// Writes one line, the first time that there is this to say.
+  void complain(const QObject& control, std::string_view what);
+  /// Does what the owner may refuse by an exception; false, and a line of the log, when it did.
+  bool attempt(const QObject& control, const std::function<void()>& what);
+
+  InterfaceOwner& owner_;
+  BindingServices services_;
+  std::vector<Binding> bindings_;
+  std::map<const InterfaceOwner*, KeyValueObserving::Observation> observations_;
+  std::set<std::string> complaints_;
+};

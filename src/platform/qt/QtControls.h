@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QObject>
+#include <functional>
+
+#include "platform/InterfaceOwner.h"
+
+/// What binds one control to one property: shows its value, and is false for a value that the control cannot show.
+using ShowValue = std::function<bool(const ShownValue& value)>;
+
+/// The binding with the name (bindText, bindEnabled, …) for the control; empty when there is none of that name for that
+/// kind of control.
+[[nodiscard]] ShowValue makeBinding(const std::string& name, QObject& control);
+
+/// Fills a list with rows; what is selected stays selected, and rows that only change their ticks stay in their place.
+/// `genericPicture` stands in for a row without one.
+[[nodiscard]] ShowValue makeRowsBinding(QObject& control, const Picture& genericPicture);

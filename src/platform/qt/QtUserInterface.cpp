@@ -1,0 +1,34 @@
+#include "platform/qt/QtUserInterface.h"
+
+#include <QFont>
+
+#include "foundation/Value.h"
+#include "platform/qt/Display.h"
+#include "platform/qt/QtStyle.h"
+#include "platform/qt/QtText.h"
+
+namespace {
+
+constexpr int textSize = 13;
+
+}  // namespace
+
+std::unique_ptr<QtUserInterface> QtUserInterface::make(const WindowServices& services, std::string& problem) {
+  problem = problemWithDisplay();
+  if (!problem.empty()) return nullptr;
+  return std::unique_ptr<QtUserInterface>(new QtUserInterface(services));
+}
+
+QtUserInterface::QtUserInterface(const WindowServices& services) : messages_(services.log) {
+  const Bundle& bundle = services.bundles.mainBundle();
+  QApplication::setApplicationDisplayName(toQt(bundle.infoValue("CFBundleName").text()));
+  QApplication::setQuitOnLastWindowClosed(false);  // the delegate is asked
+  const Appearance appearance = wantedAppearance(QApplication::palette());
+  QApplication::setStyle(new QtStyle);
+  QApplication::setPalette(paletteFor(appearance));
+  // The system's font, in the size that the descriptions are laid out for.
+  QFont font = QApplication::font();
+  font.setPixelSize(textSize);
+  QApplication::setFont(font);
+  toolkit_ = std::make_unique<QtToolkit>(services);
+}

@@ -1,0 +1,35 @@
+#include "shell/InstallStateController.h"
+
+#include "shell/contract/SetupStepController.h"
+
+std::shared_ptr<InstallStateController> InstallStateController::initWithInstallType(NotificationCenter& notifications,
+                                                                                    std::int32_t type) {
+  return std::shared_ptr<InstallStateController>(new InstallStateController(notifications, type));
+}
+
+void InstallStateController::gotoStartingState(SetupMainController* /*mainController*/) {
+  changeState(step::license, step::none);
+}
+
+void InstallStateController::advanceStateWithStepController(SetupStepController* stepController,
+                                                            SetupMainController* /*mainController*/) {
+  if (stepController == nullptr || !stepController->canProceed(+1)) return;
+  const std::int32_t old = currentState_;
+  // Written out although it is the next number: the installation must lead to the completion, whatever comes between.
+  changeState(old == step::installation ? step::completion : old + 1, old);
+}
+
+void InstallStateController::retreatStateWithStepController(SetupStepController* stepController,
+                                                            SetupMainController* /*mainController*/) {
+  const std::int32_t old = currentState_;
+  if (stepController == nullptr || !stepController->canProceed(-1)) return;
+  // Back from the completion leads to another choice of hosts.
+  changeState(old == step::completion ? step::hosts : old - 1, old);
+}
+
+void InstallStateController::changeState(std::int32_t newState, std::int32_t oldState) {
+  currentState_ = newState;
+  notifications_.post({.name = std::string(stateDidChangeNotification),
+                       .object = this,
+                       .userInfo = {{std::string(oldStateKey), Value(std::int64_t{oldState})}}});
+}

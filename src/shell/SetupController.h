@@ -1,0 +1,169 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "foundation/NotificationCenter.h"
+#include "hosts/HostsController.h"
+#include "hosts/HostsModel.h"
+#include "install/InstallFilesController.h"
+#include "platform/Platform.h"
+#include "shell/InstallStateController.h"
+#include "shell/SetupViewModel.h"
+#include "shell/StepIndicator.h"
+#include "shell/contract/SetupMainController.h"
+#include "steps/ApertureRunController.h"
+#include "steps/ApertureRunModel.h"
+#include "steps/LicenseController.h"
+#include "steps/LicenseModel.h"
+#include "steps/RegisterController.h"
+#include "steps/RegisterModel.h"
+#include "steps/RunningHostViewController.h"
+#include "steps/RunningHostViewModel.h"
+
+/// Owns the wizard's window and its pages, leads from one page to the next, and publishes what the window shows.
+///
+/// A page may ask for the next one while it is being entered, so that transitions nest. What the window asks for while
+/// a page is being entered is dropped: an install runs inside its page's entry, and a click in that time must not lead
+/// anywhere.
+///
+/// Its operations are defined by topic: the steps and the transitions in SetupController.cpp, what the window shows and
+/// sends in SetupProperties.cpp.
+class SetupController : public SetupMainController, public ApplicationDelegate {
+ public:
+  explicit SetupController(Platform& platform);
+
+  /// Makes the window from its interface description and shows the first page. Fails when the description is missing
+  /// or damaged, or describes no window.
+  Status loadMainWindow();
+
+  // The table of the steps. A step without a model gets no row in the step list.
+  void addStep(std::shared_ptr<View> view, std::shared_ptr<SetupStepController> withController,
+               std::shared_ptr<SetupStepModel> withModel, std::int32_t forStep);
+  [[nodiscard]] std::shared_ptr<View> getViewForStep(std::int32_t step) const;
+  [[nodiscard]] std::shared_ptr<SetupStepController> getControllerForStep(std::int32_t step) const;
+  [[nodiscard]] std::shared_ptr<SetupStepModel> getModelForStep(std::int32_t step) const;
+  [[nodiscard]] std::shared_ptr<StepIndicator> getIndicatorForStep(std::int32_t step) const;
+
+  // Navigation.
+  void nextView(SetupStepController* sender) override;
+  void previousView(const std::string& sender);
+  void subViewButtonPress(const std::string& sender);
+  void customInstallMenu() { setIsCustomInstallAllowed(true); }
+  /// Does nothing; interface descriptions of makers may send it.
+  void initialView() {}
+
+  // What the window shows.
+  [[nodiscard]] const std::string& goForwardText() const { return goForwardText_; }
+  void setGoForwardText(std::string text);
+  [[nodiscard]] const std::string& goBackwardsText() const { return goBackwardsText_; }
+  void setGoBackwardsText(std::string text);
+  [[nodiscard]] bool enableForward() const;
+  [[nodiscard]] bool enableBackward() const;
+  [[nodiscard]] std::string mainLabelText() const;
+  [[nodiscard]] RichText informativeText() const;
+  [[nodiscard]] RichText licenseText() const;
+  [[nodiscard]] RichText registerText() const;
+  [[nodiscard]] HostList foundHosts() const override;
+  [[nodiscard]] HostList selectedHosts() const override;
+  [[nodiscard]] bool copyInProgress() const;
+  /// How much of the install is done, from 0 to 1.
+  [[nodiscard]] double installProgress() const;
+  [[nodiscard]] bool successfulInstall() const override;
+  [[nodiscard]] std::string windowTitle() const { return productFormat("main_wnd_title_fmt"); }
+  [[nodiscard]] std::string aboutMenuText() const { return productFormat("about_menu_fmt"); }
+  [[nodiscard]] std::string quitMenuText() const { return productFormat("quit_menu_fmt"); }
+  [[nodiscard]] std::string hideMenuText() const { return productFormat("hide_window_menu_fmt"); }
+  [[nodiscard]] std::string customInstallMenuText() const { return localized("allow_custom"); }
+  [[nodiscard]] std::string customInstallButtonText() const { return localized("custom_install_button"); }
+  [[nodiscard]] std::string configureEditorsButtonText() const { return localized("configure_editors"); }
+
+  // Options. Each change is announced under the name of what reads it.
+  [[nodiscard]] bool isCustomInstallAllowed() const override { return customInstallAllowed_; }
+  void setIsCustomInstallAllowed(bool allowed) override;
+  [[nodiscard]] bool isCustomInstallChosen() const override { return customInstallChosen_; }
+  void setIsCustomInstallChosen(bool chosen) override;
+  [[nodiscard]] bool canConfigureLumatraExternalEditors() const { return configureLumatraExternalEditorsAllowed_; }
+  void setCanConfigureLumatraExternalEditors(bool can);
+  [[nodiscard]] bool shouldConfigureLumatraExternalEditors() const override {
+    return configureLumatraExternalEditorsShould_;
+  }
+  void setShouldConfigureLumatraExternalEditors(bool should);
+  [[nodiscard]] bool customInstallRecommended() const override { return isCustomInstallRecommended_; }
+  void setCustomInstallRecommended(bool recommended);
+
+  void customHostAdded(const std::shared_ptr<HostModel>& host) override;
+  void customHostRemoved(const std::shared_ptr<HostModel>& host) override;
+
+  // The window's side of the properties and actions above, by name.
+  [[nodiscard]] ShownValue shownValue(std::string_view key) const override;
+  void setShownValue(std::string_view key, const ShownValue& value) override;
+  void setTicked(std::string_view key, std::size_t row, bool isTicked) override;
+  [[nodiscard]] InterfaceOwner* objectForKey(std::string_view key) override;
+  void performAction(std::string_view action, const std::string& sender) override;
+  /// Refuses every change; Return does what the forward button does.
+  [[nodiscard]] bool textShouldChange(std::string_view replacement) override;
+
+  // The application.
+  /// Not while files are being installed.
+  [[nodiscard]] bool windowShouldClose() override { return !copyInProgress(); }
+  [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const override { return true; }
+
+ private:
+  void connectOutlets();
+  void awakeFromInterface();
+  void stateDidChange(const Notification& notification);
+  void leaveAndEnter(std::int32_t oldState, std::int32_t newState);
+  void closeWindow();
+  void setFlag(bool& flag, bool value, std::string_view key);
+  [[nodiscard]] SetupStepController* currentController() const;
+  [[nodiscard]] std::string localized(std::string_view key) const;
+  [[nodiscard]] std::string productFormat(std::string_view key) const;
+  [[nodiscard]] std::vector<ListRow> hostRows() const;
+  [[nodiscard]] Picture iconOf(const HostModel& host) const;
+
+  Platform& platform_;
+  std::shared_ptr<InstallStateController> stateController_;
+  SetupViewModel viewModel_;
+  NavigationCaptions captions_;
+
+  // The window and what is in it; null before it is made, and where its description leaves something out.
+  std::unique_ptr<Interface> interface_;
+  std::shared_ptr<Window> mainWindow_;
+  std::shared_ptr<View> dynamicView_;
+  std::shared_ptr<View> stepIndicatorView_;
+  std::shared_ptr<ListView> foundHostsController_;
+
+  std::map<std::int32_t, std::shared_ptr<View>> viewDict_;
+  std::map<std::int32_t, std::shared_ptr<SetupStepController>> controllerDict_;
+  std::map<std::int32_t, std::shared_ptr<SetupStepModel>> modelDict_;
+  std::map<std::int32_t, std::shared_ptr<StepIndicator>> stepIndicatorViewDict_;
+
+  std::shared_ptr<LicenseModel> licenseModel_;
+  std::shared_ptr<LicenseController> licenseController_;
+  std::shared_ptr<InstallFilesModel> installFilesModel_;
+  std::shared_ptr<InstallFilesController> installFilesController_;
+  std::shared_ptr<HostsModel> hostsModel_;
+  std::shared_ptr<HostsController> hostsController_;
+  std::shared_ptr<RunningHostViewModel> hostsRunningModel_;
+  std::shared_ptr<RunningHostViewController> hostsRunningController_;
+  std::shared_ptr<RegisterModel> registerModel_;
+  // Complete, with no place in the sequence: a product for Aperture registers them under a step of their own.
+  std::shared_ptr<ApertureRunModel> apertureRunModel_;
+  std::shared_ptr<ApertureRunController> apertureRunController_;
+
+  std::string goForwardText_;
+  std::string goBackwardsText_;
+  bool customInstallAllowed_ = false;
+  bool customInstallChosen_ = false;
+  bool configureLumatraExternalEditorsAllowed_ = false;
+  bool configureLumatraExternalEditorsShould_ = false;
+  bool isCustomInstallRecommended_ = true;
+
+  int transitions_ = 0;  ///< how many are under way, one inside the other
+  mutable std::map<std::string, Picture> icons_;
+  NotificationCenter::Observation observation_;
+};

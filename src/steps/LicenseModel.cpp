@@ -1,0 +1,16 @@
+#include "steps/LicenseModel.h"
+
+#include "foundation/Exception.h"
+#include "foundation/Text.h"
+#include "steps/PageResource.h"
+
+LicenseModel::LicenseModel(Platform& platform) {
+  try {
+    licenseText_ = decodeUtf8(contentsOfResource(platform, "license", "txt"));
+  } catch (const Exception&) {
+    // The page tells: it has no text.
+  }
+  const Bundle& bundle = platform.bundles.mainBundle();
+  mainLabelText_ = bundle.localizedString("license_instructions");
+  stepIndicatorLabelText_ = bundle.localizedString("license_blue_dot");
+}

@@ -1,0 +1,275 @@
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+
+#include "platform/linux/ApplicationProcesses.h"
+#include "support/TestMachine.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A program that runs as a child of the test's until the test ends it.
+class ChildProgram {
+ public:
+  explicit ChildProgram(std::vector<std::string> command) {
+    std::vector<char*> arguments;
+    for (std::string& argument : command) arguments.push_back(argument.data());
+    arguments.push_back(nullptr);
+    char* const noEnvironment[] = {nullptr};
+    if (::posix_spawn(&process_, arguments[0], nullptr, nullptr, arguments.data(), noEnvironment) != 0) {
+      throw std::runtime_error("cannot start " + command[0]);
+    }
+  }
+  explicit ChildProgram(const fs::path& program) : ChildProgram(std::vector{program.string()}) {}
+  ChildProgram(const ChildProgram&) = delete;
+  ChildProgram& operator=(const ChildProgram&) = delete;
+  ~ChildProgram() { end(); }
+
+  void end() {
+    if (process_ == 0) return;
+    ::kill(process_, SIGKILL);
+    ::waitpid(process_, nullptr, 0);
+    process_ = 0;
+  }
+
+ private:
+  pid_t process_ = 0;
+};
+
+class WorkspaceTest : public MachineTest {
+ protected:
+  WorkspaceTest() { ::chmod(on("").parent_path().c_str(), 0755); }
+
+  /// Makes an application on the volume, and gives its program. Every name begins with the test's own.
+  fs::path makeApplication(const std::string& name, const std::string& script = "") {
+    const std::string path = "/Applications/" + own_ + name + ".app";
+    const fs::path program = on(path) / "Contents/MacOS" / (own_ + name);
+    writeFile(program, script.empty() ? readFile(STAND_IN) : script);
+    ::chmod(program.c_str(), 0755);
+    return program;
+  }
+  [[nodiscard]] std::string pathOf(const std::string& name) const { return "/Applications/" + own_ + name + ".app"; }
+
+  /// Names of this test's applications that run, without what they begin with, joined by blanks.
+  [[nodiscard]] std::string running() const {
+    std::string names;
+    for (const std::string& name : workspace_.launchedApplications()) {
+      if (name.starts_with(own_)) names += (names.empty() ? "" : " ") + name.substr(own_.size());
+    }
+    return names;
+  }
+
+  /// Has the terminations of this test's applications noted.
+  [[nodiscard]] Workspace::Observation observe() {
+    return workspace_.observeTerminations([this](const std::string& name) {
+      if (name.starts_with(own_)) ended_ += name.substr(own_.size()) + "(" + running() + ") ";
+    });
+  }
+
+  /// Runs the loop until it is so; false when that takes too long.
+  bool eventually(const std::function<bool()>& isSo) {
+    const auto limit = RunLoop::Clock::now() + 20s;
+    while (!isSo() && RunLoop::Clock::now() < limit) {
+      runLoop_.runBeforeDate(RunLoop::Clock::now() + 10ms);
+      ::usleep(1000);
+    }
+    return isSo();
+  }
+
+  const std::string own_ = "T" + std::to_string(::getpid()) + "-";
+  /// Runs until it is killed, as what it is.
+  const std::string waitingScript_ = "#!/bin/sh -e\nkill -STOP $$\n";
+  std::string ended_;
+  PollRunLoop runLoop_;
+  Volume volume_{on("").string(), machine_.inBundle("").parent_path().parent_path()};
+  /// Whom the tests as root launch for.
+  PosixUser user_{::geteuid() == 0 ? UserAccount{65534, 65534, "nobody", "/nonexistent"} : machine_.account(), {"en"}};
+  LinuxWorkspace workspace_{volume_,
+                            files_,
+                            platform_.bundles,
+                            user_,
+                            log_,
+                            runLoop_,
+                            UserSession(user_, HELPERS_FOLDER),
+                            on("/open address").string()};
+};
+
+TEST_F(WorkspaceTest, KnowsTheBundleOfAProgram) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"/Applications/A b.app/Contents/MacOS/A", "/Applications/A b.app"},
+      {"/A.app/Contents/MacOS/A (deleted)", "/A.app"},
+      {"/A.app/Contents/Frameworks/B.app/Contents/MacOS/B", "/A.app/Contents/Frameworks/B.app"},
+      {"/A.app/Contents/MacOS/", "-"},
+      {"/.app/Contents/MacOS/A", "-"},
+      {"A.app/Contents/MacOS/A", "-"},
+      {"/A.app/Contents/Helpers/A", "-"},
+      {"", "-"}};
+  for (const auto& [program, bundle] : cases) EXPECT_EQ(bundleOfProgram(program).value_or("-"), bundle) << program;
+}
+
+TEST_F(WorkspaceTest, ListsWhatRunsInTheOrderOfItsStart) {
+  const fs::path named = makeApplication("File");
+  makeBundle(on(pathOf("File")), {{"CFBundleName", own_ + "Named"}});
+  const fs::path script = makeApplication("Script", waitingScript_);
+  const fs::path removed = makeApplication("Removed");
+  makeApplication("Edited", waitingScript_);
+
+  const ChildProgram second(script);
+  const ChildProgram first(named);
+  const ChildProgram third(removed);
+  const ChildProgram again(named);
+  const ChildProgram editor({"/usr/bin/tail", "-fn0", (on(pathOf("Edited")) / "Contents/MacOS" / (own_ + "Edited"))});
+  fs::remove_all(on(pathOf("Removed")));
+  EXPECT_EQ(running(), "Script Named Removed Named");
+}
+
+TEST_F(WorkspaceTest, ListsOtherUsersApplications) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs root, to become somebody else";
+  const ChildProgram program(makeApplication("Program"));
+  const ChildProgram script(makeApplication("Script", waitingScript_));
+  ASSERT_EQ(::seteuid(65534), 0);
+  std::error_code error;
+  const fs::path unreadable = fs::read_symlink("/proc/1/exe", error);
+  const std::string names = running();
+  ASSERT_EQ(::seteuid(0), 0);
+  EXPECT_TRUE(error) << "whose program cannot be read: " << unreadable;
+  EXPECT_EQ(names, "Program Script");
+}
+
+TEST_F(WorkspaceTest, TellsOfEveryEndOnce) {
+  ChildProgram first(makeApplication("First"));
+  ChildProgram second(makeApplication("Second"));
+  auto observation = observe();
+  first.end();
+  EXPECT_EQ(ended_, "") << "only from a run of the loop";
+  ASSERT_TRUE(eventually([&] { return !ended_.empty(); }));
+  EXPECT_EQ(ended_, "First(Second) ");
+
+  ChildProgram third(makeApplication("Third"));  // found when the second ends
+  second.end();
+  ASSERT_TRUE(eventually([&] { return ended_.ends_with("Second(Third) "); }));
+  third.end();
+  ASSERT_TRUE(eventually([&] { return ended_.ends_with("Third() "); })) << ended_;
+
+  ChildProgram fourth(makeApplication("Fourth"));
+  EXPECT_EQ(running(), "Fourth");  // who was told that it runs is told when it ends
+  fourth.end();
+  ASSERT_TRUE(eventually([&] { return ended_.ends_with("Fourth() "); })) << ended_;
+
+  ChildProgram fifth(makeApplication("Fifth"));
+  EXPECT_EQ(running(), "Fifth");
+  observation.reset();
+  fifth.end();
+  EXPECT_FALSE(runLoop_.runBeforeDate(RunLoop::Clock::now())) << "nothing is watched any more";
+  EXPECT_TRUE(ended_.ends_with("Fourth() "));
+}
+
+TEST_F(WorkspaceTest, TellsOfWhatEndedBetweenTheListAndTheObservation) {
+  ChildProgram program(makeApplication("A"));
+  EXPECT_EQ(running(), "A");
+  program.end();
+  Workspace::Observation observation = workspace_.observeTerminations([&](const std::string& name) {
+    ended_ += name;
+    observation.reset();  // as a page does that leaves itself
+  });
+  EXPECT_TRUE(eventually([&] { return !ended_.empty(); }));
+  EXPECT_EQ(ended_, own_ + "A");
+}
+
+TEST_F(WorkspaceTest, LaunchesAsTheUserInASessionOfItsOwn) {
+  fs::create_directories(on("/out"));
+  ::chmod(on("/out").c_str(), 0777);
+  makeApplication("Writer",
+                  "#!/bin/sh\nexec >\"$1/writing\"\ngrep -E '^(Uid|Gid|CapPrm|NSsid|PPid)' /proc/self/status\n"
+                  "env\npwd\necho \"<$2>\"\nmv \"$1/writing\" \"$1/written\"\n");
+  ::setenv("SECRET", "of ours", 1);
+  EXPECT_NE(workspace_.launchHidden(pathOf("Writer"), {on("/out"), "-no-ui $HOME *"}), nullptr);
+  ::unsetenv("SECRET");
+  ASSERT_TRUE(eventually([&] { return fs::exists(on("/out/written")); }));
+  const std::string written = readFile(on("/out/written"));
+  const auto says = [&](const std::string& text) { return written.find(text) != std::string::npos; };
+  const std::string user = std::to_string(user_.account().id);
+  EXPECT_TRUE(says("Uid:\t" + user + "\t" + user + "\t" + user + "\t" + user)) << written;
+  EXPECT_TRUE(::geteuid() != 0 || (says("Gid:\t65534\t65534\t65534\t65534") && says("CapPrm:\t0000000000000000")));
+  EXPECT_TRUE(says("HOME=" + user_.account().home + "\n") && !says("SECRET")) << written;
+  EXPECT_TRUE(says("\n/\n") && says("<-no-ui $HOME *>\n")) << written;
+  EXPECT_FALSE(says("NSsid:\t" + std::to_string(::getsid(0)) + "\n"));
+  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "nobody has to wait for it";
+  EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_F(WorkspaceTest, AsksWhatItLaunchedToEnd) {
+  makeApplication("Studio");
+  makeBundle(on(pathOf("Studio")), {{"CFBundleExecutable", own_ + "Studio"}});
+  const auto application = workspace_.launchHidden(pathOf("Studio"), {});
+  ASSERT_NE(application, nullptr);
+  static_cast<void>(workspace_.launchHidden(pathOf("Studio"), {}));  // goes on when its object has gone
+  EXPECT_EQ(running(), "Studio Studio") << "each a new instance";
+  const auto observation = observe();
+  application->terminate();
+  ASSERT_TRUE(eventually([&] { return ended_ == "Studio(Studio) "; })) << ended_;
+  application->terminate();
+  EXPECT_EQ(running(), "Studio") << "and not another one";
+  for (const ApplicationProcess& left : applicationProcesses()) {
+    if (left.bundlePath == on(pathOf("Studio"))) ::kill(left.id, SIGTERM);
+  }
+  EXPECT_TRUE(eventually([&] { return running().empty(); }));
+}
+
+TEST_F(WorkspaceTest, LaunchesNothingThatIsNoApplicationOfTheVolume) {
+  const auto canLaunch = [&](const std::string& path) { return workspace_.launchHidden(path, {}) != nullptr; };
+  EXPECT_FALSE(canLaunch("/None.app"));
+  makeBundle(on("/Empty.app"), {});
+  EXPECT_FALSE(canLaunch("/Empty.app"));
+  ::chmod(makeApplication("Plain").c_str(), 0644);
+  EXPECT_FALSE(canLaunch(pathOf("Plain")));
+  makeApplication("Climbing");
+  for (const std::string& name : {"../MacOS/" + own_ + "Climbing", std::string("..")}) {
+    makeBundle(on(pathOf("Climbing")), {{"CFBundleExecutable", name}});
+    EXPECT_FALSE(canLaunch(pathOf("Climbing"))) << name;
+  }
+  fs::create_directories(on("/Linked.app/Contents/MacOS"));
+  fs::create_symlink(STAND_IN, on("/Linked.app/Contents/MacOS/Linked"));
+  EXPECT_FALSE(canLaunch("/Linked.app")) << "the link leads nowhere on the volume";
+  EXPECT_EQ(running(), "");
+  if (::geteuid() == 0) {
+    ::chmod(makeApplication("Roots").c_str(), 0700);
+    EXPECT_FALSE(canLaunch(pathOf("Roots"))) << "what the user may not start";
+  }
+}
+
+TEST_F(WorkspaceTest, OpensAnAddress) {
+  workspace_.openUrl("https://none.invalid/");  // there is nothing to open it with: not reported
+  fs::create_directories(on("/out"));
+  ::chmod(on("/out").c_str(), 0777);
+  const std::string out = on("/out/address").string();
+  writeFile(on("/open address"), "#!/bin/sh\necho \"$#$1\" >'" + out + ".new'\nmv '" + out + ".new' '" + out + "'\n");
+  ::chmod(on("/open address").c_str(), 0755);
+  workspace_.openUrl("-option");
+  workspace_.openUrl("https://example.invalid/?a=b c&d");
+  ASSERT_TRUE(eventually([&] { return fs::exists(out); }));
+  EXPECT_EQ(readFile(out), "1https://example.invalid/?a=b c&d\n");
+}
+
+TEST_F(WorkspaceTest, FindsTheIconOfABundle) {
+  const auto iconWith = [&](const Texts& info) {
+    makeBundle(on("/A.app"), info);
+    return workspace_.iconFile("/A.app");
+  };
+  EXPECT_EQ(workspace_.iconFile("/None.app") + iconWith({}), "");
+  EXPECT_EQ(iconWith({{"CFBundleIconFile", "Icon"}}), "");
+  writeFile(on("/A.app/Contents/Resources/Icon.icns"), "");
+  writeFile(on("/A.app/Contents/Resources/Other.png"), "");
+  fs::create_directories(on("/A.app/Contents/Resources/Folder"));
+  EXPECT_EQ(iconWith({{"CFBundleIconFile", "Icon"}}), "/A.app/Contents/Resources/Icon.icns");
+  EXPECT_EQ(iconWith({{"CFBundleIconFile", "Icon.icns"}}), "/A.app/Contents/Resources/Icon.icns");
+  EXPECT_EQ(iconWith({{"CFBundleIconFile", "Other.png"}}), "/A.app/Contents/Resources/Other.png");
+  EXPECT_EQ(iconWith({{"CFBundleIconFile", "Folder"}}) + iconWith({{"CFBundleIconFile", "../Info.plist"}}), "");
+}
+
+}  // namespace

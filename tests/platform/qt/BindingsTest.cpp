@@ -1,0 +1,167 @@
+#include <QCheckBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTextEdit>
+
+#include "platform/qt/WindowTest.h"
+
+namespace {
+
+std::string property(const std::string& name, const std::string& value) {
+  return "<property name=\"" + name + R"(" stdset="0"><string>)" + value + "</string></property>";
+}
+
+std::string control(const std::string& kind, const std::string& name, const std::string& properties) {
+  return "<item><widget class=\"" + kind + "\" name=\"" + name + "\">" + properties + "</widget></item>";
+}
+
+std::string form(const std::string& controls) {
+  return R"(<ui version="4.0"><class>top</class><widget class="QWidget" name="top">
+            <layout class="QVBoxLayout" name="column">)" +
+         controls + "</layout></widget></ui>";
+}
+
+class BindingsTest : public WindowTest {
+ protected:
+  void show(const std::string& controls) {
+    describe("Form", form(controls));
+    interface_ = load("Form");
+  }
+  template <class Widget>
+  Widget& the(const char* name) {
+    return *find<Widget>(name);
+  }
+
+  std::unique_ptr<Interface> interface_;
+};
+
+TEST_F(BindingsTest, ControlsShowTheirPropertiesAndFollowThem) {
+  owner_.values = {{"text", "A & B"}, {"flag", true}, {"done", 0.25}, {"rich", RichText("one\ntwo")}};
+  show(control("QLabel", "label", property("bindText", "text") + property("bindVisible", "!flag")) +
+       control("QPushButton", "button", property("bindText", "text") + property("bindEnabled", "flag")) +
+       control("QProgressBar", "bar", property("bindProgress", "done")) +
+       control("QTextEdit", "rich", property("bindText", "rich")));
+  EXPECT_EQ(the<QLabel>("label").text(), "A & B");
+  EXPECT_TRUE(the<QLabel>("label").isHidden());
+  EXPECT_EQ(the<QPushButton>("button").text(), "A && B") << "no letter of a text is a short cut";
+  EXPECT_EQ(the<QProgressBar>("bar").value() * 4, the<QProgressBar>("bar").maximum());
+  EXPECT_EQ(the<QTextEdit>("rich").toPlainText(), "one\ntwo");
+  EXPECT_TRUE(the<QTextEdit>("rich").isReadOnly());
+
+  owner_.change("flag", false);
+  owner_.change("text", "<b>C</b>");
+  owner_.change("done", std::monostate());
+  EXPECT_FALSE(the<QLabel>("label").isHidden());
+  EXPECT_EQ(the<QLabel>("label").textFormat(), Qt::PlainText);
+  EXPECT_FALSE(the<QPushButton>("button").isEnabled());
+  EXPECT_EQ(the<QProgressBar>("bar").maximum(), 0) << "without a value the bar is only busy";
+}
+
+TEST_F(BindingsTest, KeyPathsFollowTheObjectThatTheyLeadTo) {
+  SampleOwner first;
+  SampleOwner second;
+  first.values = {{"title", "first"}};
+  second.values = {{"title", "second"}};
+  owner_.objects = {{"model", &first}};
+  show(control("QLabel", "label", property("bindText", "model.title")));
+  EXPECT_EQ(the<QLabel>("label").text(), "first");
+  first.change("title", "changed");
+  EXPECT_EQ(the<QLabel>("label").text(), "changed");
+  owner_.objects = {{"model", &second}};
+  owner_.willChangeValueForKey("model");
+  owner_.didChangeValueForKey("model");
+  EXPECT_EQ(the<QLabel>("label").text(), "second");
+  owner_.objects = {{"model", nullptr}};
+  owner_.didChangeValueForKey("model");
+  EXPECT_EQ(the<QLabel>("label").text(), "");
+}
+
+TEST_F(BindingsTest, TicksAreSetBackAndSnapBackWhenTheOwnerRefuses) {
+  owner_.values = {{"flag", false}};
+  show(control("QCheckBox", "box", property("bindTicked", "flag")));
+  the<QCheckBox>("box").click();
+  EXPECT_EQ(owner_.done, "flag=1;");
+  EXPECT_TRUE(the<QCheckBox>("box").isChecked());
+  owner_.change("flag", false);
+  EXPECT_EQ(owner_.done, "flag=1;") << "a change of the owner's is not told back";
+  owner_.keepsChanges = false;
+  the<QCheckBox>("box").click();
+  EXPECT_FALSE(the<QCheckBox>("box").isChecked());
+}
+
+TEST_F(BindingsTest, RowsAreTickedByMouseAndKeyboard) {
+  using Rows = std::vector<ListRow>;
+  owner_.values = {{"rows", Rows{{.text = "one", .detail = "/one"}, {.text = "two", .isTicked = true}}}};
+  show(control("QListWidget", "list", property("bindRows", "rows")));
+  auto& list = the<QListWidget>("list");
+  interface_->listView("list")->selectRow(1);
+  list.setFocus();
+  QTest::keyClick(&list, Qt::Key_Space);
+  EXPECT_EQ(owner_.done, "rows[1]=0;");
+  QApplication::processEvents();
+  EXPECT_EQ(list.item(1)->checkState(), Qt::Unchecked);
+  EXPECT_EQ(list.currentRow(), 1);
+
+  owner_.change("rows", Rows{{.text = "one"}, {.text = "new"}, {.text = "two", .isTicked = true}});
+  EXPECT_EQ(list.count(), 3);
+  EXPECT_EQ(list.item(1)->text(), "new");
+  EXPECT_EQ(owner_.done, "rows[1]=0;") << "filling the list ticks nothing";
+  interface_->listView("list")->selectRow(7);
+  EXPECT_EQ(list.currentRow(), -1);
+  owner_.keepsChanges = false;
+  list.item(0)->setCheckState(Qt::Checked);
+  QApplication::processEvents();
+  EXPECT_EQ(list.item(0)->checkState(), Qt::Unchecked) << "what the owner does not keep is taken back";
+  owner_.change("rows", Rows());
+  EXPECT_EQ(list.count(), 0);
+}
+
+TEST_F(BindingsTest, ButtonsAndTextsTellTheOwner) {
+  owner_.values = {{"rich", RichText("text")}};
+  show(control("QPushButton", "go", property("action", "nextView:")) +
+       control("QTextEdit", "view", property("bindText", "rich")));
+  the<QPushButton>("go").click();
+  auto& view = the<QTextEdit>("view");
+  QTest::keyClick(&view, Qt::Key_Return);
+  QTest::keyClicks(&view, "x");
+  QTest::keyClick(&view, Qt::Key_Down);
+  QTest::keyClick(&view, Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(owner_.done, "nextView: go;typed return;typed x;");
+  EXPECT_EQ(view.toPlainText(), "text");
+}
+
+TEST_F(BindingsTest, MistakesInADescriptionCostALineEach) {
+  owner_.values = {{"number", 1.0}};
+  show(control("QLabel", "unknown", property("bindText", "nobody")) +
+       control("QLabel", "path", property("bindText", "nobody.title")) +
+       control("QCheckBox", "number", property("bindTicked", "number")) +
+       control("QLabel", "picture", property("imageName", "missing")) +
+       control("QLabel", "progress", property("bindProgress", "number")) +
+       control("QLabel", "invented", property("bindSmell", "number")) +
+       control("QLabel", "button", property("action", "nextView:")) +
+       control("QPushButton", "unheard", property("action", "unheardOf:")));
+  the<QPushButton>("unheard").click();
+  owner_.change("number", 2.0);
+  for (const char* const name : {"unknown", "path", "number", "picture", "progress", "invented", "button", "unheard"}) {
+    EXPECT_EQ(log_.count("control \"" + std::string(name) + "\""), 1) << name;
+  }
+}
+
+TEST_F(BindingsTest, NothingIsToldAnyMoreOnceTheInterfaceHasGone) {
+  owner_.values = {{"text", "before"}};
+  show(control("QPushButton", "go", property("action", "nextView:") + property("bindText", "text")));
+  QWidget parent;
+  the<QPushButton>("go").setParent(&parent);
+  auto& button = *parent.findChild<QPushButton*>("go");
+  interface_.reset();
+  button.click();
+  owner_.change("text", "after");
+  EXPECT_EQ(owner_.done, "");
+  EXPECT_EQ(button.text(), "before");
+}
+
+}  // namespace

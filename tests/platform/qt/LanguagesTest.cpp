@@ -1,0 +1,63 @@
+#include <gtest/gtest.h>
+
+#include <regex>
+
+#include "foundation/RichText.h"
+#include "foundation/StringsTable.h"
+#include "support/TestMachine.h"
+
+namespace {
+
+const std::vector<std::string> translations = {"de", "fr", "es", "ja", "zh-Hans"};
+
+fs::path inLanguage(const std::string& language, const std::string& file) {
+  return fs::path(INSTALLER_BUNDLE "/Contents/Resources") / (language + ".lproj") / file;
+}
+
+auto table(const std::string& language) {
+  const auto read = parseStringsTable(readFile(inLanguage(language, "Localizable.strings")));
+  EXPECT_EQ(read.problem, "") << language;
+  return read.texts;
+}
+
+/// In ascending order: a language may need them in another one, and then they are numbered.
+std::multiset<std::string> placeholders(const std::string& text) {
+  static const std::regex placeholder(R"(%(\d\$)?[@d]|%[A-Z]+%)");
+  const std::sregex_iterator first(text.begin(), text.end(), placeholder);
+  std::multiset<std::string> found;
+  for (auto match = first; match != std::sregex_iterator(); ++match) found.insert(match->str());
+  return found;
+}
+
+TEST(LanguagesTest, EveryTableHasTheKeysAndPlaceholdersOfTheEnglishOne) {
+  const auto english = table("en");
+  ASSERT_GT(english.size(), 50U);
+  for (const std::string& language : translations) {
+    const auto texts = table(language);
+    EXPECT_EQ(texts.size(), english.size()) << language;
+    for (const auto& [key, text] : english) {
+      const auto translated = texts.find(key);
+      ASSERT_NE(translated, texts.end()) << language << " has no " << key;
+      EXPECT_EQ(placeholders(translated->second), placeholders(text)) << language << ": " << key;
+      EXPECT_EQ(translated->second.empty(), text.empty()) << language << ": " << key;
+    }
+  }
+}
+
+TEST(LanguagesTest, EveryRichTextIsThereAndNamesTheSameThings) {
+  for (const char* const name : {"register.rtf", "host_running.rtf", "proceed.rtf", "aperture.rtf"}) {
+    const RichText english = parseRichTextFormat(readFile(inLanguage("en", name)));
+    EXPECT_FALSE(english.string().empty());
+    for (const std::string& language : translations) {
+      const RichText text = parseRichTextFormat(readFile(inLanguage(language, name)));
+      EXPECT_EQ(text.runs().size(), english.runs().size()) << language << ": " << name;
+      const auto wanted = placeholders(english.string());
+      const auto found = placeholders(text.string());
+      EXPECT_EQ(std::set(found.begin(), found.end()), std::set(wanted.begin(), wanted.end())) << language << name;
+    }
+  }
+  for (const std::string& language : translations)
+    EXPECT_GT(readFile(inLanguage(language, "license.txt")).size(), 500U);
+}
+
+}  // namespace
