@@ -52,14 +52,10 @@ struct Machine {
   SilentLog log;
   Platform platform = [&] {
     const Platform& real = system.platform();
-    return Platform{real.files,          real.bundles,
-                    real.folders,        real.preferences,
-                    real.authorizations, real.tasks,
-                    real.runLoop,        real.notifications,
-                    real.launchServices, real.workspace,
-                    real.toolkit,        real.processor,
-                    real.identifiers,    log,
-                    real.user,           real.clock};
+    return Platform{real.files,     real.bundles, real.folders,       real.preferences,    real.authorizations,
+                    real.tasks,     real.runLoop, real.notifications, real.launchServices, real.metadataQueries,
+                    real.workspace, real.toolkit, real.processor,     real.identifiers,    log,
+                    real.user,      real.clock};
   }();
 };
 

@@ -97,6 +97,16 @@ class InstallFilesController : public SetupStepController {
   /// Writes installedPaths() to the log file; leaves an earlier one alone when there are none.
   void logInstalledPaths();
 
+  // Tasks that the sequence leaves out; docs/operations.md tells how to put them in.
+
+  /// Removes earlier copies of the plug-ins that the bundle's shared support names from the host's plug-in folder,
+  /// however deep they lie there: whatever has exactly one of these names. Runs the run loop. Stops at once when there
+  /// are no rights to be had, which authDenied() then tells; any other copy that cannot be removed stays.
+  void unInstallForHost(const HostModel& host);
+  /// Gives the machine its identifier for usage statistics, a random UUID in a file, unless there is one. The maker's
+  /// folder must be there.
+  void installAnalytics();
+
   /// For a file operation that asks how to go on after an error, which it describes under "Error" and "Path": shows it,
   /// notes that a file failed, and returns whether the user wants to go on.
   bool fileManager(const FileSystem& manager, const Value::Dictionary& shouldProceedAfterError);
@@ -149,6 +159,17 @@ class InstallFilesController : public SetupStepController {
   [[nodiscard]] bool runTool(const std::string& tool, const std::vector<std::string>& arguments);
   [[nodiscard]] bool runToolWithoutOutput(const std::string& tool, const std::vector<std::string>& arguments);
   [[nodiscard]] bool mayGoOnAfter(const std::optional<Error>& error);
+  /// A file made with the install's rights for the user to write.
+  struct FileForUser {
+    std::string path;
+    std::string chmodTool;
+    std::string mode;
+    std::string_view cannotOpen;   ///< line for the log
+    std::string_view cannotWrite;  ///< format for the log, of the reason
+  };
+  /// Makes the file, or takes over the one that is there, and writes the text at its start. Of what goes wrong only the
+  /// writing is told, in the log.
+  void writeFileForUser(const FileForUser& file, std::string_view text);
   void runToolIgnoringResult(const std::string& tool, const std::vector<std::string>& arguments);
   [[nodiscard]] std::string ownerText() const;
 

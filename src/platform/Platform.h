@@ -9,6 +9,7 @@
 #include "platform/Identifiers.h"
 #include "platform/LaunchServices.h"
 #include "platform/Log.h"
+#include "platform/MetadataQuery.h"
 #include "platform/Preferences.h"
 #include "platform/Processor.h"
 #include "platform/RunLoop.h"
@@ -32,6 +33,7 @@ struct Platform {
   RunLoop& runLoop;
   NotificationCenter& notifications;
   LaunchServices& launchServices;
+  MetadataQueries& metadataQueries;
   Workspace& workspace;
   Toolkit& toolkit;
   Processor& processor;

@@ -48,20 +48,17 @@ SetupController::SetupController(Platform& platform)
 }
 
 Status SetupController::loadMainWindow() {
+  makePages();
   auto interface = platform_.toolkit.loadInterface("MainWindow", *this);
   if (!interface) return interface.error();
   interface_ = std::move(*interface);
   mainWindow_ = interface_->window("mainWindow");
   if (mainWindow_ == nullptr) return Error::posix(std::errc::no_such_file_or_directory, "MainWindow.ui: mainWindow");
-  connectOutlets();
   awakeFromInterface();
   return {};
 }
 
-void SetupController::connectOutlets() {
-  dynamicView_ = interface_->view("dynamicView");
-  stepIndicatorView_ = interface_->view("stepIndicatorView");
-  foundHostsController_ = interface_->listView("foundHostsController");
+void SetupController::makePages() {
   hostsController_ = std::make_shared<HostsController>(platform_);
   hostsRunningModel_ = std::make_shared<RunningHostViewModel>(platform_);
   hostsRunningController_ = std::make_shared<RunningHostViewController>(platform_, hostsRunningModel_);
@@ -71,6 +68,9 @@ void SetupController::connectOutlets() {
 }
 
 void SetupController::awakeFromInterface() {
+  dynamicView_ = interface_->view("dynamicView");
+  stepIndicatorView_ = interface_->view("stepIndicatorView");
+  foundHostsController_ = interface_->listView("foundHostsController");
   addStep(interface_->view("licenseView"), licenseController_, licenseModel_, step::license);
   addStep(interface_->view("installFilesView"), installFilesController_, installFilesModel_, step::installation);
   addStep(interface_->view("hostsView"), hostsController_, hostsModel_, step::hosts);

@@ -113,7 +113,8 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const override { return true; }
 
  private:
-  void connectOutlets();
+  /// The pages that the interface description refers to.
+  void makePages();
   void awakeFromInterface();
   void stateDidChange(const Notification& notification);
   void leaveAndEnter(std::int32_t oldState, std::int32_t newState);

@@ -1,3 +1,6 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include "hosts/PhotoshopHostModel.h"
 #include "install/InstallFilesController.h"
 #include "support/RecordingMainController.h"
@@ -75,6 +78,8 @@ TEST_F(TasksTest, AsksHowToGoOnAfterAnError) {
   EXPECT_TRUE(controller_.fileOpErrorOccurred());
   machine_.toolkit.answer = AlertAnswer::alternateButton;
   EXPECT_FALSE(controller_.fileManager(files_, error));
+  EXPECT_TRUE(controller_.fileOpErrorOccurred());
+  EXPECT_EQ(controller_.failedPaths(), (Paths{"/file", "/file"}));
   EXPECT_EQ(log_.count("File  operation error: broken with file: /file"), 2);
   const Alert& alert = machine_.toolkit.alerts[0];
   EXPECT_EQ(alert.message + alert.defaultButton + alert.alternateButton, "<broken|/file>Go onStop");
@@ -91,6 +96,60 @@ TEST_F(TasksTest, SaysWhenTheLogCannotBeWritten) {
   controller_.logInstalledPaths();
   EXPECT_EQ(log_.count("can't write to installer log file: no room"), 1);
   EXPECT_FALSE(controller_.fileOpErrorOccurred());
+}
+
+TEST_F(TasksTest, GiveTheMachineItsIdentifierOnce) {
+  const std::string company = "/Library/Application Support/Corvane";
+  const std::string file = company + "/entityresolver.guid";
+  auto& launches = machine_.authorizations.launches;
+  controller_.installAnalytics();
+  EXPECT_EQ(log_.lines, Paths{"can't open guid file handle"}) << "the maker's folder is not there";
+  EXPECT_FALSE(fs::exists(on(company)));
+  const std::string owner = machine_.account().name + ":admin";
+  EXPECT_EQ(launches, (Paths{"/usr/bin/touch|" + file, "/usr/sbin/chown|-R|" + owner + "|" + file,
+                             "/bin/chmod|-R|0664|" + file}));
+
+  fs::create_directories(on(company));
+  controller_.installAnalytics();
+  const std::string identifier = readFile(on(file));
+  ASSERT_EQ(identifier.size(), 37U);
+  for (std::size_t i = 0; i < 36; ++i) {
+    const bool isHyphen = i == 8 || i == 13 || i == 18 || i == 23;
+    EXPECT_EQ(std::string_view(isHyphen ? "-" : "0123456789ABCDEF").find(identifier[i]) == std::string_view::npos,
+              false)
+        << identifier;
+  }
+  EXPECT_EQ(identifier.back(), '\n');
+  EXPECT_EQ(modeOf(on(file)), "664");
+  struct stat status {};
+  ASSERT_EQ(::stat(on(file).c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, machine_.account().id);
+  EXPECT_TRUE(::geteuid() != 0 || status.st_gid == *groupNumber("admin"));
+
+  controller_.installAnalytics();
+  EXPECT_EQ(readFile(on(file)), identifier);
+  EXPECT_EQ(launches.size(), 6U) << "no tool for what is there already";
+  fs::remove(on(file));
+  controller_.installAnalytics();
+  EXPECT_NE(readFile(on(file)), identifier) << "another one for another machine";
+  EXPECT_EQ(log_.lines.size(), 1U);
+}
+
+TEST_F(TasksTest, KeepWhateverStandsForTheIdentifier) {
+  const std::string file = "/Library/Application Support/Corvane/entityresolver.guid";
+  writeFile(on(file), "");
+  controller_.installAnalytics();
+  EXPECT_EQ(readFile(on(file)), "");
+  fs::remove(on(file));
+  fs::create_directories(on(file));
+  controller_.installAnalytics();
+  EXPECT_TRUE(fs::is_directory(on(file)) && machine_.authorizations.launches.empty());
+
+  fs::remove(on(file));
+  files_.fail(Call::writeData, std::errc::no_space_on_device);
+  controller_.installAnalytics();
+  EXPECT_EQ(log_.lines, Paths{"can't write to guid file: no room"});
+  EXPECT_FALSE(controller_.fileOpErrorOccurred() || controller_.authDenied());
 }
 
 }  // namespace

@@ -85,6 +85,7 @@ class TestMachine {
                     .runLoop = real_.runLoop,
                     .notifications = real_.notifications,
                     .launchServices = real_.launchServices,
+                    .metadataQueries = real_.metadataQueries,
                     .workspace = workspace,
                     .toolkit = toolkit,
                     .processor = real_.processor,

@@ -6,6 +6,7 @@ bool InstallFilesController::fileManager(const FileSystem& /*manager*/,
   fileOpErrorOccurred_ = true;
   const std::string error = entryOf(shouldProceedAfterError, "Error").text();
   const std::string path = entryOf(shouldProceedAfterError, "Path").text();
+  failedPaths_.push_back(path);
   // The two blanks are the message that support staff look for.
   platform_.log.write(formatted("File  operation error: %@ with file: %@", error, path));
   Alert alert = fileErrorAlert(error, path);

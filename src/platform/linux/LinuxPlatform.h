@@ -11,6 +11,7 @@
 #include "platform/linux/LinuxWorkspace.h"
 #include "platform/linux/SystemTools.h"
 #include "platform/posix/BundleOnDisk.h"
+#include "platform/posix/FolderQuery.h"
 #include "platform/posix/MacFolders.h"
 #include "platform/posix/PosixClock.h"
 #include "platform/posix/PosixFileSystem.h"
@@ -50,6 +51,7 @@ class LinuxPlatform : public SystemPlatform {
   NotificationCenter notifications_;
   PosixTasks tasks_;
   DesktopEntries desktopEntries_;
+  FolderQueries metadataQueries_;
   LinuxWorkspace workspace_;
   LinuxProcessor processor_;
   PosixIdentifiers identifiers_;

@@ -1,0 +1,35 @@
+#include <string>
+#include <vector>
+
+#include "foundation/Format.h"
+#include "install/InstallFilesController.h"
+#include "install/paths/PlugInFilesModel.h"
+
+void InstallFilesController::unInstallForHost(const HostModel& host) {
+  const PlugInFilesModel paths(platform_);
+  std::vector<std::string> names;
+  for (const std::string& folder : {paths.getPlugInDirInBundle(), paths.getAutoLayerDirInBundle()}) {
+    const auto entries = platform_.files.contentsOfDirectory(folder).valueOr({});
+    names.insert(names.end(), entries.begin(), entries.end());
+  }
+
+  const auto query = platform_.metadataQueries.makeQuery();
+  for (const std::string& name : names) {
+    const Value value(name);
+    query->setPredicate(Predicate::parse("(kMDItemFSName LIKE %@)", {&value, 1}));
+    query->setSearchScopes({host.plugInPath()});
+    if (!query->startQuery()) continue;
+    do {
+      platform_.runLoop.runBeforeDate(RunLoop::Clock::now());
+    } while (query->isGathering());
+    const std::size_t count = query->resultCount();
+    query->stopQuery();
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::string found = query->valueOfAttribute(kMDItemFSName, i);
+      const std::string path = query->valueOfAttribute(kMDItemPath, i);
+      // A name with "*" or "?" in it finds others, too, and those are not ours to remove.
+      if (found == name && !runTool("/bin/rm", {"-fR", path})) return;
+      platform_.log.write(formatted("found %@ at %@", found, path));
+    }
+  }
+}
