@@ -53,15 +53,15 @@ ShowValue showCaption(Control& control, void (Control::*set)(const QString&)) {
   };
 }
 
-/// Without a frame the text lies on the window itself.
+/// Only in the usual frame the text lies on a page of its own, else on the window.
 QPalette::ColorRole backgroundOf(const QTextEdit& edit) {
-  return edit.frameShape() == QFrame::NoFrame ? QPalette::Window : QPalette::Base;
+  return edit.frameShape() == QFrame::StyledPanel ? QPalette::Base : QPalette::Window;
 }
 
 ShowValue showInTextEdit(QTextEdit& edit) {
   const QPalette::ColorRole background = backgroundOf(edit);
   if (background == QPalette::Window) edit.viewport()->setAutoFillBackground(false);
-  edit.document()->setDocumentMargin(background == QPalette::Window ? 0 : 12);
+  edit.document()->setDocumentMargin(background == QPalette::Window ? 2 : 12);
   return [&edit, background](const ShownValue& value) {
     const auto* const rich = std::get_if<RichText>(&value);
     if (rich == nullptr && !plainText(value)) return false;

@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QStyleOption>
+#include <QTreeView>
 #include <algorithm>
 
 namespace {
@@ -103,6 +104,12 @@ void drawField(QPainter& painter, const QStyleOption& option) {
   painter.drawRoundedRect(hasFocus ? shape.adjusted(0.5, 0.5, -0.5, -0.5) : shape, 4, 4);
 }
 
+QColor selectionIn(const QStyleOption& option) {
+  const bool isActive = option.state.testFlag(QStyle::State_Active);
+  const QColor colour = option.palette.color(isActive ? QPalette::Highlight : QPalette::WindowText);
+  return withAlpha(colour, isActive ? 0.2 : 0.1);
+}
+
 /// A row of a list; its text keeps its colour when it is selected.
 void drawRow(QPainter& painter, const QStyleOption& option) {
   painter.setRenderHint(QPainter::Antialiasing);
@@ -112,9 +119,7 @@ void drawRow(QPainter& painter, const QStyleOption& option) {
     painter.drawRoundedRect(inside(option.rect.adjusted(3, 1, -3, -1)), 4, 4);
   }
   if (!option.state.testFlag(QStyle::State_Selected)) return;
-  const bool isActive = option.state.testFlag(QStyle::State_Active);
-  painter.setBrush(
-      withAlpha(option.palette.color(isActive ? QPalette::Highlight : QPalette::WindowText), isActive ? 0.16 : 0.08));
+  painter.setBrush(selectionIn(option));
   painter.setPen(Qt::NoPen);
   painter.drawRoundedRect(QRectF(option.rect).adjusted(3, 1, -3, -1), 4, 4);
 }
@@ -207,7 +212,12 @@ void QtStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option
     case PE_IndicatorItemViewItemCheck: drawTickBox(*painter, *option); break;
     case PE_Frame: drawFrame(*painter, *option); break;
     case PE_PanelLineEdit: drawField(*painter, *option); break;
-    case PE_PanelItemViewItem: drawRow(*painter, *option); break;
+    case PE_PanelItemViewItem:
+      if (qobject_cast<const QTreeView*>(widget) == nullptr) drawRow(*painter, *option);
+      break;
+    case PE_PanelItemViewRow:  // of a tree: the row in pieces
+      if (option->state.testFlag(State_Selected)) painter->fillRect(option->rect, selectionIn(*option));
+      break;
     case PE_FrameFocusRect:  // these show it themselves
       if (qobject_cast<const QAbstractItemView*>(widget) != nullptr) break;
       if (qobject_cast<const QAbstractButton*>(widget) != nullptr) break;
@@ -222,11 +232,14 @@ void QtStyle::drawControl(ControlElement element, const QStyleOption* option, QP
                           const QWidget* widget) const {
   const auto* const button = qstyleoption_cast<const QStyleOptionButton*>(option);
   const auto* const bar = qstyleoption_cast<const QStyleOptionProgressBar*>(option);
+  const auto* const frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
   const bool isBusy = bar != nullptr && bar->minimum == bar->maximum;
   painter->save();
   if (element == CE_PushButton && button != nullptr) {
     drawButton(*painter, *button);
     drawButtonLabel(*painter, *button);
+  } else if (element == CE_ShapedFrame && frame != nullptr && frame->frameShape == QFrame::Panel) {
+    if (frame->state.testFlag(State_HasFocus)) drawFrame(*painter, *frame);  // a quiet frame shows the focus only
   } else if (element == CE_ProgressBar && bar != nullptr && !isBusy) {
     drawProgress(*painter, *bar);
   } else {
@@ -295,6 +308,7 @@ int QtStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget
 QSize QtStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
                                 const QWidget* widget) const {
   const QSize wanted = QProxyStyle::sizeFromContents(type, option, size, widget);
+  if (type == CT_ItemViewItem) return {wanted.width(), std::max(wanted.height(), 24)};
   if (type == CT_LineEdit) return {wanted.width(), std::max(wanted.height(), buttonHeight)};
   if (type != CT_PushButton) return wanted;
   return {std::max(size.width() + 30, smallestButton), std::max(size.height() + 6, buttonHeight)};

@@ -1,4 +1,5 @@
 #include <QAbstractButton>
+#include <QDialog>
 #include <QLabel>
 #include <QListWidget>
 #include <QTextEdit>
@@ -195,9 +196,22 @@ class Wizard {
 class PagesTest : public testing::TestWithParam<std::string> {};
 
 /// With PAGE_PICTURES naming a folder, every page is saved there for people to look at.
-void savePicture(const Wizard& wizard, const std::string& name) {
+void savePicture(QWidget& window, const std::string& name) {
   if (const char* const folder = std::getenv("PAGE_PICTURES")) {
-    EXPECT_TRUE(wizard.window().grab().save(toQt(std::string(folder) + "/" + name + ".png")));
+    EXPECT_TRUE(window.grab().save(toQt(std::string(folder) + "/" + name + ".png")));
+  }
+}
+
+/// Labels and buttons that are shown have room for all of their text.
+void expectTextsToFit(const QWidget& window) {
+  for (const QWidget* const widget : window.findChildren<QWidget*>()) {
+    const bool showsText =
+        qobject_cast<const QLabel*>(widget) != nullptr || qobject_cast<const QAbstractButton*>(widget) != nullptr;
+    const bool isCutOnPurpose = widget->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored;
+    if (!widget->isVisible() || widget->objectName().isEmpty() || !showsText || isCutOnPurpose) continue;
+    EXPECT_LE(widget->minimumSizeHint().width(), widget->width()) << fromQt(widget->objectName());
+    const int height = widget->hasHeightForWidth() ? widget->heightForWidth(widget->width()) : 0;
+    EXPECT_LE(height, widget->height()) << fromQt(widget->objectName());
   }
 }
 
@@ -208,26 +222,49 @@ TEST_P(PagesTest, EveryTextFitsAndNothingMoves) {
   for (const Wizard::Page& page : wizard.pages()) {
     SCOPED_TRACE(page.name);
     wizard.show(page);
-    savePicture(wizard, page.name + "-" + GetParam());
+    savePicture(wizard.window(), page.name + "-" + GetParam());
     auto* const label = wizard.window().findChild<QLabel*>("mainLabel");
     auto* const forward = wizard.window().findChild<QWidget*>("forwardButton");
     if (!heading) heading = label->geometry();
     EXPECT_EQ(label->geometry(), *heading) << "the heading takes more than its line";
     if (!back) back = QRect(forward->geometry().bottomRight(), QSize());
     EXPECT_EQ(forward->geometry().bottomRight(), back->topLeft());
-    for (QWidget* const widget : wizard.window().findChildren<QWidget*>()) {
-      if (!widget->isVisible() || widget->objectName().isEmpty() || widget->objectName().startsWith("qt_")) continue;
-      const bool isCut =
-          qobject_cast<QLabel*>(widget) != nullptr && widget->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored;
-      const bool showsText =
-          qobject_cast<QLabel*>(widget) != nullptr || qobject_cast<QAbstractButton*>(widget) != nullptr;
-      if (!showsText || isCut) continue;
-      EXPECT_LE(widget->minimumSizeHint().width(), widget->width()) << fromQt(widget->objectName());
-      const int height = widget->hasHeightForWidth() ? widget->heightForWidth(widget->width()) : 0;
-      EXPECT_LE(height, widget->height()) << fromQt(widget->objectName());
-    }
+    expectTextsToFit(wizard.window());
   }
   EXPECT_TRUE(wizard.log().lines.empty()) << wizard.log().lines.front();
+}
+
+TEST_P(PagesTest, AlertsAndThePanelFit) {
+  Wizard wizard(GetParam());
+  wizard.show(wizard.pages().front());
+  const auto look = [](const char* dialogue, const std::string& name) {
+    QTimer::singleShot(0, qApp, [dialogue, name] {
+      auto* const shown = WindowTest::find<QDialog>(dialogue);
+      expectTextsToFit(*shown);
+      savePicture(*shown, name + "-" + GetParam());
+      shown->reject();
+    });
+  };
+  look("alert", "agree");
+  EXPECT_EQ(wizard.toolkit().runAlertPanel({.title = wizard.text("agree_message"),
+                                            .message = wizard.text("agree_information"),
+                                            .defaultButton = wizard.text("agree_button"),
+                                            .alternateButton = wizard.text("disagree_button"),
+                                            .style = Alert::Style::informational}),
+            AlertAnswer::alternateButton);
+  look("alert", "error");
+  wizard.toolkit().runAlertPanel(
+      {.title = wizard.text("install_error_title"),
+       .message = "The disk is full.\n/Library/Application Support/Corvane/Dunmore 3/Corvane Dunmore 3.app",
+       .defaultButton = wizard.text("install_error_proceed"),
+       .alternateButton = wizard.text("install_error_stop")});
+  look("openPanel", "browse");
+  EXPECT_EQ(wizard.toolkit().runOpenPanel({.title = wizard.text("browse_path_title"),
+                                           .message = wizard.text("browse_path_msg"),
+                                           .prompt = wizard.text("browse_path_prompt"),
+                                           .startFolder = "/usr/share",
+                                           .shouldShowFilename = {}}),
+            std::nullopt);
 }
 
 INSTANTIATE_TEST_SUITE_P(Languages, PagesTest, testing::ValuesIn(languages),

@@ -39,6 +39,8 @@ class WindowTest : public testing::Test {
   void meanwhile(What what) {
     QTimer::singleShot(0, qApp, std::move(what));
   }
+
+ public:
   template <class Widget>
   static Widget* find(const char* name) {
     for (QWidget* const top : QApplication::topLevelWidgets()) {
@@ -48,6 +50,7 @@ class WindowTest : public testing::Test {
     throw std::runtime_error(std::string("no widget named ") + name);
   }
 
+ protected:
   TestMachine machine_;
   SampleOwner owner_;
   RecordingLog& log_ = machine_.log;
