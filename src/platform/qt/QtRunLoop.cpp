@@ -1,6 +1,7 @@
 #include "platform/qt/QtRunLoop.h"
 
 #include <QCoreApplication>
+#include <QPointer>
 #include <QSocketNotifier>
 #include <QTimer>
 #include <algorithm>
@@ -10,19 +11,21 @@
 
 namespace {
 
-/// A descriptor that is watched. Its notifier lives on until the loop is reached again, because the watch may end while
-/// the notifier calls.
+/// A descriptor that is watched. Its notifier goes when the loop is reached again, or with the loop, because the watch
+/// may end while the notifier calls.
 struct Watched {
-  explicit Watched(int descriptor) : notifier(new QSocketNotifier(descriptor, QSocketNotifier::Read)) {}
+  Watched(int descriptor, QObject& parent)
+      : notifier(new QSocketNotifier(descriptor, QSocketNotifier::Read, &parent)) {}
   Watched(const Watched&) = delete;
   Watched& operator=(const Watched&) = delete;
   ~Watched() {
+    if (notifier == nullptr) return;
     notifier->setEnabled(false);
     notifier->disconnect();
     notifier->deleteLater();
   }
 
-  QSocketNotifier* notifier;
+  QPointer<QSocketNotifier> notifier;
 };
 
 /// Milliseconds until the limit, rounded up so that nobody wakes before it.
@@ -34,8 +37,9 @@ int timeUntil(RunLoop::Clock::time_point limit) {
 }  // namespace
 
 DescriptorRunLoop::Watch QtRunLoop::watchReadable(int descriptor, std::function<void()> handler) {
-  auto watched = std::make_shared<Watched>(descriptor);
-  QObject::connect(watched->notifier, &QSocketNotifier::activated, [handler = std::move(handler)] { handler(); });
+  auto watched = std::make_shared<Watched>(descriptor, notifiers_);
+  QObject::connect(watched->notifier.data(), &QSocketNotifier::activated,
+                   [handler = std::move(handler)] { handler(); });
   return watched;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QObject>
 #include <functional>
 
 #include "platform/posix/DescriptorRunLoop.h"
@@ -12,4 +13,7 @@ class QtRunLoop : public DescriptorRunLoop {
   bool runBeforeDate(Clock::time_point limit) override;
   /// What changed in the window is painted, too.
   void runUntilDate(Clock::time_point limit) override;
+
+ private:
+  QObject notifiers_;  ///< owns them
 };

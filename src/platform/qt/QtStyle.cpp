@@ -124,6 +124,11 @@ void drawRow(QPainter& painter, const QStyleOption& option) {
   painter.drawRoundedRect(QRectF(option.rect).adjusted(3, 1, -3, -1), 4, 4);
 }
 
+/// A tree draws its rows in pieces, which have to meet.
+void drawPieceOfRow(QPainter& painter, const QStyleOption& option) {
+  if (option.state.testFlag(QStyle::State_Selected)) painter.fillRect(option.rect, selectionIn(option));
+}
+
 void drawScrollBar(QPainter& painter, const QStyleOptionSlider& bar, const QRect& slider) {
   painter.fillRect(bar.rect, bar.palette.color(QPalette::Base));
   if (bar.minimum == bar.maximum) return;
@@ -213,10 +218,14 @@ void QtStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option
     case PE_Frame: drawFrame(*painter, *option); break;
     case PE_PanelLineEdit: drawField(*painter, *option); break;
     case PE_PanelItemViewItem:
-      if (qobject_cast<const QTreeView*>(widget) == nullptr) drawRow(*painter, *option);
+      if (qobject_cast<const QTreeView*>(widget) != nullptr) {
+        drawPieceOfRow(*painter, *option);
+      } else {
+        drawRow(*painter, *option);
+      }
       break;
-    case PE_PanelItemViewRow:  // of a tree: the row in pieces
-      if (option->state.testFlag(State_Selected)) painter->fillRect(option->rect, selectionIn(*option));
+    case PE_PanelItemViewRow:  // what lies before the item itself
+      drawPieceOfRow(*painter, *option);
       break;
     case PE_FrameFocusRect:  // these show it themselves
       if (qobject_cast<const QAbstractItemView*>(widget) != nullptr) break;
@@ -233,13 +242,21 @@ void QtStyle::drawControl(ControlElement element, const QStyleOption* option, QP
   const auto* const button = qstyleoption_cast<const QStyleOptionButton*>(option);
   const auto* const bar = qstyleoption_cast<const QStyleOptionProgressBar*>(option);
   const auto* const frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+  const auto* const item = qstyleoption_cast<const QStyleOptionViewItem*>(option);
   const bool isBusy = bar != nullptr && bar->minimum == bar->maximum;
   painter->save();
   if (element == CE_PushButton && button != nullptr) {
     drawButton(*painter, *button);
     drawButtonLabel(*painter, *button);
   } else if (element == CE_ShapedFrame && frame != nullptr && frame->frameShape == QFrame::Panel) {
-    if (frame->state.testFlag(State_HasFocus)) drawFrame(*painter, *frame);  // a quiet frame shows the focus only
+    // A quiet frame only shows the focus, and that to who moves it with the keyboard.
+    if (frame->state.testFlag(State_HasFocus) && frame->state.testFlag(State_KeyboardFocusChange)) {
+      drawFrame(*painter, *frame);
+    }
+  } else if (element == CE_ItemViewItem && item != nullptr) {
+    QStyleOptionViewItem legible = *item;
+    legible.palette.setColor(QPalette::HighlightedText, item->palette.color(QPalette::Text));
+    QProxyStyle::drawControl(element, &legible, painter, widget);
   } else if (element == CE_ProgressBar && bar != nullptr && !isBusy) {
     drawProgress(*painter, *bar);
   } else {
