@@ -23,9 +23,9 @@ bool RichText::replaceOccurrences(std::string_view what, std::string_view with) 
     end += run.length;
     while (next < end) {
       const std::size_t kept = std::min(end, found);
-      if (next < kept) result.append(std::string_view(text_).substr(next, kept - next), run.attributes);
-      next = std::max(next, kept);
-      if (next == found) {
+      result.append(std::string_view(text_).substr(next, kept - next), run.attributes);
+      next = kept;
+      if (found < end) {
         result.append(with, run.attributes);
         next = found + what.size();
         found = text_.find(what, next);

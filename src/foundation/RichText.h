@@ -58,7 +58,10 @@ class RichText {
   std::vector<Run> runs_;
 };
 
-/// Reads rich text format: characters in any of its notations, bold, italic, underline, sizes, colours, and paragraphs
-/// with their alignment, indent and space after. What else there may be is passed over. Throws Exception when the bytes
-/// are no rich text format.
+/// Reads rich text format: bold, italic, underline, sizes, colours, and paragraphs with their alignment, indent and
+/// space after. Characters are Unicode (\u), named, or bytes of the Windows (1252) or Mac Roman encoding; in a file
+/// that declares any other, bytes from 0x80 up become U+FFFD. Other destinations than text are left out, other
+/// formatting is passed over. The text is UTF-8 and holds no control characters but tabs and line feeds.
+///
+/// Throws Exception when the bytes are no rich text format, end early or nest too deeply.
 [[nodiscard]] RichText parseRichTextFormat(std::string_view bytes);

@@ -1,7 +1,11 @@
 #include <algorithm>
-#include <array>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
 #include <utility>
 
+#include "foundation/CodePage.h"
 #include "foundation/Exception.h"
 #include "foundation/RichText.h"
 #include "foundation/Text.h"
@@ -14,23 +18,24 @@ namespace {
 
 using Attributes = RichText::Attributes;
 
-/// Code points of the bytes 0x80 to 0x9F in the Windows encoding; the others stand for themselves.
-constexpr std::array<std::uint16_t, 32> windowsCodePoints = {
-    0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD, 0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
-
 struct NamedCharacter {
   std::string_view name;
   std::string_view text;
 };
 constexpr NamedCharacter namedCharacters[] = {
-    {"par", "\n"},         {"line", "\n"},        {"tab", "\t"},      {"emdash", "—"},    {"endash", "–"},
-    {"lquote", "‘"},       {"rquote", "’"},       {"ldblquote", "“"}, {"rdblquote", "”"}, {"bullet", "•"},
-    {"emspace", "\u2003"}, {"enspace", "\u2002"}, {"sect", "\n"},     {"page", "\n"}};
+    {"par", "\n"},      {"line", "\n"},  {"tab", "\t"},         {"emdash", "—"},
+    {"endash", "–"},    {"lquote", "‘"}, {"rquote", "’"},       {"ldblquote", "“"},
+    {"rdblquote", "”"}, {"bullet", "•"}, {"emspace", "\u2003"}, {"enspace", "\u2002"},
+    {"sect", "\n"},     {"page", "\n"},  {"cell", "\t"},        {"row", "\n"}};
 
-constexpr std::string_view destinationsWithoutText[] = {"fonttbl", "stylesheet", "info",      "pict",   "header",
-                                                        "footer",  "filetbl",    "listtable", "object", "footnote"};
+/// Those that are not marked as ones that a reader may leave out.
+constexpr std::string_view destinationsWithoutText[] = {
+    "fonttbl",   "stylesheet", "info",     "pict",    "nonshppict", "header",     "headerl",
+    "headerr",   "headerf",    "footer",   "footerl", "footerr",    "footerf",    "filetbl",
+    "listtable", "object",     "footnote", "fldinst", "annotation", "NeXTGraphic"};
+
+/// The most characters that may stand in for one that a reader does not know.
+constexpr std::int64_t longestFallback = 16;
 
 class Reader {
  public:
@@ -42,15 +47,16 @@ class Reader {
       const char c = bytes_[next_++];
       if (c == '{') {
         if (groups_.size() >= deepest) throw Exception("rich text format that is nested too deeply");
+        skipped_ = 0;
         groups_.push_back(group());
       } else if (c == '}') {
-        if (groups_.size() <= 1) throw Exception("rich text format with a brace too many");
+        skipped_ = 0;
         groups_.pop_back();
         if (groups_.size() == 1) return finish();
       } else if (c == '\\') {
         readControl();
       } else if (c != '\r' && c != '\n') {
-        addByte(c);
+        addByte(static_cast<std::uint8_t>(c));
       }
     }
     throw Exception("rich text format that ends too early");
@@ -67,6 +73,7 @@ class Reader {
   Group& group() { return groups_.back(); }
 
   RichText finish() {
+    closePair();
     flush();
     return std::move(result_);
   }
@@ -88,25 +95,31 @@ class Reader {
   void addText(std::string_view characters) {
     if (skipped_ > 0) {
       --skipped_;
-    } else if (group().isText) {
-      text() += characters;
+      return;
     }
+    closePair();
+    if (group().isText) text() += characters;
+  }
+
+  /// The first half of a pair of UTF-16 units that was not followed by the second.
+  void closePair() {
+    if (std::exchange(highHalf_, 0) != 0 && group().isText) text() += "\uFFFD";
   }
 
   void addCodePoint(std::uint32_t codePoint) {
     std::string character;
-    appendUtf8(character, codePoint);
+    const bool isShown = codePoint >= ' ' || codePoint == '\t';
+    if (isShown) appendUtf8(character, codePoint);
     addText(character);
   }
 
-  void addByte(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (group().isColourTable && c == ';') {
+  void addByte(std::uint8_t byte) {
+    if (group().isColourTable && byte == ';') {
       colours_.push_back(colour_);
       colour_ = std::nullopt;
       return;
     }
-    addCodePoint(byte >= 0x80 && byte <= 0x9F ? windowsCodePoints[byte - 0x80U] : byte);
+    addCodePoint(codePointOf(byte, codePage_));
   }
 
   void readControl() {
@@ -119,7 +132,7 @@ class Reader {
       case '\'': addByte(readHexadecimalByte()); break;
       case '\\':
       case '{':
-      case '}': addByte(c); break;
+      case '}': addByte(static_cast<std::uint8_t>(c)); break;
       case '~': addText("\u00A0"); break;
       case '_': addText("\u2011"); break;
       case '-': break;
@@ -130,7 +143,7 @@ class Reader {
     }
   }
 
-  char readHexadecimalByte() {
+  std::uint8_t readHexadecimalByte() {
     unsigned value = 0;
     for (int i = 0; i < 2 && next_ < bytes_.size(); ++i) {
       const char c = bytes_[next_];
@@ -142,21 +155,29 @@ class Reader {
       value = value * 16 + digit;
       ++next_;
     }
-    return static_cast<char>(value);
+    return static_cast<std::uint8_t>(value);
   }
 
   void readWord() {
     const std::size_t start = next_;
     while (next_ < bytes_.size() && ((bytes_[next_] | 0x20) >= 'a' && (bytes_[next_] | 0x20) <= 'z')) ++next_;
     const std::string_view word = bytes_.substr(start, next_ - start);
-    const std::size_t numberStart = next_;
-    if (next_ < bytes_.size() && bytes_[next_] == '-') ++next_;
-    while (next_ < bytes_.size() && bytes_[next_] >= '0' && bytes_[next_] <= '9') ++next_;
-    const bool hasNumber = next_ > numberStart;
-    const std::int64_t number =
-        std::clamp<std::int64_t>(integerValue(bytes_.substr(numberStart, next_ - numberStart)), -70'000, 70'000);
+    const std::optional<std::int64_t> number = readNumber();
     if (next_ < bytes_.size() && bytes_[next_] == ' ') ++next_;
-    apply(word, hasNumber ? std::optional(number) : std::nullopt);
+    apply(word, number);
+  }
+
+  /// The number that belongs to a control word. A hyphen without digits is text.
+  std::optional<std::int64_t> readNumber() {
+    const auto isDigit = [&](std::size_t at) { return at < bytes_.size() && bytes_[at] >= '0' && bytes_[at] <= '9'; };
+    const std::size_t start = next_;
+    std::size_t end = start;
+    if (end < bytes_.size() && bytes_[end] == '-') ++end;
+    if (!isDigit(end)) return std::nullopt;
+    while (isDigit(end)) ++end;
+    next_ = end;
+    constexpr std::int64_t largest = std::numeric_limits<std::int32_t>::max();
+    return std::clamp(integerValue(bytes_.substr(start, end - start)), -largest, largest);
   }
 
   void apply(std::string_view word, std::optional<std::int64_t> number) {
@@ -168,7 +189,7 @@ class Reader {
     } else if (word == "u") {
       addUtf16Unit(static_cast<std::uint16_t>(number.value_or(0)));
     } else if (word == "uc") {
-      group().bytesAfterUnicode = static_cast<int>(std::clamp<std::int64_t>(number.value_or(1), 0, 16));
+      group().bytesAfterUnicode = static_cast<int>(std::clamp<std::int64_t>(number.value_or(1), 0, longestFallback));
     } else if (word == "b") {
       attributes.bold = isOn;
     } else if (word == "i") {
@@ -216,7 +237,15 @@ class Reader {
 
   void applyToTables(std::string_view word, std::int64_t number) {
     const auto component = static_cast<std::uint8_t>(std::clamp<std::int64_t>(number, 0, 255));
-    if (word == "colortbl") {
+    if (word == "ansicpg") {
+      codePage_ = codePageOfNumber(number);
+    } else if (word == "mac") {
+      codePage_ = CodePage::macRoman;
+    } else if (word == "pc" || word == "pca") {
+      codePage_ = CodePage::unknown;
+    } else if (word == "bin") {
+      next_ += std::min(static_cast<std::size_t>(std::max<std::int64_t>(number, 0)), bytes_.size() - next_);
+    } else if (word == "colortbl") {
       group().isText = false;
       group().isColourTable = true;
     } else if (std::ranges::find(destinationsWithoutText, word) != std::end(destinationsWithoutText)) {
@@ -231,14 +260,15 @@ class Reader {
     const bool isHigh = unit >= 0xD800 && unit <= 0xDBFF;
     const bool isLow = unit >= 0xDC00 && unit <= 0xDFFF;
     skipped_ = 0;
-    if (isHigh) {
+    if (isLow && highHalf_ != 0) {
+      const std::uint32_t high = std::exchange(highHalf_, 0);
+      addCodePoint(0x10000U + ((high - 0xD800U) << 10U) + (unit - 0xDC00U));
+    } else if (isHigh) {
+      closePair();
       highHalf_ = unit;
-    } else if (isLow && highHalf_ != 0) {
-      addCodePoint(0x10000U + ((highHalf_ - 0xD800U) << 10U) + (unit - 0xDC00U));
     } else {
       addCodePoint(unit);
     }
-    if (!isHigh) highHalf_ = 0;
     skipped_ = group().bytesAfterUnicode;
   }
 
@@ -248,6 +278,7 @@ class Reader {
   std::vector<Group> groups_ = {Group{}};
   std::vector<std::optional<RichText::Colour>> colours_;
   std::optional<RichText::Colour> colour_;
+  CodePage codePage_ = CodePage::windowsLatin;
   std::uint32_t highHalf_ = 0;
   int skipped_ = 0;  ///< characters still to be passed over after a code point
   RichText result_;

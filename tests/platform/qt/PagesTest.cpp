@@ -77,8 +77,7 @@ class Wizard {
   [[nodiscard]] RichText richText(const std::string& name, const char* placeholder, const char* value) const {
     const std::string path = INSTALLER_BUNDLE "/Contents/Resources/" + language() + ".lproj/" + name + ".rtf";
     RichText text = parseRichTextFormat(readFile(path));
-    while (text.replaceFirst(placeholder, value)) {
-    }
+    static_cast<void>(text.replaceOccurrences(placeholder, value));
     return text;
   }
   [[nodiscard]] std::string language() const { return user_.preferredLanguages().front(); }
@@ -133,7 +132,7 @@ class Wizard {
         {.text = "Adobe Photoshop CS6", .detail = "/Applications/Adobe Photoshop CS6/Plug-Ins", .isTicked = true},
         {.text = "Adobe Photoshop CC 2019", .detail = "/Library/Application Support/Adobe/Plug-Ins/CC"},
         {.text = "Adobe Lightroom", .isTicked = true, .picture = toolkit_->imageNamed("Installer")}};
-    owner_.objects = {{"registerModel", &register_}, {"apertureRunModel", &aperture_}};
+    owner_.objects = {{"registerModel", &register_}, {"apertureRunModel", &aperture_}, {"hostsRunningModel", &owner_}};
     register_.values = {{"backgroundImage", toolkit_->imageNamed("checkmark")}};
     aperture_.values = {{"backgroundImage", toolkit_->imageNamed("GenericApplication")}};
     customOwner_.values = {{"customInstallPathLabelText", text("custom_install_label_path")},
