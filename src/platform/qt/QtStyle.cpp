@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
+#include <QDialogButtonBox>
 #include <QPainter>
 #include <QPainterPath>
 #include <QStyleOption>
@@ -315,9 +316,9 @@ int QtStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const Q
 int QtStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                        QStyleHintReturn* result) const {
   switch (hint) {
-    case SH_DialogButtonLayout: return 1;  // as on a Mac: the default button lower right
-    case SH_ItemView_ShowDecorationSelected: return 1;
-    case SH_DialogButtonBox_ButtonsHaveIcons: return 0;
+    case SH_DialogButtonLayout: return QDialogButtonBox::MacLayout;  // the default button lower right
+    case SH_ItemView_ShowDecorationSelected: return true;
+    case SH_DialogButtonBox_ButtonsHaveIcons: return false;
     default: return QProxyStyle::styleHint(hint, option, widget, result);
   }
 }

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QLayout>
 #include <QMainWindow>
 #include <QUiLoader>
@@ -51,6 +52,17 @@ void fixSize(QWidget& top) {
   }
 }
 
+/// A loader that knows Qt's own widgets. Left to itself it would load every plug-in of Designer's, and with one of them
+/// half of what Qt is, before the first window is seen.
+std::unique_ptr<QUiLoader> makeLoader() {
+  const QStringList paths = QCoreApplication::libraryPaths();
+  QCoreApplication::setLibraryPaths({});
+  auto loader = std::make_unique<QUiLoader>();
+  QCoreApplication::setLibraryPaths(paths);
+  loader->setTranslationEnabled(false);
+  return loader;
+}
+
 Error unusable(const std::string& name, const std::string& why) {
   Error error = Error::posix(std::errc::invalid_argument, name);
   error.userInfo[std::string(Error::localizedDescriptionKey)] = formatted("Interface %@: %@", name, why);
@@ -58,6 +70,10 @@ Error unusable(const std::string& name, const std::string& why) {
 }
 
 }  // namespace
+
+QtToolkit::QtToolkit(const WindowServices& services) : services_(services) {}
+
+QtToolkit::~QtToolkit() = default;
 
 AlertAnswer QtToolkit::runAlertPanel(const Alert& alert) {
   const char* const picture = alert.style == Alert::Style::warning ? "Caution" : "Installer";
@@ -75,11 +91,9 @@ Result<std::unique_ptr<Interface>> QtToolkit::loadInterface(const std::string& n
   QByteArray bytes(description->data(), static_cast<qsizetype>(description->size()));
   QBuffer buffer(&bytes);
   buffer.open(QIODevice::ReadOnly);
-  QUiLoader loader;
-  loader.clearPluginPaths();
-  loader.setTranslationEnabled(false);
-  std::unique_ptr<QWidget> top(loader.load(&buffer));
-  if (top == nullptr) return unusable(name, fromQt(loader.errorString()));
+  if (loader_ == nullptr) loader_ = makeLoader();
+  std::unique_ptr<QWidget> top(loader_->load(&buffer));
+  if (top == nullptr) return unusable(name, fromQt(loader_->errorString()));
   finish(*top);
   fixSize(*top);
   layOut(*top);

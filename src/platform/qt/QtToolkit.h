@@ -8,10 +8,15 @@
 #include "platform/qt/QtViews.h"
 #include "platform/qt/QtWindows.h"
 
+class QUiLoader;
+
 /// Talks to the person through windows of Qt's. There must be a QApplication as long as this lives.
 class QtToolkit : public Toolkit {
  public:
-  explicit QtToolkit(const WindowServices& services) : services_(services) {}
+  explicit QtToolkit(const WindowServices& services);
+  ~QtToolkit() override;
+  QtToolkit(const QtToolkit&) = delete;
+  QtToolkit& operator=(const QtToolkit&) = delete;
 
   AlertAnswer runAlertPanel(const Alert& alert) override;
   std::optional<std::string> runOpenPanel(const OpenPanel& panel) override;
@@ -31,5 +36,6 @@ class QtToolkit : public Toolkit {
   WindowServices services_;
   std::shared_ptr<QtViews> views_ = std::make_shared<QtViews>();
   QtWindows windows_;
+  std::unique_ptr<QUiLoader> loader_;
   std::map<std::string, Picture> pictures_;  ///< that were asked for by name
 };
