@@ -183,7 +183,7 @@ QImage error() {
 
 bool save(const QImage& image, const QString& path) {
   QImageWriter writer(path);
-  writer.setCompression(path.endsWith(".tiff") ? 1 : 100);  // TIFF: 1 stands for LZW
+  if (path.endsWith(".tiff")) writer.setCompression(1);  // LZW
   if (writer.write(image.convertToFormat(QImage::Format_ARGB32))) return true;
   std::cerr << path.toStdString() << ": " << writer.errorString().toStdString() << '\n';
   return false;
@@ -198,8 +198,8 @@ int main(int argc, char** argv) {
     return 64;
   }
   const QString folder = QString::fromLocal8Bit(argv[1]) + '/';
-  const bool isDone = save(product(), folder + "Product.png") && save(installer(), folder + "Installer.icns") &&
-                      save(application(), folder + "GenericApplication.icns") &&
+  const bool isDone = save(product(), folder + "Product.tiff") && save(installer(), folder + "Installer.icns") &&
+                      save(application(), folder + "GenericApplication.tiff") &&
                       save(dot(QColor(0x4c, 0x9b, 0xff), QColor(0x0b, 0x5f, 0xd6)), folder + "DotBlue.tiff") &&
                       save(dot(QColor(0xb4, 0xb4, 0xb9), QColor(0x95, 0x95, 0x9b)), folder + "DotGray.tiff") &&
                       save(checkmark(), folder + "checkmark.tiff") && save(error(), folder + "Installer_Error.tiff") &&

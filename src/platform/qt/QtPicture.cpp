@@ -2,8 +2,12 @@
 
 #include <QBuffer>
 #include <QEvent>
+#include <QImageIOHandler>
+#include <QImageIOPlugin>
 #include <QImageReader>
 #include <QPixmap>
+#include <QPluginLoader>
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -12,7 +16,7 @@ namespace {
 constexpr std::size_t largestFile = std::size_t{32} << 20U;
 constexpr int largestPictureInMegabytes = 64;
 
-/// The formats that are read, by how their files start. Qt would load every plug-in that it has to find out.
+/// The formats that are read, by how their files start.
 const char* formatOf(std::string_view bytes) {
   using namespace std::string_view_literals;
   if (bytes.starts_with("\x89PNG")) return "png";
@@ -20,6 +24,25 @@ const char* formatOf(std::string_view bytes) {
   if (bytes.starts_with("II*\0"sv) || bytes.starts_with("MM\0*"sv)) return "tiff";
   if (bytes.starts_with("\xFF\xD8\xFF")) return "jpeg";
   return nullptr;
+}
+
+/// What reads the format, from the one plug-in that does; null for a format that Qt reads itself. Its own search would
+/// load every plug-in of the kind first, which takes longer than reading the picture.
+std::unique_ptr<QImageIOHandler> handlerFor(const char* format, QIODevice& device) {
+  QPluginLoader loader(QString("imageformats/q") + format);
+  auto* const plugin = qobject_cast<QImageIOPlugin*>(loader.instance());
+  return std::unique_ptr<QImageIOHandler>(plugin != nullptr ? plugin->create(&device, format) : nullptr);
+}
+
+/// A file for icons holds the same picture in several sizes.
+QImage readLargest(QImageIOHandler& handler) {
+  QImage largest;
+  for (int i = 0; i < std::max(1, handler.imageCount()); ++i) {
+    QImage image;
+    if (i > 0 && !handler.jumpToNextImage()) break;
+    if (handler.canRead() && handler.read(&image) && image.width() > largest.width()) largest = image;
+  }
+  return largest;
 }
 
 /// Fits the picture to its label.
@@ -72,13 +95,8 @@ Picture readPicture(const FileSystem& files, const std::string& path) {
   QBuffer buffer(&data);
   if (!buffer.open(QIODevice::ReadOnly)) return nullptr;
   QImageReader::setAllocationLimit(largestPictureInMegabytes);
-  QImageReader reader(&buffer, format);
-  reader.setAutoDetectImageFormat(false);
-  QImage largest = reader.read();
-  while (reader.format() == "icns" && reader.jumpToNextImage()) {  // the same picture in several sizes
-    const QImage image = reader.read();
-    if (image.width() > largest.width()) largest = image;
-  }
+  const std::unique_ptr<QImageIOHandler> handler = handlerFor(format, buffer);
+  QImage largest = handler != nullptr ? readLargest(*handler) : QImageReader(&buffer, format).read();
   if (largest.isNull()) return nullptr;
   return std::make_shared<QtPicture>(std::move(largest));
 }

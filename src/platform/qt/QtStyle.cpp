@@ -169,6 +169,16 @@ void drawProgress(QPainter& painter, const QStyleOptionProgressBar& bar) {
   painter.drawRoundedRect(done, 3, 3);
 }
 
+QPixmap chevron() {
+  QPixmap pixmap(10, 10);
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(Qt::gray, 1.5));
+  painter.drawPolyline(QPolygonF{{3, 1.5}, {6.5, 5}, {3, 8.5}});
+  return pixmap;
+}
+
 struct Shade {
   QPalette::ColorRole role;
   const char* light;
@@ -321,6 +331,12 @@ int QtStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget
     case SH_DialogButtonBox_ButtonsHaveIcons: return false;
     default: return QProxyStyle::styleHint(hint, option, widget, result);
   }
+}
+
+QIcon QtStyle::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const {
+  // Every menu bar asks for this one, and to read it from its file would load all plug-ins for pictures.
+  if (icon == SP_ToolBarHorizontalExtensionButton) return {chevron()};
+  return QProxyStyle::standardIcon(icon, option, widget);
 }
 
 QSize QtStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,

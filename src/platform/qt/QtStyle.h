@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QPalette>
 #include <QProxyStyle>
 
@@ -30,6 +31,8 @@ class QtStyle : public QProxyStyle {
   [[nodiscard]] int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
   [[nodiscard]] int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                               QStyleHintReturn* result) const override;
+  [[nodiscard]] QIcon standardIcon(StandardPixmap icon, const QStyleOption* option,
+                                   const QWidget* widget) const override;
   [[nodiscard]] QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
                                        const QWidget* widget) const override;
 };

@@ -2,7 +2,6 @@
 
 #include <QAction>
 #include <QBuffer>
-#include <QCoreApplication>
 #include <QLayout>
 #include <QMainWindow>
 #include <QUiLoader>
@@ -14,6 +13,7 @@
 #include "platform/qt/QtInterface.h"
 #include "platform/qt/QtOpenPanel.h"
 #include "platform/qt/QtPicture.h"
+#include "platform/qt/QtPlugins.h"
 #include "platform/qt/QtText.h"
 
 namespace {
@@ -52,13 +52,10 @@ void fixSize(QWidget& top) {
   }
 }
 
-/// A loader that knows Qt's own widgets. Left to itself it would load every plug-in of Designer's, and with one of them
-/// half of what Qt is, before the first window is seen.
+/// A loader that knows Qt's own widgets. One plug-in of Designer's would bring half of what Qt is with it.
 std::unique_ptr<QUiLoader> makeLoader() {
-  const QStringList paths = QCoreApplication::libraryPaths();
-  QCoreApplication::setLibraryPaths({});
+  const NoPlugins none;
   auto loader = std::make_unique<QUiLoader>();
-  QCoreApplication::setLibraryPaths(paths);
   loader->setTranslationEnabled(false);
   return loader;
 }

@@ -1,4 +1,5 @@
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QDialog>
 #include <QLabel>
 #include <QListWidget>
@@ -231,6 +232,41 @@ TEST_P(PagesTest, EveryTextFitsAndNothingMoves) {
     expectTextsToFit(wizard.window());
   }
   EXPECT_TRUE(wizard.log().lines.empty()) << wizard.log().lines.front();
+}
+
+/// Object names of what the tabulator key reaches on the page, from the first control on.
+std::string tabOrder(const QWidget& window) {
+  std::string names;
+  const QWidget* const first = window.focusWidget();
+  for (int i = 0; i < 20; ++i) {
+    QWidget* const focused = window.focusWidget();
+    const QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(focused);
+    EXPECT_FALSE(told->text(QAccessible::Name).isEmpty()) << fromQt(focused->objectName());
+    EXPECT_NE(told->role(), QAccessible::Client) << fromQt(focused->objectName());
+    names += fromQt(focused->objectName()) + " ";
+    QTest::keyClick(focused, Qt::Key_Tab);
+    if (window.focusWidget() == first) break;
+  }
+  return names;
+}
+
+TEST(KeyboardTest, ReachesEveryControlInTheOrderOfThePage) {
+  Wizard wizard("en");
+  const std::map<std::string, std::string> expected = {
+      {"license", "licenseTextView backwardButton forwardButton "},
+      {"hosts",
+       "foundHostsController configureLumatraExternalEditors customInstallButton backwardButton forwardButton "},
+      {"custom",
+       "browseButton customPathField installPluginCheckBox installScriptsAndPanelsCheckBox backwardButton "
+       "forwardButton "},
+      {"running", "rtfTextView backwardButton "},
+      {"success", "registerTextView forwardButton "}};
+  for (const Wizard::Page& page : wizard.pages()) {
+    const auto order = expected.find(page.name);
+    if (order == expected.end()) continue;
+    wizard.show(page);
+    EXPECT_EQ(tabOrder(wizard.window()), order->second) << page.name;
+  }
 }
 
 TEST_P(PagesTest, AlertsAndThePanelFit) {
