@@ -9,26 +9,25 @@
 #include <QLibraryInfo>
 #include <QtGlobal>
 #include <memory>
-#include <string_view>
+#include <utility>
 
 #include "platform/posix/FileDescriptor.h"
 
 namespace {
 
-/// Connects as Qt is going to, with the person's authority for the display.
-bool hasXDisplay() {
-  const std::unique_ptr<void, int (*)(void*)> library(::dlopen("libxcb.so.1", RTLD_NOW | RTLD_LOCAL),
-                                                      [](void* handle) { return ::dlclose(handle); });
-  if (library == nullptr || qEnvironmentVariableIsEmpty("DISPLAY")) return false;
+/// Connects as Qt is going to, with the person's authority for the display; null when that fails.
+std::shared_ptr<void> connectToX() {
+  if (qEnvironmentVariableIsEmpty("DISPLAY")) return nullptr;
+  void* const library = ::dlopen("libxcb.so.1", RTLD_NOW | RTLD_LOCAL);  // stays, Qt needs it, too
+  if (library == nullptr) return nullptr;
   struct Connection;
-  auto* const connect = reinterpret_cast<Connection* (*)(const char*, int*)>(::dlsym(library.get(), "xcb_connect"));
-  auto* const hasError = reinterpret_cast<int (*)(Connection*)>(::dlsym(library.get(), "xcb_connection_has_error"));
-  auto* const disconnect = reinterpret_cast<void (*)(Connection*)>(::dlsym(library.get(), "xcb_disconnect"));
-  if (connect == nullptr || hasError == nullptr || disconnect == nullptr) return false;
-  Connection* const connection = connect(nullptr, nullptr);
-  const bool isConnected = hasError(connection) == 0;
-  disconnect(connection);
-  return isConnected;
+  auto* const connect = reinterpret_cast<Connection* (*)(const char*, int*)>(::dlsym(library, "xcb_connect"));
+  auto* const hasError = reinterpret_cast<int (*)(Connection*)>(::dlsym(library, "xcb_connection_has_error"));
+  auto* const disconnect = reinterpret_cast<void (*)(Connection*)>(::dlsym(library, "xcb_disconnect"));
+  if (connect == nullptr || hasError == nullptr || disconnect == nullptr) return nullptr;
+  std::shared_ptr<Connection> connection(connect(nullptr, nullptr), disconnect);
+  if (hasError(connection.get()) != 0) return nullptr;
+  return connection;
 }
 
 bool hasWaylandDisplay() {
@@ -46,15 +45,17 @@ bool hasWaylandDisplay() {
 
 }  // namespace
 
-std::string problemWithDisplay() {
+FoundDisplay findDisplay() {
   const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
   // A platform that was asked for by name and needs no display, or one that only Qt can judge.
   if (!platform.isEmpty() && !platform.startsWith("xcb") && !platform.startsWith("wayland")) return {};
-  if (!platform.startsWith("wayland") && hasXDisplay()) return {};
+  if (!platform.startsWith("wayland")) {
+    if (auto connection = connectToX()) return {.problem = {}, .connection = std::move(connection)};
+  }
   if (!platform.startsWith("xcb") && hasWaylandDisplay()) {
     if (platform.isEmpty()) qputenv("QT_QPA_PLATFORM", "wayland");
     return {};
   }
   const bool isNamed = !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-  return isNamed ? "the display cannot be reached" : "there is no display";
+  return {.problem = isNamed ? "the display cannot be reached" : "there is no display", .connection = nullptr};
 }

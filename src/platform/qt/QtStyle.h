@@ -1,16 +1,7 @@
 #pragma once
 
 #include <QIcon>
-#include <QPalette>
 #include <QProxyStyle>
-
-enum class Appearance { light, dark };
-
-/// The appearance that the person wants: INSTALLER_APPEARANCE ("light" or "dark"), GTK_THEME, or that of the desktop's
-/// own palette.
-[[nodiscard]] Appearance wantedAppearance(const QPalette& desktop);
-
-[[nodiscard]] QPalette paletteFor(Appearance appearance);
 
 /// Quiet controls, as a careful installer has them: round corners, thin lines, the default button in the accent colour,
 /// and a ring around what has the keyboard. The rest is Fusion.

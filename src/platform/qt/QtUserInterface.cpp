@@ -4,6 +4,7 @@
 
 #include "foundation/Value.h"
 #include "platform/qt/Display.h"
+#include "platform/qt/QtPalette.h"
 #include "platform/qt/QtStyle.h"
 #include "platform/qt/QtText.h"
 
@@ -14,7 +15,8 @@ constexpr int textSize = 13;
 }  // namespace
 
 std::unique_ptr<QtUserInterface> QtUserInterface::make(const WindowServices& services, std::string& problem) {
-  problem = problemWithDisplay();
+  const FoundDisplay display = findDisplay();
+  problem = display.problem;
   if (!problem.empty()) return nullptr;
   return std::unique_ptr<QtUserInterface>(new QtUserInterface(services));
 }

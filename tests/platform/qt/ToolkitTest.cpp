@@ -10,9 +10,9 @@
 #include <cstdlib>
 
 #include "platform/qt/QtOpenPanel.h"
+#include "platform/qt/QtPalette.h"
 #include "platform/qt/QtPicture.h"
 #include "platform/qt/QtRichText.h"
-#include "platform/qt/QtStyle.h"
 #include "platform/qt/WindowTest.h"
 
 namespace {
