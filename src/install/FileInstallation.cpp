@@ -213,10 +213,16 @@ void InstallFilesController::ensureDirExists(const std::string& path) {
 bool InstallFilesController::createFolderForUser(const std::string& path) {
   if (platform_.files.createDirectory(path, installedMode)) {
     setAttributesRecursive(path, {.owner = platform_.user.shortName(), .group = "admin", .permissions = installedMode});
-    return true;
+    return giveToUser(path);
   }
   return runToolWithoutOutput("/bin/mkdir", {"-m775", "-p", path}) &&
          runToolWithoutOutput("/usr/sbin/chown", {"-R", ownerText(), path});
+}
+
+bool InstallFilesController::giveToUser(const std::string& path) {
+  if (platform_.files.setAttributes(path, {.owner = platform_.user.shortName(), .group = "admin"})) return true;
+  // Who is not of the group cannot give anything to it.
+  return runToolWithoutOutput("/usr/sbin/chown", {"-R", ownerText(), path});
 }
 
 void InstallFilesController::setAttributesRecursive(const std::string& path, const OwnershipAndMode& attributes) {

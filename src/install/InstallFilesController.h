@@ -151,6 +151,7 @@ class InstallFilesController : public SetupStepController {
   [[nodiscard]] Outcome putInPlace(const std::string& source, const std::string& target, bool isReplacing);
   [[nodiscard]] bool appearsInTime(const std::string& source, const std::string& target);
   [[nodiscard]] bool createFolderForUser(const std::string& path);
+  [[nodiscard]] bool giveToUser(const std::string& path);
   void reportFailedFile(const std::string& path);
   [[nodiscard]] Alert fileErrorAlert(const std::string& errorText, const std::string& path) const;
 

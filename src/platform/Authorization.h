@@ -9,6 +9,8 @@
 /// Result of a privileged launch, in the system's numbering; 0 is success.
 using LaunchStatus = std::int32_t;
 inline constexpr LaunchStatus launchSucceeded = 0;
+inline constexpr LaunchStatus errAuthorizationDenied = -60005;
+inline constexpr LaunchStatus errAuthorizationCanceled = -60006;
 inline constexpr LaunchStatus errAuthorizationToolExecuteFailure = -60031;
 
 /// Reading end of a launched tool's standard output.

@@ -1,3 +1,4 @@
+#include <grp.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -6,7 +7,8 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "support/TestMachine.h"
+#include "platform/linux/rights/HelperAuthorization.h"
+#include "support/HelperProcess.h"
 
 namespace {
 
@@ -65,10 +67,9 @@ class QuietInstallAsRootTest : public QuietInstallTest {
     return run(before, "-quiet -target '" + volume_.string() + "'" + after);
   }
   [[nodiscard]] std::string installed(const std::string& path) const { return readFile(volume_.string() + path); }
-  [[nodiscard]] static std::string ownerOf(const fs::path& path) {
-    struct stat status {};
-    if (::lstat(path.c_str(), &status) != 0) return "(none)";
-    return std::to_string(status.st_uid) + ":" + std::to_string(status.st_gid);
+  /// Lets everybody start the program.
+  void openToAll() const {
+    for (const fs::path& path : {folder_.path(), bundle_}) ::chmod(path.c_str(), 0755);
   }
 
   const std::string log_ = "/Library/Application Support/Corvane/Dunmore 3 Installer.log";
@@ -128,13 +129,113 @@ TEST_F(QuietInstallAsRootTest, SaysWhatFailed) {
   EXPECT_EQ(installed(log_).find("CC 2019"), std::string::npos) << "no further host";
 }
 
-TEST_F(QuietInstallAsRootTest, InstallsNothingWithoutRights) {
-  for (const fs::path& path : {folder_.path(), bundle_}) ::chmod(path.c_str(), 0755);
-  const Outcome outcome = install("setpriv --reuid=65534 --regid=65534 --clear-groups");
+TEST_F(QuietInstallAsRootTest, AsksNobodyWhereNobodyCanAnswer) {
+  openToAll();
+  const Outcome outcome = install("setsid -w setpriv --reuid=65534 --regid=65534 --clear-groups --reset-env");
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_TRUE(outcome.errors.ends_with("SFAuthorization permit with rights error\n")) << outcome.errors;
+  // With sudo it turns out at the first launch, and without any such program before it.
+  EXPECT_TRUE(outcome.says("  Administrator rights were refused.\n") ||
+              outcome.errors.ends_with("SFAuthorization permit with rights error\n"))
+      << outcome.output << outcome.errors;
   EXPECT_TRUE(outcome.says("Items installed: 0\n")) << outcome.output;
   EXPECT_EQ(namesIn(volume_ / "Library/Application Support"), "Adobe");
+}
+
+/// As an account made for the purpose, which may use sudo, with a program that gives its password.
+class QuietInstallAsUserTest : public QuietInstallAsRootTest {
+ protected:
+  void SetUp() override {
+    QuietInstallAsRootTest::SetUp();
+    if (IsSkipped()) return;
+    if (!findExecutable("sudo") || !groupNumber("sudo")) GTEST_SKIP() << "sudo is not installed";
+    ASSERT_EQ(std::system(("useradd -M -G sudo " + name_ + " && echo " + name_ + ":secret | chpasswd").c_str()), 0);
+    isMade_ = true;
+    openToAll();
+    fs::remove_all(volume_);
+    ASSERT_EQ(std::system((MAKE_SAMPLE_VOLUME " '" + volume_.string() + "' " + name_ + " " STAND_IN).c_str()), 0);
+    writeFile(asked_, "");
+    ::chmod(asked_.c_str(), 0666);
+  }
+  void TearDown() override { EXPECT_TRUE(!isMade_ || std::system(("userdel " + name_ + " 2>/dev/null").c_str()) == 0); }
+
+  /// Installs; `answer` is what the program that is asked for the password does.
+  Outcome installAnswering(const std::string& answer) {
+    writeFile(askpass_, "#!/bin/sh\necho asked >>" + asked_.string() + "\n" + answer + "\n");
+    ::chmod(askpass_.c_str(), 0755);
+    return install("setsid -w setpriv --reuid=" + name_ + " --regid=" + name_ +
+                   " --init-groups --reset-env env LANG=C SUDO_ASKPASS=" + askpass_.string());
+  }
+
+  /// What a launch with rights gives the account, twice in a row: the system's number without its thousands.
+  int statusOfLaunches(const std::string& answer) {
+    writeFile(askpass_, "#!/bin/sh\necho asked >>" + asked_.string() + "\n" + answer + "\n");
+    ::chmod(askpass_.c_str(), 0755);
+    const uid_t id = *userNumber(name_);
+    const HelperSetup setup{bundle_ / "Contents/Helpers", volume_, Surface::console};
+    const pid_t child = ::fork();
+    if (child == 0) {
+      const bool isUser = ::setsid() > 0 && ::initgroups(name_.c_str(), id) == 0 && ::setgid(id) == 0 &&
+                          ::setuid(id) == 0 && ::setenv("SUDO_ASKPASS", askpass_.c_str(), 1) == 0;
+      HelperAuthorization authorization(setup);
+      std::unique_ptr<CommunicationsPipe> pipe;
+      const auto launch = [&] {
+        const auto status = authorization.executeWithPrivileges("/usr/bin/touch", {"/Applications/x"}, pipe);
+        authorization.waitForAnyChild();
+        return status;
+      };
+      const LaunchStatus status = launch();
+      const bool isLast = isUser && authorization.obtain(Authorization::extendRights) && launch() == status;
+      std::_Exit(!isLast ? 1 : status == launchSucceeded ? 0 : -60000 - status);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WEXITSTATUS(status);
+  }
+
+  const std::string name_ = "installer-test-" + std::to_string(::getpid());
+  const fs::path askpass_ = folder_.path() / "askpass";
+  const fs::path asked_ = folder_.path() / "asked";
+  bool isMade_ = false;
+};
+
+TEST_F(QuietInstallAsUserTest, InstallsWithOnePrompt) {
+  const Outcome outcome = installAnswering("echo secret");
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_TRUE(outcome.says("Hosts found: 4\n") && outcome.says("Failures: 0\n")) << outcome.output << outcome.errors;
+  EXPECT_EQ(readFile(asked_), "asked\n");
+  const std::string owner = std::to_string(*userNumber(name_)) + ":" + std::to_string(*groupNumber("admin"));
+  std::size_t lines = 0;
+  std::istringstream paths(installed(log_));
+  for (std::string path; std::getline(paths, path); ++lines) {
+    const fs::path item = volume_.string() + path;
+    EXPECT_EQ(ownerOf(item) + " " + modeOf(item), owner + (path.ends_with(".csv") ? " 644" : " 775")) << path;
+    if (!fs::is_directory(item)) continue;
+    for (const auto& entry : fs::recursive_directory_iterator(item)) EXPECT_EQ(ownerOf(entry.path()), owner) << entry;
+  }
+  EXPECT_TRUE(lines > 20 && outcome.says("Items installed: " + std::to_string(lines) + "\n")) << outcome.output;
+  EXPECT_EQ(ownerOf(volume_.string() + log_) + " " + modeOf(volume_.string() + log_), owner + " 644");
+
+  // Over what root owns now, once more.
+  ASSERT_EQ(std::system(("chown -R 0:0 '" + volume_.string() + "/Applications'").c_str()), 0);
+  const Outcome again = installAnswering("echo secret");
+  EXPECT_EQ(again.output, outcome.output) << again.errors;
+  EXPECT_EQ(ownerOf(volume_ / "Applications/Corvane Dunmore 3 Studio.app/Contents"), owner);
+}
+
+TEST_F(QuietInstallAsUserTest, StopsWhenTheUserCancelsOrIsRefused) {
+  const Outcome outcome = installAnswering("exit 1");
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_TRUE(outcome.says("Items installed: 0\n") && outcome.says("  Administrator rights were refused.\n"))
+      << outcome.output;
+  EXPECT_EQ(readFile(asked_), "asked\n") << "and nobody is asked again";
+  EXPECT_EQ(namesIn(volume_ / "Library/Application Support"), "Adobe");
+  EXPECT_EQ(statusOfLaunches("exit 1"), 6) << "cancelled";
+  EXPECT_EQ(statusOfLaunches("echo secret"), 0);
+  EXPECT_EQ(readFile(asked_), "asked\nasked\nasked\n");
+  ASSERT_EQ(std::system(("gpasswd -d " + name_ + " sudo >/dev/null").c_str()), 0);
+  EXPECT_EQ(statusOfLaunches("echo secret"), 5) << "refused";
+  fs::remove(bundle_ / "Contents/Helpers/rights");
+  EXPECT_EQ(statusOfLaunches("echo secret"), 5);
 }
 
 TEST_F(QuietInstallAsRootTest, GoesOnWhenNobodyReadsItsOutput) {

@@ -60,6 +60,6 @@ void InstallFilesController::configureLumatraExternalEditors() {
   if (text.empty()) return;
 
   // Not worth failing an install for: without a list Lumatra X offers no editors, which is what it did before.
-  ignore(platform_.files.createFile(list, text, 0644));
+  if (platform_.files.createFile(list, text, 0644)) static_cast<void>(giveToUser(list));
   installedPaths_.push_back(list);
 }

@@ -60,6 +60,8 @@ std::optional<std::string> desktopEntry(const std::string& name, const std::stri
          "\nExec=" + escapedValue(quotedArgument(executable)) + "\nTerminal=false\nCategories=Graphics;\n";
 }
 
+std::string applicationsFolderIn(const std::string& home) { return joinPath(home, ".local/share/applications"); }
+
 DesktopEntries::DesktopEntries(const Volume& volume, FileSystem& files, const Bundles& bundles,
                                std::string applicationsFolder)
     : volume_(volume), files_(files), bundles_(bundles), applicationsFolder_(std::move(applicationsFolder)) {}

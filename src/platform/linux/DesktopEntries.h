@@ -23,5 +23,8 @@ class DesktopEntries : public LaunchServices {
   std::string applicationsFolder_;
 };
 
+/// Where in a home folder the entries are.
+[[nodiscard]] std::string applicationsFolderIn(const std::string& home);
+
 /// The text of a desktop entry; nothing when the format cannot express the executable's path.
 [[nodiscard]] std::optional<std::string> desktopEntry(const std::string& name, const std::string& executable);

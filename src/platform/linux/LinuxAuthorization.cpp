@@ -6,35 +6,18 @@
 #include <cerrno>
 #include <utility>
 
+#include "platform/linux/ToolOutput.h"
+#include "platform/linux/rights/HelperAuthorization.h"
 #include "platform/posix/ChildProcess.h"
 #include "platform/posix/Pipe.h"
 
 namespace {
 
-class ToolOutput : public CommunicationsPipe {
- public:
-  explicit ToolOutput(FileDescriptor reading) : reading_(std::move(reading)) {}
-
-  std::size_t read(char* bytes, std::size_t size) override {
-    std::size_t got = 0;
-    while (got < size) {
-      const ssize_t length = ::read(reading_.get(), bytes + got, size - got);
-      if (length < 0 && errno == EINTR) continue;
-      if (length <= 0) break;
-      got += static_cast<std::size_t>(length);
-    }
-    return got;
-  }
-
- private:
-  FileDescriptor reading_;
-};
-
 class RootAuthorization : public Authorization {
  public:
   explicit RootAuthorization(const SystemTools& tools) : tools_(tools) {}
 
-  bool obtain(std::uint32_t /*flags*/) override { return ::geteuid() == 0; }
+  bool obtain(std::uint32_t /*flags*/) override { return true; }
 
   LaunchStatus executeWithPrivileges(const std::string& toolPath, const std::vector<std::string>& arguments,
                                      std::unique_ptr<CommunicationsPipe>& pipe) override {
@@ -60,5 +43,6 @@ class RootAuthorization : public Authorization {
 }  // namespace
 
 std::unique_ptr<Authorization> LinuxAuthorizations::createAuthorization() {
-  return std::make_unique<RootAuthorization>(tools_);
+  if (::geteuid() == 0) return std::make_unique<RootAuthorization>(tools_);
+  return std::make_unique<HelperAuthorization>(setup_);
 }

@@ -1,19 +1,20 @@
 #pragma once
 
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "platform/Authorization.h"
 #include "platform/linux/SystemTools.h"
+#include "platform/linux/rights/HelperStart.h"
 
-/// Administrator rights of a process that has them: root runs the tools itself. Nobody else obtains any.
+/// Administrator rights: root runs the tools itself, and everybody else has one helper run them, which the system asks
+/// a password for.
 class LinuxAuthorizations : public Authorizations {
  public:
-  explicit LinuxAuthorizations(const SystemTools& tools) : tools_(tools) {}
+  LinuxAuthorizations(const SystemTools& tools, HelperSetup setup) : tools_(tools), setup_(std::move(setup)) {}
 
   [[nodiscard]] std::unique_ptr<Authorization> createAuthorization() override;
 
  private:
   const SystemTools& tools_;
+  HelperSetup setup_;
 };

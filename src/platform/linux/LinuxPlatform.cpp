@@ -71,23 +71,19 @@ std::unique_ptr<UserInterface> loadWindow(const std::string& bundlePath, const W
   return made;
 }
 
-std::string homeOnVolume(const std::string& volumeRoot, const PosixUser& user) {
-  return volumeRoot == "/" ? user.account().home : joinPath("/Users", user.shortName());
-}
-
 }  // namespace
 
 LinuxPlatform::LinuxPlatform(const std::string& volumeRoot, const std::string& bundlePath, UserAccount user,
-                             const MakeInterface& makeInterface)
+                             const MakeInterface& makeInterface, Surface surface)
     : user_(std::move(user), preferredLanguages()),
       volume_(volumeRoot, bundlePath),
       files_(volume_, user_),
-      folders_(files_, homeOnVolume(volumeRoot, user_)),
+      folders_(files_, homeOnVolume(volumeRoot, user_.account())),
       bundles_(bundlePath, files_, user_, log_),
       preferences_(files_, folders_, log_),
-      applicationsFolder_(joinPath(folders_.homeDirectory(), ".local/share/applications")),
+      applicationsFolder_(applicationsFolderIn(folders_.homeDirectory())),
       tools_(volume_, user_, joinPath(bundlePath, "Contents/Helpers"), applicationsFolder_),
-      authorizations_(tools_),
+      authorizations_(tools_, {joinPath(bundlePath, "Contents/Helpers"), volumeRoot, surface}),
       interface_(makeInterface({files_, bundles_, user_, log_})),
       tasks_(interface_->runLoop(), notifications_),
       desktopEntries_(volume_, files_, bundles_, applicationsFolder_),
@@ -126,12 +122,13 @@ Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& ta
   const auto bundle = ownBundle();
   if (!bundle) return Error::posix(std::errc::no_such_file_or_directory, "the bundle that the program should lie in");
   std::string problem;
-  auto system = std::make_unique<LinuxPlatform>(*root, *bundle, loggedInUser(), [&](const WindowServices& services) {
+  const auto makeInterface = [&](const WindowServices& services) {
     std::unique_ptr<UserInterface> made;
     if (surface == Surface::window) made = loadWindow(*bundle, services, problem);
     if (made == nullptr) made = std::make_unique<ConsoleInterface>();
     return made;
-  });
+  };
+  auto system = std::make_unique<LinuxPlatform>(*root, *bundle, loggedInUser(), makeInterface, surface);
   if (!problem.empty()) return noWindow(problem);
   return std::unique_ptr<SystemPlatform>(std::move(system));
 }

@@ -31,7 +31,7 @@ class LinuxPlatform : public SystemPlatform {
 
   /// Both paths are real and without links.
   LinuxPlatform(const std::string& volumeRoot, const std::string& bundlePath, UserAccount user,
-                const MakeInterface& makeInterface);
+                const MakeInterface& makeInterface, Surface surface = Surface::console);
 
   [[nodiscard]] Platform& platform() override { return platform_; }
   [[nodiscard]] std::string shownPath(const std::string& path) const override;

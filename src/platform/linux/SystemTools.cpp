@@ -13,15 +13,6 @@ namespace {
 using LastLink = Volume::LastLink;
 using Purpose = Volume::Purpose;
 
-/// The tool's path on this system; nothing when it is not installed.
-std::optional<std::string> findExecutable(std::string_view name) {
-  for (const std::string_view folder : {"/usr/bin", "/bin", "/usr/sbin", "/sbin"}) {
-    std::string path = joinPath(folder, name);
-    if (::access(path.c_str(), X_OK) == 0) return path;
-  }
-  return std::nullopt;
-}
-
 bool isPath(const std::string& argument) { return argument.starts_with('/'); }
 
 bool isLink(const std::string& path) {
@@ -41,6 +32,14 @@ std::string numericOwner(const std::string& owner) {
 }
 
 }  // namespace
+
+std::optional<std::string> findExecutable(std::string_view name) {
+  for (const std::string_view folder : {"/usr/bin", "/bin", "/usr/sbin", "/sbin"}) {
+    std::string path = joinPath(folder, name);
+    if (::access(path.c_str(), X_OK) == 0) return path;
+  }
+  return std::nullopt;
+}
 
 const SystemTools::Tool SystemTools::table[] = {
     {"/bin/cp", &SystemTools::copy},

@@ -2,10 +2,14 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/posix/PosixUser.h"
 #include "platform/posix/Volume.h"
+
+/// The path of a program of this system; nothing when it is not installed.
+[[nodiscard]] std::optional<std::string> findExecutable(std::string_view name);
 
 /// A tool of this system with its arguments.
 struct SystemCommand {

@@ -11,6 +11,7 @@
 #include <system_error>
 #include <utility>
 
+#include "foundation/Path.h"
 #include "foundation/Text.h"
 
 namespace {
@@ -42,6 +43,10 @@ UserAccount loggedInUser() {
   if (const passwd* const entry = ::getpwuid(id)) return {id, entry->pw_gid, entry->pw_name, entry->pw_dir};
   // An account that the database does not know, as containers have them: its number serves as its name.
   return {id, ::getgid(), std::to_string(id), "/"};
+}
+
+std::string homeOnVolume(const std::string& volumeRoot, const UserAccount& account) {
+  return volumeRoot == "/" ? account.home : joinPath("/Users", account.name);
 }
 
 std::optional<uid_t> userNumber(const std::string& name) {

@@ -20,6 +20,10 @@ struct UserAccount {
 /// Who runs this process, or who called sudo or pkexec when that made it root.
 [[nodiscard]] UserAccount loggedInUser();
 
+/// The user's home folder as a path of the volume with this root: their own on the running system, else one of their
+/// name in the volume's folder of users.
+[[nodiscard]] std::string homeOnVolume(const std::string& volumeRoot, const UserAccount& account);
+
 class PosixUser : public User {
  public:
   PosixUser(UserAccount account, std::vector<std::string> languages)

@@ -56,7 +56,20 @@ struct Volume::Walk {
   }
 };
 
+std::string Volume::pathOf(const Walk& walk, std::string path) {
+  for (const std::string& name : walk.names) path = joinPath(path, name);
+  return joinPath(path, walk.last);
+}
+
 Volume::Volume(std::string root, std::string bundlePath) : root_(std::move(root)), bundlePath_(std::move(bundlePath)) {}
+
+Volume::Volume(FileDescriptor rootHandle, std::string root, std::string bundlePath)
+    : rootHandle_(std::move(rootHandle)), root_(std::move(root)), bundlePath_(std::move(bundlePath)) {}
+
+FileDescriptor Volume::openRoot() const {
+  if (!rootHandle_) return openFolderHandle(AT_FDCWD, root_.c_str(), /*followLink=*/true);
+  return FileDescriptor(::fcntl(rootHandle_.get(), F_DUPFD_CLOEXEC, 0));
+}
 
 bool Volume::isInBundle(const std::string& path) const { return isAtOrBelow(path, bundlePath_); }
 
@@ -65,7 +78,7 @@ Result<Volume::Walk> Volume::walk(const std::string& path, LastLink lastLink, Pu
   if (path.find('\0') != std::string::npos) return Error::posix(std::errc::invalid_argument, path);
 
   Walk walk;
-  walk.folders.push_back(openFolderHandle(AT_FDCWD, root_.c_str(), /*followLink=*/true));
+  walk.folders.push_back(openRoot());
   if (!walk.folders.back()) return systemError(errno, root_);
 
   std::vector<std::string> pending;
@@ -108,24 +121,21 @@ Result<Volume::Walk> Volume::walk(const std::string& path, LastLink lastLink, Pu
   return walk;
 }
 
-std::string Volume::realPathOf(const Walk& walk) const {
-  std::string path = root_;
-  for (const std::string& name : walk.names) path = joinPath(path, name);
-  return joinPath(path, walk.last);
-}
+std::string Volume::realPathOf(const Walk& walk) const { return pathOf(walk, root_); }
 
 Result<Volume::Place> Volume::find(const std::string& path, LastLink lastLink, Purpose purpose) const {
   if (isInBundle(path)) {
     if (purpose == Purpose::change) return Error::posix(std::errc::read_only_file_system, path);
     const std::string folder = deletingLastPathComponent(path);
-    Place place{openFolderHandle(AT_FDCWD, folder.c_str(), /*followLink=*/true), lastPathComponent(path)};
+    Place place{openFolderHandle(AT_FDCWD, folder.c_str(), /*followLink=*/true), lastPathComponent(path), path};
     if (!place.folder) return systemError(errno, path);
     return place;
   }
   auto walked = walk(path, lastLink, purpose);
   if (!walked) return walked.error();
   if (walked->error != 0) return systemError(walked->error, path);
-  return Place{std::move(walked->folders.back()), walked->last.empty() ? "." : walked->last};
+  std::string resolved = pathOf(*walked, "/");
+  return Place{std::move(walked->folders.back()), walked->last.empty() ? "." : walked->last, std::move(resolved)};
 }
 
 Result<std::string> Volume::realPath(const std::string& path, LastLink lastLink, Purpose purpose) const {

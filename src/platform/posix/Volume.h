@@ -19,11 +19,15 @@ class Volume {
   /// A name in an open folder, for the *at() calls.
   struct Place {
     FileDescriptor folder;
-    std::string name;  ///< "." for the root itself
+    std::string name;      ///< "." for the root itself
+    std::string resolved;  ///< the item's path on the volume, without links but perhaps the last
   };
 
   /// `root` is the volume's folder, `bundlePath` the installer's bundle; both real and without links.
   Volume(std::string root, std::string bundlePath);
+
+  /// The same for a root that is open already: whatever is done to its path, this is the folder that is meant.
+  Volume(FileDescriptor rootHandle, std::string root, std::string bundlePath);
 
   [[nodiscard]] const std::string& root() const { return root_; }
 
@@ -42,8 +46,11 @@ class Volume {
  private:
   struct Walk;
   Result<Walk> walk(const std::string& path, LastLink lastLink, Purpose purpose) const;
+  [[nodiscard]] static std::string pathOf(const Walk& walk, std::string path);
   [[nodiscard]] std::string realPathOf(const Walk& walk) const;
+  [[nodiscard]] FileDescriptor openRoot() const;
 
+  FileDescriptor rootHandle_;  ///< none when the root is looked up by its path each time
   std::string root_;
   std::string bundlePath_;
 };

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "platform/posix/FileDescriptor.h"
+
+/// The most that one message holds.
+inline constexpr std::size_t mostMessageBytes = std::size_t{64} * 1024;
+
+/// What came over a MessageSocket.
+struct Message {
+  enum class Kind {
+    whole,
+    broken,  ///< longer than a message may be, or with more than one descriptor
+    end,     ///< there is nobody on the other side any more
+  };
+  Kind kind = Kind::end;
+  std::string bytes = {};
+  FileDescriptor descriptor = {};  ///< the one that came with it, if any
+};
+
+/// One end of a connection that keeps messages apart (SOCK_SEQPACKET) and can carry descriptors.
+class MessageSocket {
+ public:
+  explicit MessageSocket(FileDescriptor socket) : socket_(std::move(socket)) {}
+
+  [[nodiscard]] int descriptor() const { return socket_.get(); }
+
+  /// Waits for room. False when nobody is on the other side.
+  [[nodiscard]] bool send(std::string_view bytes, int descriptor = -1) const;
+
+  /// Waits for a message. One without bytes counts as the end.
+  [[nodiscard]] Message receive() const;
+
+  void close() { socket_.close(); }
+
+ private:
+  FileDescriptor socket_;
+};

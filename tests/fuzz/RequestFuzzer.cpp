@@ -1,0 +1,69 @@
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/linux/rights/MessageSocket.h"
+#include "platform/linux/rights/Operation.h"
+#include "platform/linux/rights/Request.h"
+
+namespace {
+
+void require(bool condition) {
+  if (!condition) __builtin_trap();
+}
+
+/// What is taken for an operation does only what an installer asks for.
+void checkOperation(const Request& request) {
+  const auto operation = operationFor(request, "user");
+  if (!operation) return;
+  require(request.tool.starts_with('/'));
+  require((operation->mode & ~0775U) == 0);
+  require(operation->paths.empty() == (operation->kind == Operation::Kind::updateApplications));
+  require(std::ranges::all_of(operation->paths, [](const std::string& path) {
+    return path.starts_with('/') && path.find('\0') == std::string::npos;
+  }));
+  require(operation->kind == Operation::Kind::copy || operation->source.empty());
+}
+
+/// A request that was read is written and read again the same.
+void checkRoundTrip(const Request& request) {
+  RequestReader again;
+  auto state = RequestReader::State::broken;
+  for (const std::string& message : messagesFor(request)) state = again.add(message);
+  require(state == RequestReader::State::complete);
+  require(again.request().tool == request.tool && again.request().arguments == request.arguments);
+}
+
+}  // namespace
+
+/// The input is a row of messages, each preceded by its length in one byte. A length of 255 stands for a message as
+/// long as any may be, full of one letter.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  std::string_view rest(reinterpret_cast<const char*>(data), size);
+  RequestReader reader;
+  static const std::string longest = "p" + std::string(mostMessageBytes - 1, 'x');
+  std::size_t added = 0;
+  while (rest.size() > 1) {
+    const auto length = static_cast<unsigned char>(rest.front());
+    rest.remove_prefix(1);
+    std::string_view message;
+    if (length == 255) {
+      message = longest;
+    } else {
+      message = rest.substr(0, length);
+      rest.remove_prefix(message.size());
+    }
+    added += message.size();
+    const auto state = reader.add(message);
+    if (state == RequestReader::State::broken) return 0;
+    require(added <= mostRequestBytes + mostRequestBytes / 1024 + size);
+    if (state == RequestReader::State::unfinished) continue;
+    require(reader.request().arguments.size() <= mostArguments);
+    if (added < 2 * mostMessageBytes) checkRoundTrip(reader.request());
+    checkOperation(reader.request());
+    added = 0;
+  }
+  return 0;
+}

@@ -1,0 +1,172 @@
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <thread>
+
+#include "platform/posix/Pipe.h"
+#include "support/HelperProcess.h"
+
+namespace {
+
+/// What somebody with the user's account, and the connection to a helper, could try.
+class RightsAttackTest : public HelperTest {
+ protected:
+  void SetUp() override {
+    HelperTest::SetUp();
+    if (IsSkipped()) return;
+    own_ = makeOwnFolder("/Applications/Own");
+    before_ = outside();
+  }
+
+  /// All that must stay as it is.
+  [[nodiscard]] std::string outside() const {
+    std::string text;
+    for (const auto& entry : fs::recursive_directory_iterator(on("/private"))) {
+      text += entry.path().string() + " " + ownerOf(entry.path()) + " " + modeOf(entry.path()) + "\n";
+    }
+    return text + readFile(on("/private/etc/secret"));
+  }
+
+  /// Every change that there is, to the item.
+  void changeAll(const std::string& path) {
+    run("/usr/sbin/chown", {"-R", owner_, path});
+    run("/bin/chmod", {"-R", "0775", path});
+    run("/usr/bin/touch", {path + "/new", path});
+    run("/bin/mkdir", {"-m775", "-p", path + "/a/b"});
+    run("/bin/cp", {"-R", machine_.inBundle("Resources/en.lproj"), path + "/copy"});
+    run("/bin/rm", {"-fR", path});
+  }
+
+  fs::path own_;
+  std::string before_;
+};
+
+TEST_F(RightsAttackTest, OutsideThePlacesHasTheUsersRightsOnly) {
+  for (const char* const path : {"/private/etc", "/private/etc/secret", "/private/etc/none", "/", "/Library",
+                                 "/Applications", "/Applications/..", "/Library/Application Support", "/System"}) {
+    changeAll(path);
+  }
+  EXPECT_EQ(outside(), before_);
+  EXPECT_EQ(ownerOf(on("/Applications")) + ownerOf(on("/Library")) + ownerOf(on("")), "0:00:00:0");
+  EXPECT_FALSE(fs::exists(on("/System")) || fs::exists(on("/none")));
+  makeOwnFolder("/elsewhere");
+  run("/bin/mkdir", {"-m775", "-p", "/elsewhere/a"});
+  EXPECT_EQ(ownerOf(on("/elsewhere/a")), "65534:65534") << "and those it has";
+}
+
+TEST_F(RightsAttackTest, LinksLeadNowhereElse) {
+  const fs::path outsideVolume = on("").parent_path() / "outside";
+  writeFile(outsideVolume / "file", "");
+  const std::string beyond = ownerOf(outsideVolume) + modeOf(outsideVolume / "file");
+  fs::create_directory_symlink("/private/etc", own_ / "absolute");
+  fs::create_directory_symlink("../../private/etc", own_ / "relative");
+  fs::create_directory_symlink(outsideVolume, own_ / "out");
+  fs::create_directory_symlink("../../../outside", own_ / "up");
+  fs::create_symlink("/private/etc/secret", own_ / "file");
+  fs::create_symlink("/private/etc/none", own_ / "dangling");
+  for (const char* const name : {"absolute", "relative", "out", "up", "file", "dangling"}) {
+    const std::string link = std::string("/Applications/Own/") + name;
+    run("/usr/bin/touch", {link});
+    changeAll(link + "/etc");
+    changeAll(link + "/secret");
+    changeAll(link + "/file");
+  }
+  changeAll("/Applications/Own");
+  EXPECT_EQ(outside(), before_);
+  EXPECT_EQ(ownerOf(outsideVolume) + modeOf(outsideVolume / "file"), beyond);
+  EXPECT_EQ(namesIn(outsideVolume), "file");
+}
+
+TEST_F(RightsAttackTest, NothingThatBelongsToOthersIsHandedOver) {
+  fs::create_hard_link(on("/private/etc/secret"), own_ / "hard");
+  fs::create_directories(own_ / "roots/inner");
+  writeFile(own_ / "program", "");
+  ::chown((own_ / "program").c_str(), nobody, nobody);
+  ::chmod((own_ / "program").c_str(), 06755);
+  run("/usr/sbin/chown", {"-R", owner_, "/Applications/Own"});
+  run("/bin/chmod", {"-R", "0775", "/Applications/Own"});
+  EXPECT_EQ(outside(), before_);
+  EXPECT_EQ(ownerOf(own_ / "roots") + " " + ownerOf(own_ / "roots/inner"), "0:0 0:0");
+  EXPECT_EQ(ownerOf(own_ / "program") + " " + modeOf(own_ / "program"), handedOver_ + " 775");
+  run("/usr/sbin/chown", {"-R", owner_, "/Applications/Own/hard"});
+  EXPECT_EQ(outside(), before_);
+}
+
+TEST_F(RightsAttackTest, OnlyWhatTheUserCanReadIsCopied) {
+  const fs::path payload = machine_.payload("X");
+  fs::create_directories(payload / "inner");
+  const auto copiedFrom = [&](const fs::path& source) {
+    run("/bin/cp", {"-R", source, "/Applications/copy"});
+    const bool isThere = fs::exists(fs::symlink_status(on("/Applications/copy")));
+    run("/bin/rm", {"-fR", "/Applications/copy"});
+    return isThere;
+  };
+  EXPECT_TRUE(copiedFrom(payload));
+  fs::create_hard_link(on("/private/etc/secret"), payload / "inner/hard");
+  EXPECT_FALSE(copiedFrom(payload));
+  EXPECT_FALSE(copiedFrom(payload / "inner/hard"));
+  EXPECT_FALSE(copiedFrom("/etc/hostname")) << "outside the bundle";
+  EXPECT_FALSE(copiedFrom("/private/etc"));
+  EXPECT_EQ(namesIn(on("/Applications")), "Own") << "and no half copy is left";
+}
+
+TEST_F(RightsAttackTest, FoldersExchangedWhileToolsRunLeadNowhereElse) {
+  makeOwnFolder("/Applications/Own/folder");
+  fs::create_directory_symlink("/private/etc", own_ / "link");
+  std::atomic<bool> isOver = false;
+  std::thread attacker([&] {
+    while (!isOver) {
+      ::syscall(SYS_renameat2, AT_FDCWD, (own_ / "folder").c_str(), AT_FDCWD, (own_ / "link").c_str(), 2);
+    }
+  });
+  for (int i = 0; i < 300; ++i) {
+    run("/usr/bin/touch", {"/Applications/Own/folder/x", "/Applications/Own/folder/secret"});
+    run("/usr/sbin/chown", {"-R", owner_, "/Applications/Own/folder", "/Applications/Own/folder/secret"});
+    run("/bin/chmod", {"-R", "0775", "/Applications/Own"});
+    run("/bin/rm", {"-fR", "/Applications/Own/folder/x", "/Applications/Own/folder/secret"});
+  }
+  isOver = true;
+  attacker.join();
+  EXPECT_EQ(outside(), before_);
+}
+
+TEST_F(RightsAttackTest, TheVolumeStaysTheOneThatItWas) {
+  const fs::path aside = on("").parent_path() / "aside";
+  fs::rename(on(""), aside);
+  fs::create_directories(on("/Applications/Own"));
+  run("/usr/bin/touch", {"/Applications/x"});
+  EXPECT_EQ(namesIn(aside / "Applications") + "|" + namesIn(on("/Applications")), "Own x|Own");
+}
+
+TEST_F(RightsAttackTest, GarbageEndsTheHelper) {
+  const auto pipe = makePipe();
+  const FileDescriptor file(::open("/dev/null", O_RDWR | O_CLOEXEC));
+  const std::string good = messagesFor({"/usr/bin/touch", {"/Applications/x"}}).front();
+  const std::string full = "p" + std::string(mostMessageBytes - 1, 'x');
+  const std::pair<std::vector<std::string>, int> attempts[] = {
+      {{"garbage"}, pipe->writing.get()},
+      {{"l"}, pipe->writing.get()},
+      {{good}, -1},
+      {{good}, file.get()},
+      {{full + "more"}, pipe->writing.get()},
+      {{"pxx"}, pipe->writing.get()},
+      {std::vector<std::string>(40, full), -1},
+  };
+  for (const auto& [messages, descriptor] : attempts) {
+    HelperProcess helper(program_, on(""));
+    MessageSocket socket = helper.takeSocket();
+    ASSERT_EQ(socket.receive().bytes, HelperSays::ready);
+    for (const std::string& message : messages) {
+      if (!socket.send(message, descriptor)) break;
+    }
+    EXPECT_EQ(socket.receive().kind, Message::Kind::end) << messages.front().substr(0, 10);
+    EXPECT_EQ(helper.end(), 1) << messages.front().substr(0, 10);
+  }
+  EXPECT_FALSE(fs::exists(on("/Applications/x")));
+}
+
+}  // namespace

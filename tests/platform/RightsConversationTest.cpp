@@ -1,0 +1,138 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/linux/rights/HelperStart.h"
+#include "platform/linux/rights/MessageSocket.h"
+#include "platform/linux/rights/Operation.h"
+#include "support/TestMachine.h"
+
+namespace {
+
+using State = RequestReader::State;
+using Kind = Operation::Kind;
+
+constexpr const char* lsregister =
+    "/System/Library/Frameworks/CoreServices.framework/Versions/A/Frameworks/LaunchServices.framework/Versions/A/"
+    "Support/lsregister";
+
+TEST(RequestTest, ArriveWholeInMessagesThatAreNotTooLong) {
+  RequestReader reader;
+  const std::vector<std::string> many(20'000, std::string(60, 'x'));
+  for (const auto& arguments : {many, {}, {"", "a b", ""}, {std::string(2 * mostMessageBytes, 'y')}}) {
+    const auto messages = messagesFor({"/bin/rm", arguments});
+    ASSERT_FALSE(messages.empty());
+    for (const std::string& message : messages) {
+      EXPECT_LE(message.size(), mostMessageBytes);
+      EXPECT_EQ(reader.add(message), &message == &messages.back() ? State::complete : State::unfinished);
+    }
+    EXPECT_EQ(reader.request().tool, "/bin/rm");
+    EXPECT_EQ(reader.request().arguments, arguments);
+  }
+  EXPECT_TRUE(messagesFor({"/bin/rm", {std::string("a\0b", 3)}}).empty());
+  EXPECT_TRUE(messagesFor({"/bin/rm", {std::string(mostRequestBytes, 'x')}}).empty());
+  EXPECT_TRUE(messagesFor({"/bin/rm", std::vector<std::string>(mostArguments + 1)}).empty());
+}
+
+TEST(RequestTest, AreNotMadeOfAnythingElse) {
+  const std::string full(mostMessageBytes - 1, 'x');
+  for (const std::string& message :
+       {std::string(), std::string("x/bin/rm\0", 9), std::string("l"), std::string("p"), std::string("l/bin/rm"),
+        "l" + std::string(mostArguments + 2, '\0'), "l" + std::string(mostRequestBytes + 1, '\0')}) {
+    EXPECT_EQ(RequestReader().add(message), State::broken) << message.substr(0, 10);
+  }
+  RequestReader reader;
+  std::size_t parts = 0;
+  while (reader.add("p" + full) == State::unfinished) ++parts;
+  EXPECT_EQ(parts, mostRequestBytes / full.size()) << "the parts together are bounded as well";
+}
+
+TEST(OperationTest, IsOnlyWhatTheInstallerLaunches) {
+  const std::tuple<const char*, std::vector<std::string>, Kind, mode_t> known[] = {
+      {"/bin/rm", {"-fR", "/x", "/y"}, Kind::remove, 0},
+      {"/bin/mkdir", {"-m775", "-p", "/x"}, Kind::makeFolder, 0775},
+      {"/usr/sbin/chown", {"-R", "u:admin", "/x"}, Kind::handOver, 0},
+      {"/bin/chmod", {"-R", "0775", "/x"}, Kind::setMode, 0775},
+      {"/bin/chmod", {"-R", "0664", "/x"}, Kind::setMode, 0664},
+      {"/usr/sbin/chmod", {"-R", "0644", "/x"}, Kind::setMode, 0644},
+      {"/usr/bin/touch", {"/x"}, Kind::touch, 0},
+      {"/usr/bin/xattr", {"-dr", "com.apple.quarantine", "/x"}, Kind::removeQuarantineMark, 0},
+      {"/bin/cp", {"-R", "/a", "/x"}, Kind::copy, 0},
+      {lsregister, {"-apps"}, Kind::updateApplications, 0},
+  };
+  for (const auto& [tool, arguments, kind, mode] : known) {
+    const auto operation = operationFor({tool, arguments}, "u");
+    ASSERT_TRUE(operation) << tool;
+    EXPECT_EQ(operation->kind, kind) << tool;
+    EXPECT_EQ(operation->mode, mode) << tool;
+    EXPECT_EQ(operation->paths.empty(), kind == Kind::updateApplications);
+    EXPECT_EQ(operation->source, kind == Kind::copy ? "/a" : "");
+  }
+  EXPECT_EQ(operationFor({"/bin/rm", {"-fR", "/x", "/y"}}, "u")->paths, Paths({"/x", "/y"}));
+  const std::pair<const char*, std::vector<std::string>> others[] = {
+      {"/bin/sh", {"-c", "true"}},
+      {"bin/rm", {"-fR", "/x"}},
+      {"/bin/rm", {}},
+      {"/bin/rm", {"-fR"}},
+      {"/bin/rm", {"-r", "/x"}},
+      {"/bin/rm", {"-fR", "x"}},
+      {"/bin/rm", {"-fR", "/x", "--no-preserve-root"}},
+      {"/bin/rm", {"-fR", "/" + std::string(5000, 'x')}},
+      {"/bin/mkdir", {"-m4775", "-p", "/x"}},
+      {"/usr/sbin/chown", {"-R", "root:admin", "/x"}},
+      {"/usr/sbin/chown", {"-R", "u:root", "/x"}},
+      {"/usr/sbin/chown", {"-R", "0:80", "/x"}},
+      {"/bin/chmod", {"-R", "4775", "/x"}},
+      {"/bin/chmod", {"-R", "0777", "/x"}},
+      {"/usr/bin/xattr", {"-dr", "security.capability", "/x"}},
+      {"/bin/cp", {"-R", "/a"}},
+      {"/bin/cp", {"-R", "/a", "/x", "/y"}},
+      {"/bin/cp", {"-R", "/a/../b", "/x"}},
+      {lsregister, {"-apps", "/x"}},
+  };
+  for (const auto& [tool, arguments] : others) {
+    EXPECT_FALSE(operationFor({tool, arguments}, "u")) << tool << testing::PrintToString(arguments);
+  }
+}
+
+TEST(AskingTest, IsDoneWhereTheUserLooksAndNowhereElse) {
+  const std::tuple<AskingMeans, std::string, std::string> cases[] = {
+      // askpass, terminal, desktop; then in a console, and with a window
+      {{"sudo", "pkexec", true, true, true}, "sudo -A --", "sudo -A --"},
+      {{"sudo", "pkexec", false, true, true}, "sudo --", "pkexec --disable-internal-agent"},
+      {{"sudo", "pkexec", false, false, true}, "pkexec --disable-internal-agent", "pkexec --disable-internal-agent"},
+      {{"sudo", "pkexec", false, true, false}, "sudo --", "sudo --"},
+      {{"sudo", "", false, true, true}, "sudo --", "sudo --"},
+      {{"sudo", "pkexec", false, false, false}, "sudo -n --", "sudo -n --"},
+      {{"", "pkexec", true, true, true}, "pkexec --disable-internal-agent", "pkexec --disable-internal-agent"},
+      {{"", "pkexec", true, true, false}, "", ""},
+  };
+  const auto joined = [](const AskingMeans& means, Surface surface) {
+    std::string text;
+    for (const std::string& word : askingCommand(means, surface)) text += (text.empty() ? "" : " ") + word;
+    return text;
+  };
+  for (const auto& [means, inConsole, withWindow] : cases) {
+    EXPECT_EQ(joined(means, Surface::console), inConsole);
+    EXPECT_EQ(joined(means, Surface::window), withWindow);
+  }
+}
+
+TEST(AskingTest, IsNotDoneForAProgramThatOthersCanReplace) {
+  const TemporaryFolder folder;
+  const fs::path program = folder.path() / "a/b/program";
+  writeFile(program, "");
+  EXPECT_TRUE(isOutOfReachOfOthers(program));
+  EXPECT_FALSE(isOutOfReachOfOthers(folder.path() / "a/none"));
+  fs::create_directory_symlink("a", folder.path() / "link");
+  EXPECT_FALSE(isOutOfReachOfOthers(folder.path() / "link/b/program"));
+  ::chmod((folder.path() / "a").c_str(), 0777);
+  EXPECT_FALSE(isOutOfReachOfOthers(program));
+  ::chmod((folder.path() / "a").c_str(), 01777);
+  EXPECT_TRUE(isOutOfReachOfOthers(program)) << "sticky";
+  if (::geteuid() != 0) GTEST_SKIP() << "needs root, to give a folder away";
+  ::chmod((folder.path() / "a").c_str(), 0755);
+  ::chown((folder.path() / "a/b").c_str(), 65534, 0);
+  EXPECT_FALSE(isOutOfReachOfOthers(program)) << "somebody else's";
+}
+
+}  // namespace

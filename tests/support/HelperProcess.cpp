@@ -1,0 +1,99 @@
+#include "support/HelperProcess.h"
+
+#include <fcntl.h>
+#include <grp.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <stdexcept>
+
+namespace {
+
+/// A connection that the system says was made by the user.
+std::array<int, 2> connectionOf(uid_t user) {
+  std::array<int, 2> ends{};
+  const gid_t group = user;
+  const bool isMade = ::setgroups(1, &group) == 0 && ::setegid(group) == 0 && ::seteuid(user) == 0 &&
+                      ::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) == 0;
+  if (::seteuid(0) != 0 || ::setegid(0) != 0 || ::setgroups(0, nullptr) != 0 || !isMade) {
+    throw std::runtime_error("no connection");
+  }
+  return ends;
+}
+
+}  // namespace
+
+std::string ownerOf(const fs::path& path) {
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) != 0) return "(none)";
+  return std::to_string(status.st_uid) + ":" + std::to_string(status.st_gid);
+}
+
+HelperProcess::HelperProcess(const fs::path& program, const fs::path& volume, uid_t user,
+                             const std::vector<std::string>& environment)
+    : socket_(FileDescriptor()) {
+  const auto ends = connectionOf(user);
+  socket_ = MessageSocket(FileDescriptor(ends[0]));
+  const FileDescriptor helpers(ends[1]);
+  std::vector<char*> variables;
+  for (const std::string& variable : environment) variables.push_back(const_cast<char*>(variable.c_str()));
+  variables.push_back(nullptr);
+  process_ = ::fork();
+  if (process_ == 0) {
+    ::dup2(helpers.get(), STDIN_FILENO);
+    ::dup2(::open("/dev/null", O_WRONLY), STDERR_FILENO);
+    ::execle(program.c_str(), program.c_str(), volume.c_str(), nullptr, variables.data());
+    std::_Exit(127);
+  }
+}
+
+HelperProcess::~HelperProcess() {
+  if (process_ > 0) end();
+}
+
+int HelperProcess::end() {
+  connection_.reset();
+  socket_.close();
+  int status = 0;
+  ::waitpid(std::exchange(process_, 0), &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+LaunchStatus HelperProcess::run(const std::string& tool, const std::vector<std::string>& arguments) {
+  std::unique_ptr<CommunicationsPipe> pipe;
+  const LaunchStatus status = connection_->launch({tool, arguments}, pipe);
+  connection_->waitForTool();
+  return status;
+}
+
+void HelperTest::SetUp() {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs root, to start the helper for somebody else";
+  // Where the user gets to, as in an installation.
+  for (const fs::path& folder : {on("").parent_path(), on(""), machine_.inBundle("").parent_path()}) {
+    ::chmod(folder.c_str(), 0755);
+  }
+  program_ = machine_.inBundle("Helpers/rights");
+  fs::copy_file(fs::path(HELPERS_FOLDER) / "rights", program_);
+  makeOwnFolder("/Users/nobody");
+  fs::create_directories(on("/private/etc"));
+  writeFile(on("/private/etc/secret"), "secret");
+  ::chmod(on("/private/etc/secret").c_str(), 0600);
+  handedOver_ = std::to_string(nobody) + ":" + std::to_string(*groupNumber("admin"));
+  start();
+}
+
+void HelperTest::start() {
+  helper_.emplace(program_, on(""));
+  helper_->connection_.emplace(helper_->takeSocket());
+  ASSERT_TRUE(helper_->connection().receiveReady());
+}
+
+fs::path HelperTest::makeOwnFolder(const std::string& path) {
+  fs::create_directories(on(path));
+  ::lchown(on(path).c_str(), nobody, nobody);
+  return on(path);
+}
