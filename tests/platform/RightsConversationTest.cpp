@@ -135,4 +135,26 @@ TEST(AskingTest, IsNotDoneForAProgramThatOthersCanReplace) {
   EXPECT_FALSE(isOutOfReachOfOthers(program)) << "somebody else's";
 }
 
+/// Programs that ask, and how they end.
+TEST(AskingTest, TellsACancelledDialogueFromARefusal) {
+  const TemporaryFolder folder;
+  const fs::path helpers = folder.path() / "Helpers";
+  fs::create_directory(helpers);
+  for (const char* const name : {"rights", "ask-for-rights"}) {
+    fs::copy_file(fs::path(HELPERS_FOLDER) / name, helpers / name);
+  }
+  const fs::path pkexec = folder.path() / "pkexec";
+  const auto outcome = [&](const std::string& script) {
+    writeFile(pkexec, "#!/bin/sh\n" + script + "\n");
+    ::chmod(pkexec.c_str(), 0755);
+    const auto started = startHelper({helpers, folder.path(), Surface::window}, {"", pkexec, false, false, true});
+    const auto* const status = std::get_if<LaunchStatus>(&started);
+    return status != nullptr ? *status : launchSucceeded;
+  };
+  EXPECT_EQ(outcome("exit 126"), errAuthorizationCanceled);
+  EXPECT_EQ(outcome("exit 127"), errAuthorizationDenied);
+  EXPECT_EQ(outcome("kill -9 $$"), errAuthorizationDenied);
+  EXPECT_EQ(outcome("shift; exec \"$@\" 2>/dev/null"), errAuthorizationDenied) << "no rights, or root's own";
+}
+
 }  // namespace

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <sstream>
 
@@ -156,26 +157,35 @@ class QuietInstallAsUserTest : public QuietInstallAsRootTest {
     writeFile(asked_, "");
     ::chmod(asked_.c_str(), 0666);
   }
-  void TearDown() override { EXPECT_TRUE(!isMade_ || std::system(("userdel " + name_ + " 2>/dev/null").c_str()) == 0); }
+  void TearDown() override {
+    EXPECT_TRUE(!isMade_ || std::system(("userdel -f " + name_ + " 2>/dev/null").c_str()) == 0);
+  }
+
+  void writeAskpass(const std::string& answer) const {
+    writeFile(askpass_, "#!/bin/sh\necho asked >>" + asked_.string() + "\n" + answer + "\n");
+    ::chmod(askpass_.c_str(), 0755);
+  }
 
   /// Installs; `answer` is what the program that is asked for the password does.
   Outcome installAnswering(const std::string& answer) {
-    writeFile(askpass_, "#!/bin/sh\necho asked >>" + asked_.string() + "\n" + answer + "\n");
-    ::chmod(askpass_.c_str(), 0755);
+    writeAskpass(answer);
     return install("setsid -w setpriv --reuid=" + name_ + " --regid=" + name_ +
                    " --init-groups --reset-env env LANG=C SUDO_ASKPASS=" + askpass_.string());
   }
 
   /// What a launch with rights gives the account, twice in a row: the system's number without its thousands.
   int statusOfLaunches(const std::string& answer) {
-    writeFile(askpass_, "#!/bin/sh\necho asked >>" + asked_.string() + "\n" + answer + "\n");
-    ::chmod(askpass_.c_str(), 0755);
+    writeAskpass(answer);
+    return statusOfLaunches("SUDO_ASKPASS", askpass_, volume_);
+  }
+  /// The same with this variable and no other.
+  int statusOfLaunches(const char* variable, const std::string& value, const fs::path& volume) {
     const uid_t id = *userNumber(name_);
-    const HelperSetup setup{bundle_ / "Contents/Helpers", volume_, Surface::console};
+    const HelperSetup setup{bundle_ / "Contents/Helpers", volume, Surface::console};
     const pid_t child = ::fork();
     if (child == 0) {
       const bool isUser = ::setsid() > 0 && ::initgroups(name_.c_str(), id) == 0 && ::setgid(id) == 0 &&
-                          ::setuid(id) == 0 && ::setenv("SUDO_ASKPASS", askpass_.c_str(), 1) == 0;
+                          ::setuid(id) == 0 && ::clearenv() == 0 && ::setenv(variable, value.c_str(), 1) == 0;
       HelperAuthorization authorization(setup);
       std::unique_ptr<CommunicationsPipe> pipe;
       const auto launch = [&] {
@@ -236,6 +246,47 @@ TEST_F(QuietInstallAsUserTest, StopsWhenTheUserCancelsOrIsRefused) {
   EXPECT_EQ(statusOfLaunches("echo secret"), 5) << "refused";
   fs::remove(bundle_ / "Contents/Helpers/rights");
   EXPECT_EQ(statusOfLaunches("echo secret"), 5);
+}
+
+/// With a bus of the test's own, on which polkit lets the account have the helper on one volume.
+class QuietInstallByPolkitTest : public QuietInstallAsUserTest {
+ protected:
+  void SetUp() override {
+    QuietInstallAsUserTest::SetUp();
+    if (IsSkipped()) return;
+    if (!findExecutable("pkexec") || !findExecutable("dbus-daemon")) GTEST_SKIP() << "pkexec or dbus is not installed";
+    if (fs::exists("/run/dbus/pid") || std::system("dbus-send --system / a.b >/dev/null 2>&1") == 0) {
+      GTEST_SKIP() << "the machine has a system bus of its own";
+    }
+    writeFile(rule_, "polkit.addRule(function(action, subject) { if (subject.user == '" + name_ +
+                         "' && action.lookup('command_line').endsWith('Helpers/rights " + volume_.string() +
+                         "')) return polkit.Result.YES; });\n");
+    ::chmod(rule_.c_str(), 0644);
+    fs::create_directories("/run/dbus");
+    isBusMine_ = std::system(("dbus-daemon --system --fork --print-pid >" + pid_.string()).c_str()) == 0;
+    if (!isBusMine_) GTEST_SKIP() << "no system bus can be started";
+  }
+  void TearDown() override {
+    fs::remove(rule_);
+    if (isBusMine_) {
+      ::kill(std::stoi(readFile(pid_)), SIGTERM);  // polkit ends with it
+      for (const char* const left : {"/run/dbus/pid", "/run/dbus/system_bus_socket"}) fs::remove(left);
+    }
+    QuietInstallAsUserTest::TearDown();
+  }
+
+  const fs::path rule_ = "/etc/polkit-1/rules.d/00-" + name_ + ".rules";
+  const fs::path pid_ = folder_.path() / "bus";
+  bool isBusMine_ = false;
+};
+
+TEST_F(QuietInstallByPolkitTest, InstallsUnderADesktop) {
+  const Outcome outcome = install("setsid -w setpriv --reuid=" + name_ + " --regid=" + name_ +
+                                  " --init-groups --reset-env env DISPLAY=:77");
+  EXPECT_TRUE(outcome.says("Items installed: 33\n") && outcome.says("Failures: 0\n"))
+      << outcome.output << outcome.errors;
+  EXPECT_EQ(statusOfLaunches("DISPLAY", ":77", volume_), 0);
+  EXPECT_EQ(statusOfLaunches("DISPLAY", ":77", folder_.path()), 5) << "nobody there to be asked";
 }
 
 TEST_F(QuietInstallAsRootTest, GoesOnWhenNobodyReadsItsOutput) {

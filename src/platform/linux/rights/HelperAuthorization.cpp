@@ -14,7 +14,7 @@ LaunchStatus HelperAuthorization::executeWithPrivileges(const std::string& toolP
                                                         const std::vector<std::string>& arguments,
                                                         std::unique_ptr<CommunicationsPipe>& pipe) {
   if (!helper_ && failure_ == launchSucceeded) {
-    auto started = startHelper(setup_);
+    auto started = startHelper(setup_, askingMeans());
     if (auto* const connection = std::get_if<HelperConnection>(&started)) {
       helper_.emplace(std::move(*connection));
     } else {

@@ -130,8 +130,7 @@ bool isOutOfReachOfOthers(const std::string& program) {
   }
 }
 
-std::variant<HelperConnection, LaunchStatus> startHelper(const HelperSetup& setup) {
-  const AskingMeans means = askingMeans();
+std::variant<HelperConnection, LaunchStatus> startHelper(const HelperSetup& setup, const AskingMeans& means) {
   std::vector<std::string> command = askingCommand(means, setup.surface);
   const std::string helper = joinPath(setup.helpersFolder, "rights");
   const std::string asking = joinPath(setup.helpersFolder, "ask-for-rights");

@@ -34,7 +34,8 @@ struct AskingMeans {
 
 /// Asks the user for a password if the system wants one, starts the helper with administrator rights, and waits until
 /// it is ready. The status tells why there is none: cancelled, or refused for any other reason.
-[[nodiscard]] std::variant<HelperConnection, LaunchStatus> startHelper(const HelperSetup& setup);
+[[nodiscard]] std::variant<HelperConnection, LaunchStatus> startHelper(const HelperSetup& setup,
+                                                                       const AskingMeans& means);
 
 /// Whether nobody but root and the user of this process can put another program in the place of this one.
 [[nodiscard]] bool isOutOfReachOfOthers(const std::string& program);
