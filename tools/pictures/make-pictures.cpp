@@ -1,5 +1,9 @@
-// Draws the installer's pictures: make-pictures FOLDER. They are checked in; `ninja make-pictures` builds this, for
-// whom wants to change them. Each has several pixels a point, and is scaled down to where it is shown.
+// Draws the installer's pictures and the icons of the sample volume's applications:
+//
+//   make-pictures resources sample/icons
+//
+// They are checked in; `ninja make-pictures` builds this, for whom wants to change them. Each has several pixels a
+// point, and is scaled down to where it is shown.
 
 #include <QCoreApplication>
 #include <QImage>
@@ -11,6 +15,8 @@
 #include <cmath>
 #include <iostream>
 #include <numbers>
+
+#include "HostTiles.h"
 
 namespace {
 
@@ -193,16 +199,21 @@ bool save(const QImage& image, const QString& path) {
 
 int main(int argc, char** argv) {
   const QCoreApplication application_(argc, argv);
-  if (argc != 2) {
-    std::cerr << "make-pictures FOLDER\n";
+  if (argc != 3) {
+    std::cerr << "make-pictures FOLDER ICONS\n";
     return 64;
   }
   const QString folder = QString::fromLocal8Bit(argv[1]) + '/';
+  const QString icons = QString::fromLocal8Bit(argv[2]) + '/';
   const bool isDone = save(product(), folder + "Product.tiff") && save(installer(), folder + "Installer.icns") &&
                       save(application(), folder + "GenericApplication.tiff") &&
                       save(dot(QColor(0x4c, 0x9b, 0xff), QColor(0x0b, 0x5f, 0xd6)), folder + "DotBlue.tiff") &&
                       save(dot(QColor(0xb4, 0xb4, 0xb9), QColor(0x95, 0x95, 0x9b)), folder + "DotGray.tiff") &&
                       save(checkmark(), folder + "checkmark.tiff") && save(error(), folder + "Installer_Error.tiff") &&
-                      save(caution(QColor(0xff, 0xc5, 0x3d), QColor(0xf0, 0x9a, 0x12)), folder + "Caution.tiff");
+                      save(caution(QColor(0xff, 0xc5, 0x3d), QColor(0xf0, 0x9a, 0x12)), folder + "Caution.tiff") &&
+                      save(hostTile("PH", QColor(0x1c, 0x8c, 0x7c)), icons + "Photoshop.icns") &&
+                      save(hostTile("EL", QColor(0xa8, 0x4a, 0x78)), icons + "Elements.icns") &&
+                      save(hostTile("LI", QColor(0xc4, 0x7a, 0x1a)), icons + "Lightroom.icns") &&
+                      save(hostTile("PE", QColor(0x5b, 0x64, 0x76)), icons + "Pelloria.icns");
   return isDone ? 0 : 1;
 }
