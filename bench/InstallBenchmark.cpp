@@ -6,15 +6,9 @@
 // the programs and not of a disk. Each round runs every peer once; what is printed are medians of the rounds, as ratios
 // to cp -R and to the floor, in Markdown. Needs root: the install and its peers change owners.
 
-#include <fcntl.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -22,104 +16,13 @@
 #include <iomanip>
 #include <iostream>
 #include <map>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
 
-namespace fs = std::filesystem;
+#include "Measuring.h"
 
 namespace {
-
-struct Run {
-  double milliseconds = 0;
-  long peakKilobytes = 0;
-};
-
-Run run(const std::vector<std::string>& command) {
-  std::vector<char*> arguments;
-  for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
-  arguments.push_back(nullptr);
-  const auto start = std::chrono::steady_clock::now();
-  const pid_t child = ::fork();
-  if (child == 0) {
-    const int nowhere = ::open("/dev/null", O_RDWR);
-    ::dup2(nowhere, STDOUT_FILENO);
-    ::dup2(nowhere, STDERR_FILENO);
-    ::execvp(arguments[0], arguments.data());
-    std::_Exit(127);
-  }
-  int status = 0;
-  rusage usage{};
-  ::wait4(child, &status, 0, &usage);
-  const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
-  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
-    std::cerr << "failed with " << status << ": " << command[0] << '\n';
-    std::exit(1);
-  }
-  return {time.count(), usage.ru_maxrss};
-}
-
-void writeFile(const fs::path& path, std::size_t size, std::mt19937_64& random) {
-  // In small blocks: the most that this process ever used is passed on to its children's figures.
-  std::array<std::uint64_t, 4096> words{};
-  std::ofstream file(path, std::ios::binary);
-  while (size > 0) {
-    for (auto& word : words) word = random();
-    const std::size_t block = std::min(size, sizeof words);
-    file.write(reinterpret_cast<const char*>(words.data()), static_cast<std::streamsize>(block));
-    size -= block;
-  }
-}
-
-/// 40 bundles of 60 files, 551 MB in all: each one program of 8 MB and many resources.
-void makeBundles(const fs::path& folder) {
-  std::mt19937_64 random(1);
-  for (int bundle = 0; bundle < 40; ++bundle) {
-    const fs::path contents = folder / ("Filter " + std::to_string(bundle) + ".plugin") / "Contents";
-    const std::vector<fs::path> places = {contents / "Resources", contents / "Resources/en.lproj",
-                                          contents / "Resources/Presets"};
-    fs::create_directories(contents / "MacOS");
-    for (const fs::path& place : places) fs::create_directories(place);
-    constexpr std::size_t program = std::size_t{8} << 20U;
-    writeFile(contents / "MacOS/Filter", program, random);
-    for (std::size_t i = 0; i < 59; ++i) {
-      constexpr std::size_t average = (551'000'000 / 40 - program) / 59;
-      const std::size_t size = average / 5 + random() % (average * 8 / 5);
-      writeFile(places[i % places.size()] / ("resource " + std::to_string(i)), size, random);
-    }
-  }
-}
-
-void makeLooseFiles(const fs::path& folder) {
-  std::mt19937_64 random(2);
-  fs::create_directories(folder);
-  for (int i = 0; i < 1000; ++i) writeFile(folder / ("preset " + std::to_string(i)), 4096, random);
-}
-
-/// The installer with another payload: what a maker does to the bundle.
-fs::path makeInstaller(const fs::path& folder, const fs::path& payload) {
-  fs::copy(INSTALLER_BUNDLE, folder, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
-  const fs::path files = folder / "Contents/Resources/files";
-  fs::remove_all(files);
-  fs::create_directories(files / "HD");
-  if (!payload.empty()) {
-    fs::create_directories(files / "PHOTOSHOP_PLUGINS");
-    fs::rename(payload, files / "PHOTOSHOP_PLUGINS/Corvane");
-  }
-  return folder / "Contents/MacOS/Installer";
-}
-
-/// A volume with one Photoshop, whose plug-ins go to "/Plug-Ins/Corvane".
-void makeVolume(const fs::path& volume) {
-  fs::create_directories(volume / "Applications/Adobe Photoshop CS6/Adobe Photoshop CS6.app");
-  fs::create_directories(volume / "Library/Application Support");
-  fs::create_directories(volume / "Plug-Ins");
-  const fs::path preferences = volume / "Users/root/Library/Preferences";
-  fs::create_directories(preferences);
-  constexpr char paths[] = "/Applications/Adobe Photoshop CS6\0/Plug-Ins";
-  std::ofstream(preferences / "Adobe Photoshop CS6 Paths", std::ios::binary).write(paths, sizeof paths);
-}
 
 void makePackage(const fs::path& source, const fs::path& folder, const fs::path& package) {
   fs::create_directories(folder / "DEBIAN");
@@ -129,11 +32,6 @@ void makePackage(const fs::path& source, const fs::path& folder, const fs::path&
   fs::copy(source, folder / "Plug-Ins/Corvane", fs::copy_options::recursive | fs::copy_options::copy_symlinks);
   run({"dpkg-deb", "-Znone", "-b", folder, package});
   fs::remove_all(folder);
-}
-
-double median(std::vector<double> values) {
-  std::ranges::sort(values);
-  return values[values.size() / 2];
 }
 
 struct Peer {
@@ -216,8 +114,8 @@ int main(int argc, char** argv) {
 
   fs::remove_all(folder);
   fs::create_directories(folder);
-  makeBundles(folder / "bundles");
-  auto peers = peersFor(folder, makeInstaller(folder / "Bundles.app", folder / "bundles"));
+  makeBundles(folder / "bundles", 40);
+  auto peers = peersFor(folder, makeInstaller(INSTALLER_BUNDLE, folder / "Bundles.app", folder / "bundles"));
   std::erase_if(peers, [](const Peer& peer) { return peer.name == "shell script"; });
   const auto hasItems = [&](std::ptrdiff_t items) {
     return [=] { return std::distance(fs::directory_iterator(folder / "volume/Plug-Ins/Corvane"), {}) == items; };
@@ -225,11 +123,11 @@ int main(int argc, char** argv) {
   measure("40 bundles, 2,400 files, 551 MB", peers, rounds, cleanUp, hasItems(40));
   fs::remove_all(folder / "Bundles.app");
 
-  makeLooseFiles(folder / "loose");
-  peers = peersFor(folder, makeInstaller(folder / "Loose.app", folder / "loose"));
+  makeLooseFiles(folder / "loose", 1000);
+  peers = peersFor(folder, makeInstaller(INSTALLER_BUNDLE, folder / "Loose.app", folder / "loose"));
   measure("1,000 loose files of 4 KB", peers, rounds, cleanUp, hasItems(1000));
 
-  const fs::path nothing = makeInstaller(folder / "Nothing.app", {});
+  const fs::path nothing = makeInstaller(INSTALLER_BUNDLE, folder / "Nothing.app", {});
   const fs::path empty = folder / "empty volume";
   fs::create_directories(empty);
   measure(
