@@ -52,6 +52,9 @@ class InstallFilesController : public SetupStepController {
   /// Every path that could not be installed, in order.
   [[nodiscard]] const std::vector<std::string>& failedPaths() const { return failedPaths_; }
 
+  /// Whether the log file holds what installedPaths() tells.
+  [[nodiscard]] bool isLogWritten() const { return isLogWritten_; }
+
   /// Gets hold of administrator rights, unless they are held already; false when they cannot be had. The operations
   /// below need them.
   [[nodiscard]] bool obtainAuthorization();
@@ -170,7 +173,8 @@ class InstallFilesController : public SetupStepController {
   };
   /// Makes the file, or takes over the one that is there, and writes the text at its start. Of what goes wrong only the
   /// writing is told, in the log.
-  void writeFileForUser(const FileForUser& file, std::string_view text);
+  /// Whether the text is in the file; why not is in the log.
+  bool writeFileForUser(const FileForUser& file, std::string_view text);
   void runToolIgnoringResult(const std::string& tool, const std::vector<std::string>& arguments);
   [[nodiscard]] std::string ownerText() const;
 
@@ -185,5 +189,6 @@ class InstallFilesController : public SetupStepController {
   std::unique_ptr<Authorization> authorization_;
   std::vector<std::string> installedPaths_;
   std::vector<std::string> failedPaths_;
+  bool isLogWritten_ = false;
   mutable InstallProgress progress_;
 };

@@ -34,9 +34,8 @@ class Summary {
     if (controller.fileOpErrorOccurred() && controller.failedPaths().empty()) {
       line("  " + platform().bundles.mainBundle().localizedString("auth_error"));
     }
-    const std::string log = PlugInFilesModel(platform()).installerLogPath();
-    if (!controller.installedPaths().empty() && platform().files.exists(log)) {
-      line(formatted(text("quiet_log", "Log: %@"), system_.shownPath(log)));
+    if (controller.isLogWritten()) {
+      line(formatted(text("quiet_log", "Log: %@"), system_.shownPath(PlugInFilesModel(platform()).installerLogPath())));
     }
   }
 

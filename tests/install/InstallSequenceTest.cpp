@@ -94,8 +94,8 @@ TEST_F(InstallSequenceTest, MovesOnByItselfFromThePage) {
 }
 
 TEST_F(InstallSequenceTest, ShowsHowFarItIs) {
-  writeFile(machine_.payload("HD/Applications/Studio.app/Contents/Large"), std::string(40'000'000, 'L'));
-  writeFile(machine_.payload("PHOTOSHOP_PLUGINS/Large.8li"), std::string(20'000'000, 'L'));
+  makeLargeFile(machine_.payload("HD/Applications/Studio.app/Contents/Large"), 40'000'000);
+  makeLargeFile(machine_.payload("PHOTOSHOP_PLUGINS/Large.8li"), 20'000'000);
   std::vector<double> shown;
   main_.onProgress = [&] { shown.push_back(controller_.progress()); };
   files_.fail(Call::copyItem, std::errc::io_error, 1);  // what fails is over with, too

@@ -171,8 +171,8 @@ TEST_F(CopyTest, DoesTheSameWithAPlanAndWithout) {
 }
 
 TEST_F(CopyTest, LetsOthersWorkMeanwhile) {
-  writeFile(on("/Large/a"), std::string(60'000'000, 'a'));
-  writeFile(on("/Large/b"), std::string(10'000'000, 'b'));
+  makeLargeFile(on("/Large/a"), 60'000'000);
+  makeLargeFile(on("/Large/b"), 10'000'000);
   EXPECT_EQ(files_.sizeOfItem("/Large"), 70'000'000U);
   std::vector<std::uint64_t> seen = {files_.bytesCopied()};
   const auto caller = std::this_thread::get_id();

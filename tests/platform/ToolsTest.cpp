@@ -1,8 +1,10 @@
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 #include "foundation/Text.h"
+#include "platform/posix/ChildProcess.h"
 #include "support/TestMachine.h"
 
 namespace {
@@ -14,7 +16,9 @@ class ToolsTest : public MachineTest {
     const auto command = tools_.resolve(tool, arguments);
     if (!command) return "(none)";
     std::string text = fs::path(command->executable).filename();
-    for (const std::string& argument : command->arguments) {
+    const std::string folder = "/proc/self/fd/" + std::to_string(command->folder.get());
+    for (std::string argument : command->arguments) {
+      if (argument.starts_with("./")) argument.replace(0, 1, fs::read_symlink(folder).string());
       text += "|" + replacingOccurrences(argument, on("").string(), "VOLUME");
     }
     return text;
@@ -60,6 +64,9 @@ TEST_F(ToolsTest, StandInForAMacs) {
       {"/bin/sh", {"-c", "true"}, "(none)"},
       {"rm", {"-fR", "/x"}, "(none)"},
       {"/bin/rm", {"-fR", own}, "(none)"},
+      {"/bin/rm", {"-fR", "x"}, "(none)"},
+      {"/bin/mkdir", {"-m775", "-p", "../x"}, "(none)"},
+      {"/usr/sbin/chown", {"-R", "root:admin", "-x"}, "(none)"},
       {"/bin/cp", {"-R", "/x", own}, "(none)"},
       {"/bin/rm", {"-fR", std::string("/x\0y", 4)}, "(none)"},
       {"/bin/mkdir", {"-m775", "-p", "/dangling/x/y"}, "(none)"},  // a Mac's does not make what the link leads to
@@ -74,9 +81,24 @@ TEST_F(ToolsTest, RunWithTheirOutputAndWithoutAShell) {
   EXPECT_EQ(run("/usr/bin/touch", {"/a $(touch b); 'c'"}), std::pair(launchSucceeded, std::string()));
   EXPECT_TRUE(fs::exists(on("/a $(touch b); 'c'")));
   EXPECT_EQ(run("/bin/rm", {"-fRv", "/a $(touch b); 'c'"}).second.substr(0, 8), "removed ");
-  EXPECT_EQ(run("/bin/mkdir", {"/none/below"}).first, launchSucceeded) << "a tool that fails was launched all the same";
+  EXPECT_EQ(run("/usr/sbin/chown", {"-R", "root:admin", "/none/below"}).first, launchSucceeded)
+      << "a tool that fails was launched all the same";
   // More than an argument may have.
   EXPECT_EQ(run("/usr/bin/touch", {std::string(3'000'000, 'x')}).first, errAuthorizationToolExecuteFailure);
+}
+
+TEST_F(ToolsTest, ChangeTheFolderThatWasLookedUp) {
+  writeFile(on("/Folder/deep/x"), "");
+  const fs::path outside = on("").parent_path() / "outside";
+  writeFile(outside / "deep/x", "");
+  const auto command = tools_.resolve("/bin/rm", {"-fR", "/Folder/deep/x"});
+  fs::rename(on("/Folder"), on("/Moved"));
+  fs::create_directory_symlink(outside, on("/Folder"));
+  const auto process =
+      spawn({.executable = command->executable, .arguments = command->arguments, .folder = command->folder.get()});
+  ASSERT_TRUE(process && ::waitpid(*process, nullptr, 0) == *process);
+  EXPECT_TRUE(fs::exists(outside / "deep/x"));
+  EXPECT_FALSE(fs::exists(on("/Moved/deep/x")));
 }
 
 TEST_F(ToolsTest, CopyAllOrNothingAndGiveFoldersTheModeAlone) {

@@ -23,6 +23,12 @@ void writeFile(const fs::path& path, std::string_view content) {
   if (!file.flush()) throw std::runtime_error("cannot write " + path.string());
 }
 
+void makeLargeFile(const fs::path& path, std::size_t size) {
+  std::string content;
+  content.resize(size, 'L');
+  writeFile(path, content);
+}
+
 std::string readFile(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) return "(no such file)";

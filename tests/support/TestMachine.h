@@ -28,6 +28,8 @@ class TemporaryFolder {
 };
 
 void writeFile(const fs::path& path, std::string_view content);
+/// A file of so many bytes, without holes.
+void makeLargeFile(const fs::path& path, std::size_t size);
 [[nodiscard]] std::string readFile(const fs::path& path);
 /// Permission bits, in octal.
 [[nodiscard]] std::string modeOf(const fs::path& path);

@@ -60,6 +60,8 @@ void InstallFilesController::configureLumatraExternalEditors() {
   if (text.empty()) return;
 
   // Not worth failing an install for: without a list Lumatra X offers no editors, which is what it did before.
-  if (platform_.files.createFile(list, text, 0644)) static_cast<void>(giveToUser(list));
+  const Status created = platform_.files.createFile(list, text, 0644);
+  if (created) static_cast<void>(giveToUser(list));
+  if (!created) platform_.log.write(created.error().description());
   installedPaths_.push_back(list);
 }

@@ -2,7 +2,7 @@
 #include "foundation/Format.h"
 #include "install/InstallFilesController.h"
 
-void InstallFilesController::writeFileForUser(const FileForUser& file, std::string_view text) {
+bool InstallFilesController::writeFileForUser(const FileForUser& file, std::string_view text) {
   // Whether the tools did their work shows when the file is opened, with the user's own rights.
   runToolIgnoringResult("/usr/bin/touch", {file.path});
   runToolIgnoringResult("/usr/sbin/chown", {"-R", ownerText(), file.path});
@@ -11,11 +11,13 @@ void InstallFilesController::writeFileForUser(const FileForUser& file, std::stri
   const auto opened = platform_.files.openForWriting(file.path);
   if (!opened) {
     platform_.log.write(file.cannotOpen);
-    return;
+    return false;
   }
   try {
     (*opened)->writeData(text);
+    return true;
   } catch (const Exception& exception) {
     platform_.log.write(formatted(file.cannotWrite, exception.what()));
+    return false;
   }
 }

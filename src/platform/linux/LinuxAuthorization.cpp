@@ -24,7 +24,10 @@ class RootAuthorization : public Authorization {
     const auto command = tools_.resolve(toolPath, arguments);
     auto output = makePipe();
     if (!command || !output) return errAuthorizationToolExecuteFailure;
-    if (!spawn({command->executable, command->arguments, output->writing.get()})) {
+    if (!spawn({.executable = command->executable,
+                .arguments = command->arguments,
+                .standardOutput = output->writing.get(),
+                .folder = command->folder.get()})) {
       return errAuthorizationToolExecuteFailure;
     }
     pipe = std::make_unique<ToolOutput>(std::move(output->reading));

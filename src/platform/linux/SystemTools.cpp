@@ -1,5 +1,6 @@
 #include "platform/linux/SystemTools.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -68,39 +69,38 @@ std::optional<SystemCommand> SystemTools::resolve(const std::string& macPath, co
   return (this->*tool->make)(arguments);
 }
 
-std::optional<SystemTools::Arguments> SystemTools::mapped(const Arguments& arguments, LastLink lastLink) const {
-  Arguments result;
-  for (const std::string& argument : arguments) {
-    if (argument.find('\0') != std::string::npos) return std::nullopt;
-    if (!isPath(argument)) {
-      result.push_back(argument);
-      continue;
-    }
-    auto real = volume_.realPath(argument, lastLink, Purpose::change);
-    if (!real) return std::nullopt;
-    result.push_back(std::move(*real));
+std::optional<SystemCommand> SystemTools::commandOnItem(const std::optional<std::string>& executable,
+                                                        const Arguments& arguments, std::size_t options,
+                                                        LastLink lastLink) const {
+  if (!executable || ::access(executable->c_str(), X_OK) != 0 || arguments.size() != options + 1) return std::nullopt;
+  const auto holdsZero = [](const std::string& argument) { return argument.find('\0') != std::string::npos; };
+  if (std::ranges::any_of(arguments, holdsZero) || !isPath(arguments.back())) return std::nullopt;
+  std::string path = arguments.back();
+  std::string missing;  // folders that are not there yet, and what is to be in them
+  auto place = volume_.find(path, lastLink, Purpose::change);
+  while (!place && place.error().is(std::errc::no_such_file_or_directory) && path != "/") {
+    missing = "/" + lastPathComponent(path) + missing;
+    path = deletingLastPathComponent(path);
+    place = volume_.find(path, LastLink::follow, Purpose::change);
   }
-  return result;
-}
-
-std::optional<SystemCommand> SystemTools::command(const char* name, std::optional<Arguments> arguments) const {
-  auto executable = findExecutable(name);
-  if (!executable || !arguments) return std::nullopt;
-  return SystemCommand{std::move(*executable), std::move(*arguments)};
+  if (!place) return std::nullopt;
+  SystemCommand command{*executable, {arguments.begin(), arguments.end() - 1}, std::move(place->folder)};
+  command.arguments.push_back("./" + place->name + missing);
+  return command;
 }
 
 std::optional<SystemCommand> SystemTools::copy(const Arguments& arguments) const {
   // One of our own: the system's would leave half a copy under the target's name when it fails.
-  if (arguments.size() != 3 || arguments[0] != "-R") return std::nullopt;
+  if (arguments.size() != 3 || arguments[0] != "-R" || !isPath(arguments[2])) return std::nullopt;
   const auto source = volume_.realPath(arguments[1], LastLink::keep, Purpose::look);
-  const auto target = mapped({arguments[2]}, LastLink::keep);
+  const auto target = volume_.realPath(arguments[2], LastLink::keep, Purpose::change);
   const std::string executable = joinPath(helpersFolder_, "cp");
   if (!source || !target || ::access(executable.c_str(), X_OK) != 0) return std::nullopt;
-  return SystemCommand{executable, {"-R", *source, target->front()}};
+  return SystemCommand{executable, {"-R", *source, *target}};
 }
 
 std::optional<SystemCommand> SystemTools::remove(const Arguments& arguments) const {
-  return command("rm", mapped(arguments, LastLink::keep));
+  return commandOnItem(findExecutable("rm"), arguments, 1, LastLink::keep);
 }
 
 std::optional<SystemCommand> SystemTools::makeDirectory(const Arguments& arguments) const {
@@ -114,46 +114,50 @@ std::optional<SystemCommand> SystemTools::makeDirectory(const Arguments& argumen
       if (isLink(*itself) && ::access(leadsTo->c_str(), F_OK) != 0) return std::nullopt;
     }
   }
-  return command("mkdir", mapped(arguments, LastLink::follow));
+  return commandOnItem(findExecutable("mkdir"), arguments, 2, LastLink::follow);
 }
 
 std::optional<SystemCommand> SystemTools::changeOwner(const Arguments& arguments) const {
-  auto real = mapped(arguments, LastLink::keep);
-  if (real && real->size() == 3) (*real)[1] = numericOwner((*real)[1]);
-  return command("chown", std::move(real));
+  auto command = commandOnItem(findExecutable("chown"), arguments, 2, LastLink::keep);
+  if (command) command->arguments[1] = numericOwner(command->arguments[1]);
+  return command;
 }
 
 std::optional<SystemCommand> SystemTools::changeMode(const Arguments& arguments) const {
-  auto real = mapped(arguments, LastLink::keep);
-  if (!real || real->size() != 3) return std::nullopt;
+  auto command = commandOnItem(findExecutable("chmod"), arguments, 2, LastLink::keep);
+  if (!command) return command;
   // A Mac's chmod -R leaves a link that it is given alone; this system's would follow it.
-  if (isLink(real->back())) return command("true", Arguments());
+  struct stat status {};
+  if (::fstatat(command->folder.get(), command->arguments[2].c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+      S_ISLNK(status.st_mode)) {
+    return SystemCommand{findExecutable("true").value_or(""), {}};
+  }
   // Five digits: with fewer, this system's chmod keeps a folder's set-group-id bit.
-  (*real)[1] = std::string("00") + (*real)[1].substr((*real)[1].starts_with('0') ? 1 : 0);
-  return command("chmod", std::move(real));
+  std::string& mode = command->arguments[1];
+  mode = std::string("00") + mode.substr(mode.starts_with('0') ? 1 : 0);
+  return command;
 }
 
 std::optional<SystemCommand> SystemTools::touch(const Arguments& arguments) const {
-  return command("touch", mapped(arguments, LastLink::follow));
+  return commandOnItem(findExecutable("touch"), arguments, 0, LastLink::follow);
 }
 
 std::optional<SystemCommand> SystemTools::removeAttribute(const Arguments& arguments) const {
-  const std::string executable = joinPath(helpersFolder_, "xattr");
-  auto real = mapped(arguments, LastLink::keep);
-  if (!real || ::access(executable.c_str(), X_OK) != 0) return std::nullopt;
-  return SystemCommand{executable, std::move(*real)};
+  return commandOnItem(joinPath(helpersFolder_, "xattr"), arguments, 2, LastLink::keep);
 }
 
 std::optional<SystemCommand> SystemTools::updateApplications(const Arguments& /*arguments*/) const {
   const auto folder = volume_.realPath(applicationsFolder_, LastLink::follow, Purpose::change);
   if (!folder) return std::nullopt;
-  if (::access(folder->c_str(), F_OK) != 0) return command("true", Arguments());  // nothing was ever registered
-  auto update = command("update-desktop-database", Arguments{"-q", *folder});
-  if (!update || ::geteuid() != 0 || user_.account().id == 0) return update;
+  if (::access(folder->c_str(), F_OK) != 0)
+    return SystemCommand{findExecutable("true").value_or(""), {}};  // nothing was ever registered
+  const auto executable = findExecutable("update-desktop-database");
+  if (!executable) return std::nullopt;
+  SystemCommand update{*executable, {"-q", *folder}};
+  if (::geteuid() != 0 || user_.account().id == 0) return update;
   // The database is the user's: root's own would be in their way.
   Arguments arguments = {"--reuid=" + std::to_string(user_.account().id),
-                         "--regid=" + std::to_string(user_.account().group), "--clear-groups", "--",
-                         update->executable};
-  arguments.insert(arguments.end(), update->arguments.begin(), update->arguments.end());
-  return command("setpriv", std::move(arguments));
+                         "--regid=" + std::to_string(user_.account().group), "--clear-groups", "--", update.executable};
+  arguments.insert(arguments.end(), update.arguments.begin(), update.arguments.end());
+  return SystemCommand{findExecutable("setpriv").value_or(""), std::move(arguments)};
 }

@@ -11,10 +11,12 @@
 /// The path of a program of this system; nothing when it is not installed.
 [[nodiscard]] std::optional<std::string> findExecutable(std::string_view name);
 
-/// A tool of this system with its arguments.
+/// A tool of this system with its arguments. What it changes is named from `folder`, in which it is to be started: the
+/// folder stays the one that was looked up, whatever its path leads to by then.
 struct SystemCommand {
   std::string executable;
   std::vector<std::string> arguments;
+  FileDescriptor folder = {};
 };
 
 /// Stands in for a Mac's system tools: the one table from their paths to what does the same here. Paths of the target
@@ -25,7 +27,8 @@ class SystemTools {
   /// on the volume.
   SystemTools(const Volume& volume, const PosixUser& user, std::string helpersFolder, std::string applicationsFolder);
 
-  /// Nothing when there is no such tool, or when it is asked to change the installer's own bundle.
+  /// Nothing when there is no such tool, when what it is to change has no absolute path, or lies in the installer's own
+  /// bundle.
   [[nodiscard]] std::optional<SystemCommand> resolve(const std::string& macPath,
                                                      const std::vector<std::string>& arguments) const;
 
@@ -47,8 +50,10 @@ class SystemTools {
   [[nodiscard]] std::optional<SystemCommand> removeAttribute(const Arguments& arguments) const;
   [[nodiscard]] std::optional<SystemCommand> updateApplications(const Arguments& arguments) const;
 
-  [[nodiscard]] std::optional<Arguments> mapped(const Arguments& arguments, Volume::LastLink lastLink) const;
-  [[nodiscard]] std::optional<SystemCommand> command(const char* name, std::optional<Arguments> arguments) const;
+  /// The tool with so many options as they are, and the one path after them.
+  [[nodiscard]] std::optional<SystemCommand> commandOnItem(const std::optional<std::string>& executable,
+                                                           const Arguments& arguments, std::size_t options,
+                                                           Volume::LastLink lastLink) const;
 
   const Volume& volume_;
   const PosixUser& user_;

@@ -22,6 +22,7 @@ Result<pid_t> spawn(const ChildProcess& child) {
   ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
   if (child.standardOutput >= 0) ::posix_spawn_file_actions_adddup2(&actions, child.standardOutput, STDOUT_FILENO);
   if (child.standardError >= 0) ::posix_spawn_file_actions_adddup2(&actions, child.standardError, STDERR_FILENO);
+  if (child.folder >= 0) ::posix_spawn_file_actions_addfchdir_np(&actions, child.folder);
 
   posix_spawnattr_t attributes;
   ::posix_spawnattr_init(&attributes);

@@ -14,6 +14,7 @@ struct ChildProcess {
   std::vector<std::string> arguments;  ///< without the program's name
   int standardOutput = -1;             ///< -1: ours
   int standardError = -1;              ///< -1: ours
+  int folder = -1;                     ///< the open folder that it is started in; -1: ours
 };
 
 /// Starts the process; its standard input is empty. The error tells why it could not be started.
