@@ -24,6 +24,16 @@ bool isTyped(const QKeyEvent& event) {
          (event.text().at(0).isPrint() || event.text().at(0) == '\r');
 }
 
+/// What takes time to show, and shows nothing else than itself.
+bool mayWait(std::string_view property) {
+  return property == "bindText" || property == "bindImage" || property == "bindRows" || property == "bindProgress";
+}
+
+bool isOnHiddenPage(const QObject& control) {
+  const auto* const widget = qobject_cast<const QWidget*>(&control);
+  return widget != nullptr && !widget->isVisibleTo(widget->window());
+}
+
 }  // namespace
 
 QtBindings::QtBindings(QObject& top, InterfaceOwner& owner, BindingServices services)
@@ -64,12 +74,14 @@ void QtBindings::bind(QObject& control, const std::string& property, const std::
   binding.control = &control;
   binding.isNegated = value.starts_with('!');
   if (binding.isNegated) binding.path.erase(0, 1);
-  binding.show = property == "bindRows" ? makeRowsBinding(control, services_.imageNamed("GenericApplication"))
-                                        : makeBinding(property, control);
+  binding.show = property == "bindRows"
+                     ? makeRowsBinding(control, [this] { return services_.imageNamed("GenericApplication"); })
+                     : makeBinding(property, control);
   if (!binding.show) return complain(control, "has no " + property);
   const std::size_t index = bindings_.size();
   bindings_.push_back(std::move(binding));
   resolve(bindings_.back());
+  control.installEventFilter(this);
 
   if (property == "bindTicked") {
     if (auto* const action = qobject_cast<QAction*>(&control)) {
@@ -92,7 +104,6 @@ void QtBindings::bind(QObject& control, const std::string& property, const std::
     });
   } else if (auto* const edit = qobject_cast<QTextEdit*>(&control); edit != nullptr && property == "bindText") {
     edit->setReadOnly(true);
-    edit->installEventFilter(this);
   }
 }
 
@@ -161,6 +172,8 @@ void QtBindings::changed(const InterfaceOwner& object, std::string_view key) {
 void QtBindings::show(std::size_t index) {
   Binding& binding = bindings_[index];
   if (binding.control == nullptr) return;
+  binding.isBehind = mayWait(binding.property) && isOnHiddenPage(*binding.control);
+  if (binding.isBehind) return;
   ShownValue value;
   const bool couldRead = attempt(*binding.control, [&] {
     if (binding.object != nullptr) value = binding.object->shownValue(lastKey(binding.path));
@@ -169,6 +182,13 @@ void QtBindings::show(std::size_t index) {
   if (auto* const flag = std::get_if<bool>(&value)) *flag = *flag != binding.isNegated;
   if (binding.control == nullptr || binding.show(value)) return;
   complain(*binding.control, formatted("%@ cannot show the value of %@", binding.property, binding.path));
+}
+
+void QtBindings::catchUp(const QObject& control) {
+  const QPointer<QtBindings> alive(this);
+  for (std::size_t i = 0; alive != nullptr && i < bindings_.size(); ++i) {
+    if (bindings_[i].isBehind && bindings_[i].control == &control) show(i);
+  }
 }
 
 void QtBindings::perform(const std::string& action, const QObject& sender) {
@@ -203,7 +223,9 @@ void QtBindings::complain(const QObject& control, std::string_view what) {
 }
 
 bool QtBindings::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() != QEvent::KeyPress) return QObject::eventFilter(watched, event);
+  if (event->type() == QEvent::Show) catchUp(*watched);
+  const bool isText = qobject_cast<QTextEdit*>(watched) != nullptr;
+  if (!isText || event->type() != QEvent::KeyPress) return QObject::eventFilter(watched, event);
   const auto& key = static_cast<const QKeyEvent&>(*event);
   if (!isTyped(key)) return QObject::eventFilter(watched, event);
   const bool isReturn = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;

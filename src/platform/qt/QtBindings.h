@@ -26,6 +26,9 @@ struct BindingServices {
 /// Connects the controls of an interface to its owner, as their dynamic properties say: they show its properties, set
 /// them, and send its actions. docs/making-an-installer.md lists the names. What a description asks for and does not
 /// get costs one line of the log each.
+///
+/// Texts, pictures and the like on a page that is hidden are read when it is shown, and not before: there are several
+/// pages, and while files are installed a text changes for each of them.
 class QtBindings : public QObject {
  public:
   QtBindings(QObject& top, InterfaceOwner& owner, BindingServices services);
@@ -38,6 +41,7 @@ class QtBindings : public QObject {
     QPointer<QObject> control;
     ShowValue show;
     InterfaceOwner* object = nullptr;  ///< who has the last key of the path
+    bool isBehind = false;             ///< its value changed while its page was hidden
   };
 
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -49,6 +53,7 @@ class QtBindings : public QObject {
   void setBack(std::size_t binding);
 
   void show(std::size_t binding);
+  void catchUp(const QObject& control);
   void resolve(Binding& binding);
   void observe(InterfaceOwner& object);
   void changed(const InterfaceOwner& object, std::string_view key);

@@ -14,4 +14,4 @@ using ShowValue = std::function<bool(const ShownValue& value)>;
 
 /// Fills a list with rows; what is selected stays selected, and rows that only change their ticks stay in their place.
 /// `genericPicture` stands in for a row without one.
-[[nodiscard]] ShowValue makeRowsBinding(QObject& control, const Picture& genericPicture);
+[[nodiscard]] ShowValue makeRowsBinding(QObject& control, std::function<Picture()> genericPicture);

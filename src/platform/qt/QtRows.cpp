@@ -3,6 +3,7 @@
 #include <QPixmap>
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
+#include <utility>
 
 #include "platform/qt/QtControls.h"
 #include "platform/qt/QtPicture.h"
@@ -55,14 +56,14 @@ class RowDelegate : public QStyledItemDelegate {
   }
 };
 
-void fill(QListWidgetItem& item, const ListRow& row, const Picture& genericPicture, qreal pixelRatio) {
+void fill(QListWidgetItem& item, const ListRow& row, const std::function<Picture()>& genericPicture, qreal pixelRatio) {
   item.setText(toQt(row.text));
   item.setData(Qt::UserRole, toQt(row.detail));
   item.setData(Qt::AccessibleDescriptionRole, toQt(row.detail));
   item.setToolTip(toQt(row.detail));
   item.setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
   item.setCheckState(row.isTicked ? Qt::Checked : Qt::Unchecked);
-  const Picture& shown = row.picture != nullptr ? row.picture : genericPicture;
+  const Picture shown = row.picture != nullptr ? row.picture : genericPicture();
   const auto* const picture = dynamic_cast<const QtPicture*>(shown.get());
   item.setIcon(picture != nullptr ? QIcon(picture->fitted({pictureSize, pictureSize}, pixelRatio)) : QIcon());
 }
@@ -74,12 +75,13 @@ bool isSameRow(const ListRow& one, const ListRow& other) {
 
 }  // namespace
 
-ShowValue makeRowsBinding(QObject& control, const Picture& genericPicture) {
+ShowValue makeRowsBinding(QObject& control, std::function<Picture()> genericPicture) {
   auto* const list = qobject_cast<QListWidget*>(&control);
   if (list == nullptr) return {};
   list->setItemDelegate(new RowDelegate(list));
   list->setIconSize({pictureSize, pictureSize});
-  return [list, genericPicture, shown = std::vector<ListRow>()](const ShownValue& value) mutable {
+  return [list, genericPicture = std::move(genericPicture),
+          shown = std::vector<ListRow>()](const ShownValue& value) mutable {
     const auto* const rows = std::get_if<std::vector<ListRow>>(&value);
     if (rows == nullptr) return false;
     const QSignalBlocker silence(*list);  // only the person's ticks are told

@@ -61,6 +61,30 @@ TEST_F(BindingsTest, ControlsShowTheirPropertiesAndFollowThem) {
   EXPECT_EQ(the<QProgressBar>("bar").maximum(), 0) << "without a value the bar is only busy";
 }
 
+TEST_F(BindingsTest, HiddenPagesCatchUpWhenTheyAreShown) {
+  using Rows = std::vector<ListRow>;
+  owner_.values = {{"text", "before"}, {"rows", Rows{{.text = "one"}}}, {"flag", false}};
+  show("<item><widget class=\"QWidget\" name=\"page\"><layout class=\"QVBoxLayout\" name=\"pageColumn\">" +
+       control("QTextEdit", "edit", property("bindText", "text")) +
+       control("QLabel", "label", property("bindText", "text") + property("bindVisible", "flag")) +
+       control("QListWidget", "list", property("bindRows", "rows")) + "</layout></widget></item>");
+  QWidget& window = the<QWidget>("top");
+  window.show();
+  interface_->view("page")->setHidden(true);
+  owner_.change("text", "after");
+  owner_.change("rows", Rows{{.text = "one"}, {.text = "two"}});
+  EXPECT_EQ(the<QTextEdit>("edit").toPlainText(), "before") << "a page that nobody sees costs nothing";
+  interface_->view("page")->setHidden(false);
+  EXPECT_EQ(the<QTextEdit>("edit").toPlainText(), "after");
+  EXPECT_EQ(the<QListWidget>("list").count(), 2);
+  owner_.change("flag", true);
+  EXPECT_EQ(the<QLabel>("label").text(), "after");
+  window.hide();
+  owner_.change("text", "at last");
+  window.show();
+  EXPECT_EQ(the<QTextEdit>("edit").toPlainText(), "at last");
+}
+
 TEST_F(BindingsTest, KeyPathsFollowTheObjectThatTheyLeadTo) {
   SampleOwner first;
   SampleOwner second;
