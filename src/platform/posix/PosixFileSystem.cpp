@@ -265,6 +265,14 @@ std::uint64_t PosixFileSystem::sizeOfItem(const std::string& path) const {
   return place ? sizeOfTree(place->folder.get(), place->name) : 0;
 }
 
+bool PosixFileSystem::isSmall(const std::string& path) const {
+  constexpr off_t most = 256 * 1024;
+  const auto place = volume_.find(path, LastLink::keep, Purpose::look);
+  struct stat status {};
+  if (!place || ::fstatat(place->folder.get(), place->name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return true;
+  return !S_ISDIR(status.st_mode) && status.st_size <= most;
+}
+
 Status PosixFileSystem::attended(const std::function<Status()>& work) {
   if (!whileBusy_) return work();
   constexpr std::chrono::milliseconds pause(30);
@@ -321,10 +329,13 @@ Result<StagedCopy> PosixFileSystem::stage(const std::string& source, const std::
 }
 
 Status PosixFileSystem::copyItem(const std::string& source, const std::string& target) {
+  // For a small file, a thread costs more time than the copy.
+  if (isSmall(source)) return copyToFreeName(source, target);
   return attended([&] { return copyToFreeName(source, target); });
 }
 
 Status PosixFileSystem::replaceItem(const std::string& source, const std::string& target) {
+  if (isSmall(source) && isSmall(target)) return replaceOldItem(source, target);
   return attended([&] { return replaceOldItem(source, target); });
 }
 

@@ -50,6 +50,8 @@ class PosixFileSystem : public FileSystem {
   /// The copy at its turn, made ahead or now.
   Result<StagedCopy> stage(const std::string& source, const std::string& target, const Volume::Place& place);
 
+  /// Whether there is so little to copy or to remove there that nobody notices.
+  [[nodiscard]] bool isSmall(const std::string& path) const;
   /// Does the work in a thread of its own while there is a handler to be called meanwhile.
   Status attended(const std::function<Status()>& work);
   Status copyToFreeName(const std::string& source, const std::string& target);

@@ -24,6 +24,10 @@ bool isTyped(const QKeyEvent& event) {
          (event.text().at(0).isPrint() || event.text().at(0) == '\r');
 }
 
+// So many changes are shown at once. While more follow within this time, one is shown in each such time.
+constexpr int changesAtOnce = 8;
+constexpr std::chrono::milliseconds restingTime(25);
+
 /// What takes time to show, and shows nothing else than itself.
 bool mayWait(std::string_view property) {
   return property == "bindText" || property == "bindImage" || property == "bindRows" || property == "bindProgress";
@@ -38,6 +42,9 @@ bool isOnHiddenPage(const QObject& control) {
 
 QtBindings::QtBindings(QObject& top, InterfaceOwner& owner, BindingServices services)
     : owner_(owner), services_(std::move(services)) {
+  rest_.setSingleShot(true);
+  rest_.setInterval(restingTime);
+  connect(&rest_, &QTimer::timeout, this, [this] { catchUp(nullptr); });
   observe(owner_);
   connectControl(top);
   for (QObject* const control : top.findChildren<QObject*>()) connectControl(*control);
@@ -169,11 +176,27 @@ void QtBindings::changed(const InterfaceOwner& object, std::string_view key) {
   }
 }
 
+bool QtBindings::waits(Binding& binding) {
+  if (!mayWait(binding.property)) return false;
+  if (isOnHiddenPage(*binding.control)) return true;
+  if (binding.property != "bindText" && binding.property != "bindProgress") return false;
+  const auto now = std::chrono::steady_clock::now();
+  const bool hasRested = now - std::exchange(binding.changedAt, now) >= restingTime;
+  binding.changesInARow = hasRested ? 1 : binding.changesInARow + 1;
+  if (binding.changesInARow <= changesAtOnce || now - binding.readAt >= restingTime) return false;
+  if (!rest_.isActive()) rest_.start();
+  return true;
+}
+
 void QtBindings::show(std::size_t index) {
   Binding& binding = bindings_[index];
   if (binding.control == nullptr) return;
-  binding.isBehind = mayWait(binding.property) && isOnHiddenPage(*binding.control);
-  if (binding.isBehind) return;
+  binding.isBehind = waits(binding);
+  if (!binding.isBehind) read(binding);
+}
+
+void QtBindings::read(Binding& binding) {
+  binding.readAt = std::chrono::steady_clock::now();
   ShownValue value;
   const bool couldRead = attempt(*binding.control, [&] {
     if (binding.object != nullptr) value = binding.object->shownValue(lastKey(binding.path));
@@ -184,10 +207,15 @@ void QtBindings::show(std::size_t index) {
   complain(*binding.control, formatted("%@ cannot show the value of %@", binding.property, binding.path));
 }
 
-void QtBindings::catchUp(const QObject& control) {
+void QtBindings::catchUp(const QObject* control) {
   const QPointer<QtBindings> alive(this);
   for (std::size_t i = 0; alive != nullptr && i < bindings_.size(); ++i) {
-    if (bindings_[i].isBehind && bindings_[i].control == &control) show(i);
+    Binding& binding = bindings_[i];
+    const bool isMeant = control == nullptr || binding.control == control;
+    if (!binding.isBehind || !isMeant || binding.control == nullptr) continue;
+    if (control == nullptr && isOnHiddenPage(*binding.control)) continue;
+    binding.isBehind = false;
+    read(binding);
   }
 }
 
@@ -223,7 +251,7 @@ void QtBindings::complain(const QObject& control, std::string_view what) {
 }
 
 bool QtBindings::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::Show) catchUp(*watched);
+  if (event->type() == QEvent::Show) catchUp(watched);
   const bool isText = qobject_cast<QTextEdit*>(watched) != nullptr;
   if (!isText || event->type() != QEvent::KeyPress) return QObject::eventFilter(watched, event);
   const auto& key = static_cast<const QKeyEvent&>(*event);

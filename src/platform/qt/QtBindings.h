@@ -2,6 +2,8 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
+#include <chrono>
 #include <functional>
 #include <map>
 #include <set>
@@ -27,8 +29,9 @@ struct BindingServices {
 /// them, and send its actions. docs/making-an-installer.md lists the names. What a description asks for and does not
 /// get costs one line of the log each.
 ///
-/// Texts, pictures and the like on a page that is hidden are read when it is shown, and not before: there are several
-/// pages, and while files are installed a text changes for each of them.
+/// Texts, pictures and the like on a page that is hidden are read when it is shown, and not before. One that goes on
+/// changing faster than anybody can read, as it does while small files are installed, is read now and then, and when it
+/// has come to rest.
 class QtBindings : public QObject {
  public:
   QtBindings(QObject& top, InterfaceOwner& owner, BindingServices services);
@@ -41,7 +44,10 @@ class QtBindings : public QObject {
     QPointer<QObject> control;
     ShowValue show;
     InterfaceOwner* object = nullptr;  ///< who has the last key of the path
-    bool isBehind = false;             ///< its value changed while its page was hidden
+    bool isBehind = false;             ///< its value changed and is yet to be read
+    std::chrono::steady_clock::time_point changedAt = {};
+    std::chrono::steady_clock::time_point readAt = {};
+    int changesInARow = 0;
   };
 
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -53,7 +59,11 @@ class QtBindings : public QObject {
   void setBack(std::size_t binding);
 
   void show(std::size_t binding);
-  void catchUp(const QObject& control);
+  void read(Binding& binding);
+  /// Whether the value is to be read later, which is then seen to.
+  [[nodiscard]] bool waits(Binding& binding);
+  /// Reads what is behind, of this control or of all that can be seen.
+  void catchUp(const QObject* control);
   void resolve(Binding& binding);
   void observe(InterfaceOwner& object);
   void changed(const InterfaceOwner& object, std::string_view key);
@@ -68,4 +78,5 @@ class QtBindings : public QObject {
   std::vector<Binding> bindings_;
   std::map<const InterfaceOwner*, KeyValueObserving::Observation> observations_;
   std::set<std::string> complaints_;
+  QTimer rest_;  ///< runs while something that changes too fast is behind
 };

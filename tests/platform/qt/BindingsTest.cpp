@@ -85,6 +85,13 @@ TEST_F(BindingsTest, HiddenPagesCatchUpWhenTheyAreShown) {
   EXPECT_EQ(the<QTextEdit>("edit").toPlainText(), "at last");
 }
 
+TEST_F(BindingsTest, WhatChangesFasterThanAnybodyReadsIsRightInTheEnd) {
+  owner_.values = {{"text", "start"}};
+  show(control("QLabel", "label", property("bindText", "text")));
+  for (int i = 0; i < 100; ++i) owner_.change("text", std::to_string(i));
+  EXPECT_TRUE(QTest::qWaitFor([this] { return the<QLabel>("label").text() == "99"; }, 2000));
+}
+
 TEST_F(BindingsTest, KeyPathsFollowTheObjectThatTheyLeadTo) {
   SampleOwner first;
   SampleOwner second;
