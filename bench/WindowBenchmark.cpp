@@ -8,6 +8,7 @@
 // module loads the real one and sees its events. Needs root: the install changes owners. No application of the names on
 // the sample volume may be running.
 
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -129,6 +130,7 @@ class Benchmark {
   void measurePages() const {
     const pid_t host = ::fork();
     if (host == 0) {
+      ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // a benchmark that fails leaves it to nobody
       const fs::path program = fs::path(sample()) / "Applications/Adobe Lightroom/Adobe Lightroom.app/Contents/MacOS";
       ::execl((program / "Adobe Lightroom").c_str(), "Adobe Lightroom", nullptr);
       std::_Exit(127);

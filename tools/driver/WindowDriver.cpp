@@ -14,6 +14,7 @@
 namespace {
 
 constexpr int longestWait = 20'000;
+constexpr int longestRun = 120'000;
 
 /// Of the installer's own module, which lies beside this one. It is told from any other by its path alone.
 MakeWindowInterface* realEntry() {
@@ -51,7 +52,9 @@ extern "C" [[gnu::visibility("default")]] UserInterface* makeWindowInterface(con
     return nullptr;
   }
   UserInterface* const made = make(services, problem);
-  if (made != nullptr) startDriving();
+  if (made == nullptr) return nullptr;
+  QTimer::singleShot(longestRun, qApp, [] { giveUp("the end"); });  // somebody asks what nobody answers, say
+  startDriving();
   return made;
 }
 

@@ -33,9 +33,18 @@ bool mayWait(std::string_view property) {
   return property == "bindText" || property == "bindImage" || property == "bindRows" || property == "bindProgress";
 }
 
+/// A line of text or a number; anything else is not kept.
+SmallValue smallValueIn(const ShownValue& value) {
+  if (const auto* const text = std::get_if<std::string>(&value)) return *text;
+  if (const auto* const number = std::get_if<double>(&value)) return *number;
+  return {};
+}
+
 bool isOnHiddenPage(const QObject& control) {
   const auto* const widget = qobject_cast<const QWidget*>(&control);
-  return widget != nullptr && !widget->isVisibleTo(widget->window());
+  const bool isPart =
+      widget != nullptr && !widget->isWindow();  // a menu is not, and its title is seen while it is shut
+  return isPart && !widget->isVisibleTo(widget->window());
 }
 
 }  // namespace
@@ -176,14 +185,11 @@ void QtBindings::changed(const InterfaceOwner& object, std::string_view key) {
   }
 }
 
-bool QtBindings::waits(Binding& binding) {
-  if (!mayWait(binding.property)) return false;
-  if (isOnHiddenPage(*binding.control)) return true;
-  if (binding.property != "bindText" && binding.property != "bindProgress") return false;
+bool QtBindings::changesTooFast(Binding& binding) {
   const auto now = std::chrono::steady_clock::now();
   const bool hasRested = now - std::exchange(binding.changedAt, now) >= restingTime;
   binding.changesInARow = hasRested ? 1 : binding.changesInARow + 1;
-  if (binding.changesInARow <= changesAtOnce || now - binding.readAt >= restingTime) return false;
+  if (binding.changesInARow <= changesAtOnce || now - binding.shownAt >= restingTime) return false;
   if (!rest_.isActive()) rest_.start();
   return true;
 }
@@ -191,19 +197,24 @@ bool QtBindings::waits(Binding& binding) {
 void QtBindings::show(std::size_t index) {
   Binding& binding = bindings_[index];
   if (binding.control == nullptr) return;
-  binding.isBehind = waits(binding);
-  if (!binding.isBehind) read(binding);
+  binding.isBehind = mayWait(binding.property) && isOnHiddenPage(*binding.control);
+  if (!binding.isBehind) read(binding, /*mayBePutOff=*/true);
 }
 
-void QtBindings::read(Binding& binding) {
-  binding.readAt = std::chrono::steady_clock::now();
+void QtBindings::read(Binding& binding, bool mayBePutOff) {
   ShownValue value;
   const bool couldRead = attempt(*binding.control, [&] {
     if (binding.object != nullptr) value = binding.object->shownValue(lastKey(binding.path));
   });
-  if (!couldRead) return;
+  if (!couldRead || binding.control == nullptr) return;
   if (auto* const flag = std::get_if<bool>(&value)) *flag = *flag != binding.isNegated;
-  if (binding.control == nullptr || binding.show(value)) return;
+  SmallValue small = smallValueIn(value);
+  const bool isChange = small != SmallValue() && small != binding.shown;
+  binding.isBehind = isChange && mayBePutOff && changesTooFast(binding);
+  if (binding.isBehind) return;
+  binding.shown = std::move(small);
+  binding.shownAt = std::chrono::steady_clock::now();
+  if (binding.show(value)) return;
   complain(*binding.control, formatted("%@ cannot show the value of %@", binding.property, binding.path));
 }
 
@@ -215,7 +226,7 @@ void QtBindings::catchUp(const QObject* control) {
     if (!binding.isBehind || !isMeant || binding.control == nullptr) continue;
     if (control == nullptr && isOnHiddenPage(*binding.control)) continue;
     binding.isBehind = false;
-    read(binding);
+    read(binding, /*mayBePutOff=*/false);
   }
 }
 

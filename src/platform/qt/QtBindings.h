@@ -8,6 +8,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "platform/Bundle.h"
@@ -25,13 +26,16 @@ struct BindingServices {
   std::function<bool(const std::string& action)> performOwnAction;
 };
 
+/// What is compared with what was shown before.
+using SmallValue = std::variant<std::monostate, double, std::string>;
+
 /// Connects the controls of an interface to its owner, as their dynamic properties say: they show its properties, set
 /// them, and send its actions. docs/making-an-installer.md lists the names. What a description asks for and does not
 /// get costs one line of the log each.
 ///
-/// Texts, pictures and the like on a page that is hidden are read when it is shown, and not before. One that goes on
-/// changing faster than anybody can read, as it does while small files are installed, is read now and then, and when it
-/// has come to rest.
+/// Texts, pictures and the like on a page that is hidden are read when it is shown, and not before. A line or a number
+/// that goes on changing faster than anybody can read, as it does while small files are installed, is shown now and
+/// then, and when it has come to rest.
 class QtBindings : public QObject {
  public:
   QtBindings(QObject& top, InterfaceOwner& owner, BindingServices services);
@@ -44,9 +48,10 @@ class QtBindings : public QObject {
     QPointer<QObject> control;
     ShowValue show;
     InterfaceOwner* object = nullptr;  ///< who has the last key of the path
-    bool isBehind = false;             ///< its value changed and is yet to be read
+    bool isBehind = false;             ///< its value changed and is yet to be shown
+    SmallValue shown = {};
+    std::chrono::steady_clock::time_point shownAt = {};
     std::chrono::steady_clock::time_point changedAt = {};
-    std::chrono::steady_clock::time_point readAt = {};
     int changesInARow = 0;
   };
 
@@ -59,9 +64,9 @@ class QtBindings : public QObject {
   void setBack(std::size_t binding);
 
   void show(std::size_t binding);
-  void read(Binding& binding);
-  /// Whether the value is to be read later, which is then seen to.
-  [[nodiscard]] bool waits(Binding& binding);
+  void read(Binding& binding, bool mayBePutOff);
+  /// Whether the change is to be shown later, which is then seen to.
+  [[nodiscard]] bool changesTooFast(Binding& binding);
   /// Reads what is behind, of this control or of all that can be seen.
   void catchUp(const QObject* control);
   void resolve(Binding& binding);

@@ -91,15 +91,17 @@ Result<std::unique_ptr<Interface>> QtToolkit::loadInterface(const std::string& n
   if (loader_ == nullptr) loader_ = makeLoader();
   std::unique_ptr<QWidget> top(loader_->load(&buffer));
   if (top == nullptr) return unusable(name, fromQt(loader_->errorString()));
-  finish(*top);
-  fixSize(*top);
-  layOut(*top);
+  QWidget& widgets = *top;
+  finish(widgets);
   auto made = std::make_unique<QtInterface>(std::move(top), views_, windows_);
   made->connectTo(owner, {.interfaceName = name,
                           .bundle = bundle,
                           .log = services_.log,
                           .imageNamed = [this](const std::string& picture) { return imageNamed(picture); },
                           .performOwnAction = [this](const std::string& action) { return performOwnAction(action); }});
+  // With the texts in it: a menu bar without any has no height.
+  fixSize(widgets);
+  layOut(widgets);
   return std::unique_ptr<Interface>(std::move(made));
 }
 

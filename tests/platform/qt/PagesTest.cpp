@@ -219,6 +219,7 @@ TEST_P(PagesTest, EveryTextFitsAndNothingMoves) {
   Wizard wizard(GetParam());
   std::optional<QRect> heading;
   std::optional<QRect> back;
+  const QSize size = wizard.window().size();
   for (const Wizard::Page& page : wizard.pages()) {
     SCOPED_TRACE(page.name);
     wizard.show(page);
@@ -230,6 +231,7 @@ TEST_P(PagesTest, EveryTextFitsAndNothingMoves) {
     if (!back) back = QRect(forward->geometry().bottomRight(), QSize());
     EXPECT_EQ(forward->geometry().bottomRight(), back->topLeft());
     expectTextsToFit(wizard.window());
+    EXPECT_EQ(wizard.window().size(), size) << "the window grows after it was shown";
   }
   EXPECT_TRUE(wizard.log().lines.empty()) << wizard.log().lines.front();
 }
