@@ -98,7 +98,8 @@ void fail() {
 void pictureHosts() {
   agreeToLicence();
   waitForPage("foundHostsController");
-  picture(std::getenv("PICTURE_NAME"));
+  const char* const name = std::getenv("PICTURE_NAME");
+  picture(name == nullptr ? "hosts" : name);
   window().close();
 }
 

@@ -266,7 +266,7 @@ std::uint64_t PosixFileSystem::sizeOfItem(const std::string& path) const {
 }
 
 bool PosixFileSystem::isSmall(const std::string& path) const {
-  constexpr off_t most = 256 * 1024;
+  constexpr off_t most = 256L * 1024;
   const auto place = volume_.find(path, LastLink::keep, Purpose::look);
   struct stat status {};
   if (!place || ::fstatat(place->folder.get(), place->name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return true;
