@@ -13,6 +13,7 @@
 #include <QWidget>
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <optional>
 
 #include "platform/qt/QtPicture.h"
@@ -36,9 +37,15 @@ template <class Control, class Set>
 ShowValue showPlain(Control& control, Set set) {
   return [&control, set](const ShownValue& value) {
     const auto text = plainText(value);
-    if (text) (control.*set)(*text);
+    if (text) std::invoke(set, control, *text);
     return text.has_value();
   };
+}
+
+/// A long text is seen from its start.
+void showInLine(QLineEdit& line, const QString& text) {
+  line.setText(text);
+  line.home(false);
 }
 
 /// "&" marks a short cut in a caption, and there is none in a text that comes from a table.
@@ -107,7 +114,7 @@ ShowValue showInLabel(QLabel& label) {
 ShowValue showText(QObject& control) {
   if (auto* const edit = qobject_cast<QTextEdit*>(&control)) return showInTextEdit(*edit);
   if (auto* const label = qobject_cast<QLabel*>(&control)) return showInLabel(*label);
-  if (auto* const line = qobject_cast<QLineEdit*>(&control)) return showPlain(*line, &QLineEdit::setText);
+  if (auto* const line = qobject_cast<QLineEdit*>(&control)) return showPlain(*line, showInLine);
   if (auto* const button = qobject_cast<QAbstractButton*>(&control)) {
     return showCaption(*button, &QAbstractButton::setText);
   }
