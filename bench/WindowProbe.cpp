@@ -74,9 +74,7 @@ class Walk {
 
   void arrived(Clock::time_point start, const char* there) {
     const auto end = endOfPainting(painting_, start);
-    if (shownWidget<QWidget>(there) == nullptr || end == start) {
-      waitUntil(there, [] { return false; });  // ends it
-    }
+    if (shownWidget<QWidget>(there) == nullptr || end == start) giveUp(there);
     report("page", milliseconds(end - start));
   }
 
@@ -104,7 +102,7 @@ void install(Painting& painting, bool isWatched) {
   const auto longestGap = painting.longestGap();
   beat.stop();
   longestTurn = std::max(longestTurn, done - turn);
-  waitUntil("the completion page", [] { return shownWidget<QWidget>("registerView") != nullptr; });
+  waitForPage("registerView");
   report("install", milliseconds(endOfPainting(painting, done) - start));
   if (isWatched) {
     report("longest-turn", milliseconds(longestTurn));

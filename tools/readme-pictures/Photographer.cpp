@@ -23,18 +23,6 @@ void picture(const std::string& name) {
   if (!window().grab().save(path)) std::cerr << "cannot write " << path.toStdString() << '\n';
 }
 
-void press(const char* name) {
-  waitUntil(name, [name] {
-    auto* const button = shownWidget<QAbstractButton>(name);
-    return button != nullptr && button->isEnabled();
-  });
-  shownWidget<QAbstractButton>(name)->click();
-}
-
-void waitForPage(const char* widget) {
-  waitUntil(widget, [widget] { return shownWidget<QWidget>(widget) != nullptr; });
-}
-
 void pick(const char* item) { window().findChild<QAction*>(item)->trigger(); }
 
 /// Pictures the install when a third of it is done, and when it is over, the last page.

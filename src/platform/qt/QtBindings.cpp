@@ -170,8 +170,15 @@ void QtBindings::observe(InterfaceOwner& object) {
   auto& observation = observations_[&object];
   if (observation != nullptr) return;
   observation = object.observe([this, &object](std::string_view key, KeyValueObserving::Moment moment) {
-    if (moment == KeyValueObserving::Moment::didChange) changed(object, key);
+    if (moment == KeyValueObserving::Moment::didChange) return changed(object, key);
+    changeBegins(object, key);
   });
+}
+
+void QtBindings::changeBegins(const InterfaceOwner& object, std::string_view key) {
+  for (Binding& binding : bindings_) {
+    if (binding.object == &object && lastKey(binding.path) == key) ++binding.changesBegun;
+  }
 }
 
 void QtBindings::changed(const InterfaceOwner& object, std::string_view key) {
@@ -181,7 +188,9 @@ void QtBindings::changed(const InterfaceOwner& object, std::string_view key) {
     if (binding.control == nullptr) continue;
     const bool leadsThere = &object == &owner_ && binding.path.starts_with(std::string(key) + '.');
     if (leadsThere) resolve(binding);
-    if (leadsThere || (binding.object == &object && lastKey(binding.path) == key)) show(i);
+    const bool isMeant = binding.object == &object && lastKey(binding.path) == key;
+    if (isMeant && binding.changesBegun > 0) --binding.changesBegun;
+    if (leadsThere || isMeant || binding.changesBegun > 0) show(i);
   }
 }
 

@@ -33,6 +33,9 @@ using SmallValue = std::variant<std::monostate, double, std::string>;
 /// them, and send its actions. docs/making-an-installer.md lists the names. What a description asks for and does not
 /// get costs one line of the log each.
 ///
+/// A change that takes long, as the install does, which runs while its page is entered, is shown with the next change of
+/// anything else.
+///
 /// Texts, pictures and the like on a page that is hidden are read when it is shown, and not before. A line or a number
 /// that goes on changing faster than anybody can read, as it does while small files are installed, is shown now and
 /// then, and when it has come to rest.
@@ -48,6 +51,7 @@ class QtBindings : public QObject {
     QPointer<QObject> control;
     ShowValue show;
     InterfaceOwner* object = nullptr;  ///< who has the last key of the path
+    int changesBegun = 0;              ///< that have not ended yet
     bool isBehind = false;             ///< its value changed and is yet to be shown
     SmallValue shown = {};
     std::chrono::steady_clock::time_point shownAt = {};
@@ -71,6 +75,7 @@ class QtBindings : public QObject {
   void catchUp(const QObject* control);
   void resolve(Binding& binding);
   void observe(InterfaceOwner& object);
+  void changeBegins(const InterfaceOwner& object, std::string_view key);
   void changed(const InterfaceOwner& object, std::string_view key);
   void perform(const std::string& action, const QObject& sender);
   /// Writes one line, the first time that there is this to say.

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "platform/posix/WindowModule.h"
-#include "platform/qt/SampleWizard.h"
+#include "platform/qt/SampleOwner.h"
 #include "support/TestMachine.h"
 
 namespace {

@@ -14,7 +14,7 @@
 
 #include "platform/qt/QtText.h"
 #include "platform/qt/QtUserInterface.h"
-#include "platform/qt/SampleWizard.h"
+#include "platform/qt/SampleOwner.h"
 #include "support/TestMachine.h"
 
 /// A machine whose window is a real one, on a screen that is nowhere. What a test does to a dialogue that waits it does

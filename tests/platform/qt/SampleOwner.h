@@ -1,9 +1,7 @@
 #pragma once
 
-#include <fstream>
 #include <functional>
 #include <map>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>

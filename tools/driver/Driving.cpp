@@ -1,0 +1,67 @@
+#include "Driving.h"
+
+#include <unistd.h>
+
+#include <QAbstractButton>
+#include <QElapsedTimer>
+#include <QTimer>
+#include <iostream>
+
+namespace {
+
+constexpr int longestWait = 20'000;
+
+void actWhenShown(const std::string& name, const std::function<void(QWidget&)>& act, const QElapsedTimer& since) {
+  auto* const shown = shownWidget<QWidget>(name.c_str());
+  if (shown != nullptr && shown->isEnabled()) return act(*shown);
+  if (since.hasExpired(longestWait)) giveUp(name.c_str());
+  QTimer::singleShot(1, qApp, [=] { actWhenShown(name, act, since); });
+}
+
+}  // namespace
+
+void giveUp(const char* waitedFor) {
+  std::cerr << "driver: gave up waiting for " << waitedFor << '\n';
+  ::_exit(70);
+}
+
+void waitUntil(const char* condition, const std::function<bool()>& holds) {
+  QElapsedTimer since;
+  since.start();
+  while (!holds()) {
+    if (since.hasExpired(longestWait)) giveUp(condition);
+    QApplication::processEvents(QEventLoop::AllEvents, 10);
+    ::usleep(500);
+  }
+}
+
+void waitForPage(const char* widget) {
+  waitUntil(widget, [widget] { return shownWidget<QWidget>(widget) != nullptr; });
+}
+
+void press(const char* button) {
+  waitUntil(button, [button] {
+    const auto* const shown = shownWidget<QAbstractButton>(button);
+    return shown != nullptr && shown->isEnabled();
+  });
+  shownWidget<QAbstractButton>(button)->click();
+}
+
+void whenShown(const std::string& widget, const std::function<void(QWidget&)>& act) {
+  QElapsedTimer since;
+  since.start();
+  QTimer::singleShot(0, qApp, [=] { actWhenShown(widget, act, since); });
+}
+
+void pressLater(const char* button, const std::function<void()>& before) {
+  whenShown(button, [before](QWidget& shown) {
+    before();
+    if (auto* const pressed = qobject_cast<QAbstractButton*>(&shown)) pressed->click();
+  });
+}
+
+void agreeToLicence(const std::function<void()>& beforeAgreeing) {
+  waitForPage("licenseView");
+  pressLater("defaultButton", beforeAgreeing);
+  press("forwardButton");
+}
