@@ -33,7 +33,8 @@ void HostsController::didEnterWithModel(std::shared_ptr<SetupStepModel> model, s
 }
 
 void HostsController::openCustomScreenOnEntry() {
-  if (customInstallView_ != nullptr) return show(customInstallView_, view_);
+  // A custom host that was given up is made anew: the screen would have nothing to put a folder into.
+  if (customInstallView_ != nullptr && customHost_ != nullptr) return show(customInstallView_, view_);
   show(view_, nullptr);  // what is left when there is no custom screen to be had
   goToCustomScreen();
 }
@@ -46,7 +47,7 @@ void HostsController::didProceed(std::int32_t /*delta*/) {
     // There is never a host to take scripts and panels from, chosen or not.
     custom->setShouldInstallPanels(false);
     custom->setShouldInstallScripts(false);
-    if (!installPluginForCustomInstall_) custom->setShouldInstallPlugIns(false);
+    custom->setShouldInstallPlugIns(installPluginForCustomInstall_);
     auto settings = BundleUserDefaults::initWithPersistentDomainName(platform_, installerPreferencesDomain);
     settings.setObject(custom->plugInPath(), customPathKey);
   }
@@ -149,9 +150,11 @@ void HostsController::browseButtonPressed(const std::string& /*sender*/) {
   if (!chosen) return;
   willChangeValueForKey("customPath");
   mainController_->willChangeValueForKey("enableForward");
+  mainController_->willChangeValueForKey("foundHosts");  // the list tells the folder, too
   if (customHost_ != nullptr) customHost_->setPlugInPath(*chosen);
   didChangeValueForKey("customPath");
   mainController_->didChangeValueForKey("enableForward");
+  mainController_->didChangeValueForKey("foundHosts");
 }
 
 OpenPanel HostsController::browsePanel() const {

@@ -13,9 +13,9 @@
 #include "shell/contract/SetupMainController.h"
 #include "shell/contract/SetupStepController.h"
 
-/// The page on which the hosts are chosen. It has two screens: the list of the hosts found, and a screen on which the
-/// user names a folder of their own (the custom host), made from the interface description "CustomInstall" when it is
-/// first needed. This is that description's owner:
+/// The page on which the hosts are chosen, from the list of those found; or none of them, and a folder instead. That is
+/// the custom host, and its screen is made from the interface description "CustomInstall" when it is first needed. This
+/// is that description's owner:
 ///
 ///     shown     customPath, scriptsOrPanelsHosts, scriptsOrPanelsHostsExsist, and the texts of the screen by the names
 ///               that they have in the model
@@ -31,7 +31,7 @@ class HostsController : public SetupStepController, public SetupStepButtons, pub
   [[nodiscard]] bool enableForward() const override;
   [[nodiscard]] bool enableBackward() const override { return enableBackward_; }
   [[nodiscard]] bool canProceed(std::int32_t /*direction*/) override { return true; }
-  /// Writes the user's choices into the custom host and remembers its folder for the next run.
+  /// Tells the custom host what was ticked, and keeps its folder in the preferences.
   void didProceed(std::int32_t delta) override;
   /// The model is a HostsModel. Without a host the custom screen opens, or, where that is not to be had, the next page.
   void didEnterWithModel(std::shared_ptr<SetupStepModel> model, std::shared_ptr<View> withView,

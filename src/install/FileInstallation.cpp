@@ -72,7 +72,8 @@ std::vector<PlannedCopy> InstallFilesController::payloadOf(const HostModel& host
         {joinPath(payload, "LIGHTROOM"), joinPath({platform_.folders.userApplicationSupport(), "Adobe", "Lightroom"})}};
   }
   if (const auto* folder = dynamic_cast<const UnknownHostModel*>(&host)) {
-    if (!folder->plugInPath().empty()) return {{joinPath(payload, "PHOTOSHOP_PLUGINS"), folder->plugInPath()}};
+    const bool isWanted = folder->shouldInstallPlugIns() && !folder->plugInPath().empty();
+    if (isWanted) return {{joinPath(payload, "PHOTOSHOP_PLUGINS"), folder->plugInPath()}};
   }
   return {};
 }

@@ -40,7 +40,7 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   /// or damaged, or describes no window.
   Status loadMainWindow();
 
-  // The table of the steps. A step without a model gets no row in the step list.
+  // The table of the steps. The step list shows those that have a model.
   void addStep(std::shared_ptr<View> view, std::shared_ptr<SetupStepController> withController,
                std::shared_ptr<SetupStepModel> withModel, std::int32_t forStep);
   [[nodiscard]] std::shared_ptr<View> getViewForStep(std::int32_t step) const;

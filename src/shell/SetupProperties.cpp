@@ -160,8 +160,13 @@ ShownValue SetupController::shownValue(std::string_view key) const {
 }
 
 void SetupController::setShownValue(std::string_view key, const ShownValue& value) {
-  if (key != "shouldConfigureLumatraExternalEditors") throw UnknownKey(key);
-  setShouldConfigureLumatraExternalEditors(flagIn(value, key));
+  if (key == "shouldConfigureLumatraExternalEditors") {
+    setShouldConfigureLumatraExternalEditors(flagIn(value, key));
+  } else if (key == "canConfigureLumatraExternalEditors") {
+    setCanConfigureLumatraExternalEditors(flagIn(value, key));
+  } else {
+    throw UnknownKey(key);
+  }
 }
 
 void SetupController::setTicked(std::string_view key, std::size_t row, bool isTicked) {
@@ -179,20 +184,16 @@ InterfaceOwner* SetupController::objectForKey(std::string_view key) {
 }
 
 void SetupController::performAction(std::string_view action, const std::string& sender) {
-  if (transitions_ > 0) return;
-  if (action == "nextView:") {
-    nextView(nullptr);
-  } else if (action == "previousView:") {
-    previousView(sender);
-  } else if (action == "subViewButtonPress:") {
-    subViewButtonPress(sender);
-  } else if (action == "customInstallMenu:") {
-    customInstallMenu();
-  } else if (action == "initialView:") {
-    initialView();
-  } else {
-    throw UnknownKey(action);
-  }
+  using Action = std::function<void(SetupController&, const std::string& sender)>;
+  static const std::map<std::string_view, Action> actions = {
+      {"nextView:", [](SetupController& of, const std::string&) { of.nextView(nullptr); }},
+      {"previousView:", [](SetupController& of, const std::string& from) { of.previousView(from); }},
+      {"subViewButtonPress:", [](SetupController& of, const std::string& from) { of.subViewButtonPress(from); }},
+      {"customInstallMenu:", [](SetupController& of, const std::string&) { of.customInstallMenu(); }},
+      {"initialView:", [](SetupController& of, const std::string&) { of.initialView(); }}};
+  const auto found = actions.find(action);
+  if (found == actions.end()) throw UnknownKey(action);
+  if (transitions_ == 0) found->second(*this, sender);
 }
 
 bool SetupController::textShouldChange(std::string_view replacement) {

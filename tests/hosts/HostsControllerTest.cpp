@@ -69,21 +69,6 @@ class HostsControllerTest : public MachineTest {
   KeyValueObserving::Observation observation_;
 };
 
-TEST_F(HostsControllerTest, OpensOnTheListWhereThereAreHosts) {
-  enter();
-  EXPECT_EQ(shown(), "list");
-  main_.found = {photoshop_};
-  enter();
-  EXPECT_EQ(shown(), "list") << "one is enough";
-  EXPECT_TRUE(controller_.enableForward() && controller_.enableBackward() && controller_.canProceed(1));
-  EXPECT_FALSE(controller_.overrideBackButton("back") || controller_.willBranch(1));
-  EXPECT_EQ(main_.announced, "");
-  EXPECT_TRUE(machine_.toolkit.interfaces.empty()) << "nothing is loaded before it is needed";
-  controller_.didProceed(1);
-  EXPECT_EQ(shown(), "");
-  EXPECT_TRUE(remembered().isNone());
-}
-
 TEST_F(HostsControllerTest, PassesItselfWithNothingToOffer) {
   main_.found.clear();
   main_.isRecommended = false;
@@ -167,30 +152,13 @@ TEST_F(HostsControllerTest, EnablesForwardOnceThereIsSomethingToInstallSomewhere
   EXPECT_TRUE(controller_.enableForward()) << "on the list, always";
 }
 
-TEST_F(HostsControllerTest, LeavesTheListWhenTheCustomScreenCannotBeLoaded) {
-  machine_.toolkit.missingInterfaces = {"CustomInstall"};
-  enter();
-  controller_.buttonPressed("customInstallButton");
-  EXPECT_EQ(main_.announced, "+enableForward -enableForward +own.customPath +own.customPath64 +enableForward ");
-  EXPECT_EQ(shown(), "list");
-  EXPECT_EQ(log_.count("CustomInstall"), 1);
-  main_.found.clear();
-  HostsController another(platform_);
-  view_->isHidden = true;
-  another.didEnterWithModel(model_, view_, &main_, 1);
-  EXPECT_FALSE(view_->isHidden) << "rather than nothing at all";
-  machine_.toolkit.missingInterfaces.clear();
-  another.buttonPressed("customInstallButton");
-  EXPECT_EQ(another.currentView(), customView());
-}
-
 TEST_F(HostsControllerTest, TakesAFolderFromTheBrowsePanel) {
   open();
   controller_.performAction("browseButtonPressed:", "browseButton");
   EXPECT_EQ(main_.announced, "") << "cancelled";
   machine_.toolkit.chosenFolder = "/Applications/Own";
   controller_.performAction("browseButtonPressed:", "browseButton");
-  EXPECT_EQ(main_.announced, "+own.customPath +enableForward -own.customPath -enableForward ");
+  EXPECT_EQ(main_.announced, "+own.customPath +enableForward +foundHosts -own.customPath -enableForward -foundHosts ");
   EXPECT_EQ(controller_.customPath(), "/Applications/Own");
   controller_.browseButtonPressed("browseButton");
   const auto& panels = machine_.toolkit.panels;
@@ -243,26 +211,6 @@ TEST_F(HostsControllerTest, EndsCustomInstallAtAClickOnACheckBox) {
   open();
   controller_.performAction("checkboxClicked:", "tick");
   EXPECT_FALSE(main_.isAllowed || main_.isChosen);
-}
-
-TEST_F(HostsControllerTest, AnswersItsInterfaceDescriptionByKey) {
-  open();
-  std::string texts;
-  for (const char* const key :
-       {"customInstallPathLabelText", "customInstallBrowseButtonText", "customInstallButtonText",
-        "customInstallCheckBoxText", "customInstallHostsExplanationText"}) {
-    texts += value<std::string>(key) + " ";
-  }
-  EXPECT_EQ(texts, "Path Browse Custom Panels Hosts ");
-  EXPECT_TRUE(value<bool>("installPluginForCustomInstall"));
-  EXPECT_FALSE(value<bool>("installScriptsAndPanelsChosen") || value<bool>("scriptsOrPanelsHostsExsist"));
-  controller_.setTicked("scriptsOrPanelsHosts", 0, true);
-  EXPECT_THROW(controller_.setTicked("foundHosts", 0, true), UnknownKey);
-  EXPECT_THROW(static_cast<void>(controller_.shownValue("customPath64")), UnknownKey);
-  EXPECT_THROW(controller_.setShownValue("customPath", std::string("/Mine")), UnknownKey);
-  EXPECT_THROW(controller_.performAction("quit:", ""), UnknownKey);
-  controller_.didProceed(1);
-  EXPECT_EQ(value<std::string>("customInstallButtonText"), "") << "a screen that nobody sees";
 }
 
 }  // namespace

@@ -155,6 +155,7 @@ TEST_P(WizardInEveryLanguageTest, LeadsFromTheLicenceToTheEndByMouse) {
 
     press("backwardButton");
     window().findChild<QAction*>("customInstallItem")->trigger();
+    press("configureLumatraExternalEditors");
     press("customInstallButton");
     lookAtPage("customInstallView", "custom");
     pressLater("choose", [this] {
@@ -172,6 +173,7 @@ TEST_P(WizardInEveryLanguageTest, LeadsFromTheLicenceToTheEndByMouse) {
   });
   expectWholeInstall();
   EXPECT_TRUE(logTells(ownFolder_ + filter_) && !logTells("/CC" + filter_)) << installed(log_);
+  EXPECT_TRUE(logTells("/ExternalEditors.csv"));
 
   // A folder that cannot be one makes the next install fail; the folder of before is remembered.
   fs::remove_all(volume_ / "Applications/Adobe Photoshop CS6/Plug-Ins");
@@ -234,7 +236,7 @@ TEST_F(WizardTest, IsWalkedByKeyboardAlone) {
 
     waitForPage("foundHostsController");
     EXPECT_EQ(heading(), "Programme auswählen");
-    EXPECT_EQ(tabOrder(), "foundHostsController backwardButton forwardButton ");
+    EXPECT_EQ(tabOrder(), "foundHostsController configureLumatraExternalEditors backwardButton forwardButton ");
     window().findChild<QAction*>("customInstallItem")->trigger();
     while (fromQt(window().focusWidget()->objectName()) != "customInstallButton") key(Qt::Key_Tab);
     key(Qt::Key_Space);

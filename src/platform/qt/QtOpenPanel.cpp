@@ -9,6 +9,7 @@
 #include <QSignalBlocker>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <vector>
 
 #include "foundation/Path.h"
@@ -88,8 +89,17 @@ class Panel : public QDialog {
   [[nodiscard]] bool isChoosable(const std::string& path) const {
     if (path.empty()) return false;
     const auto attributes = services_.files.attributesOfItem(path);
-    if (!attributes || attributes->type != ItemType::folder) return false;
+    return attributes && attributes->type == ItemType::folder && !isPackage(path) && isLet(path);
+  }
+
+  [[nodiscard]] bool isLet(const std::string& path) const {
     return !panel_.shouldShowFilename || panel_.shouldShowFilename(path);
+  }
+
+  [[nodiscard]] bool isPackage(const std::string& path) const {
+    const auto neighbours = services_.files.visibleEntries(deletingLastPathComponent(path));
+    return std::any_of(neighbours.begin(), neighbours.end(),
+                       [&](const WalkedItem& item) { return item.isPackage && item.path == path; });
   }
 
   [[nodiscard]] static std::string pathOf(const QTreeWidgetItem& item) {
@@ -115,9 +125,9 @@ class Panel : public QDialog {
     if (item.childIndicatorPolicy() != QTreeWidgetItem::ShowIndicator || item.childCount() > 0) return;
     const std::string folder = pathOf(item);
     QList<QTreeWidgetItem*> children;
-    for (const std::string& name : services_.files.contentsOfDirectory(folder).valueOr({})) {
-      const std::string path = joinPath(folder, name);
-      if (!name.starts_with('.') && isChoosable(path)) children.append(makeItem(path));
+    for (const WalkedItem& entry : services_.files.visibleEntries(folder)) {
+      const bool isFolder = entry.type == ItemType::folder && !entry.isPackage;
+      if (isFolder && isLet(entry.path)) children.append(makeItem(entry.path));
     }
     if (children.isEmpty()) item.setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicator);
     item.addChildren(children);

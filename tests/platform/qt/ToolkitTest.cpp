@@ -27,15 +27,6 @@ constexpr const char* viewsForm = R"(<ui version="4.0"><class>top</class><widget
   </widget>
   <widget class="QListWidget" name="list"/></widget></ui>)";
 
-constexpr const char* windowForm = R"(<ui version="4.0"><class>window</class><widget class="QMainWindow" name="window">
-  <widget class="QWidget" name="content"><layout class="QVBoxLayout" name="column">
-   <item><widget class="QPushButton" name="other"><property name="autoDefault"><bool>false</bool></property></widget></item>
-   <item><widget class="QPushButton" name="go"><property name="default"><bool>true</bool></property>
-    <property name="action" stdset="0"><string>nextView:</string></property></widget></item></layout></widget>
-  <widget class="QMenuBar" name="bar"><widget class="QMenu" name="menu"><addaction name="quitItem"/></widget>
-   <addaction name="menu"/></widget>
-  <action name="quitItem"><property name="action" stdset="0"><string>quit:</string></property></action></widget></ui>)";
-
 class ToolkitTest : public WindowTest {
  protected:
   void picture(const std::string& name, const QImage& image, const char* format) {
@@ -46,28 +37,6 @@ class ToolkitTest : public WindowTest {
     writeFile(machine_.inBundle("Resources/" + name), bytes.toStdString());
   }
 };
-
-TEST_F(ToolkitTest, FramesHaveTheirOriginLowerLeft) {
-  describe("Views", viewsForm);
-  const auto made = load("Views");
-  const auto box = made->view("box");
-  const Rect frame = box->frame();
-  EXPECT_EQ(frame.origin.x, 10);
-  EXPECT_EQ(frame.origin.y, 30);
-  box->setFrame({{0, 0}, {100, 40}});
-  EXPECT_EQ(find<QWidget>("box")->geometry(), QRect(0, 60, 100, 40));
-
-  // A view that is placed before it has a parent is turned over when it gets one.
-  const auto other = load("Views");
-  const auto row = other->view("top");
-  row->setFrame({{0, 10}, {100, 20}});
-  box->addSubview(row);
-  EXPECT_EQ(row->frame().origin.y, 10);
-  EXPECT_EQ(row->superview(), box) << "one view for a widget";
-  EXPECT_EQ(made->view("box"), box);
-  row->addSubview(box);  // would be a circle
-  EXPECT_EQ(row->superview(), box);
-}
 
 TEST_F(ToolkitTest, ViewsOutliveTheirWidgets) {
   describe("Views", viewsForm);
@@ -105,69 +74,6 @@ TEST_F(ToolkitTest, DescriptionsThatCannotBeUsedAreErrors) {
   EXPECT_GE(log_.count("FluxCapacitor"), 1);
 }
 
-TEST_F(ToolkitTest, AlertsAreAnsweredByKeyAndButton) {
-  const Alert alert{.title = "<b>T</b>", .message = "<i>M</i>", .defaultButton = "Yes", .alternateButton = "No"};
-  const auto answer = [&](const Alert& shown, auto act) {
-    meanwhile([act] { act(find<QMessageBox>("alert")); });
-    return toolkit().runAlertPanel(shown);
-  };
-  const auto press = [](Qt::Key key) { return [key](QMessageBox* box) { QTest::keyClick(box, key); }; };
-  EXPECT_EQ(answer(alert, press(Qt::Key_Return)), AlertAnswer::defaultButton);
-  EXPECT_EQ(answer(alert, press(Qt::Key_Escape)), AlertAnswer::alternateButton);
-  EXPECT_EQ(answer(alert, [](QMessageBox*) { find<QPushButton>("alternateButton")->click(); }),
-            AlertAnswer::alternateButton);
-  EXPECT_EQ(answer(alert,
-                   [](QMessageBox* box) {
-                     EXPECT_EQ(box->textFormat(), Qt::PlainText);
-                     for (const QLabel* label : box->findChildren<QLabel*>())
-                       EXPECT_NE(label->textFormat(), Qt::RichText);
-                     find<QPushButton>("defaultButton")->click();
-                   }),
-            AlertAnswer::defaultButton);
-  EXPECT_EQ(answer({.title = "T", .message = "M", .defaultButton = "OK"}, press(Qt::Key_Escape)),
-            AlertAnswer::defaultButton);
-}
-
-TEST_F(ToolkitTest, TheApplicationEndsWhenItsLastWindowHasClosedAndItsDelegateSaysSo) {
-  class Delegate : public ApplicationDelegate {
-   public:
-    int asked = 0;
-    bool lets = false;
-    bool windowShouldClose() override {
-      ++asked;
-      return lets;
-    }
-    [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const override { return true; }
-  } delegate;
-  describe("Window", windowForm);
-  toolkit().setApplicationDelegate(&delegate);
-  const auto made = load("Window");
-  toolkit().run();  // nothing is shown: comes back at once
-  const auto window = made->window("window");
-  ASSERT_NE(window, nullptr);
-  window->centre();
-  auto* const widget = find<QWidget>("window");
-  QTest::keyClick(find<QWidget>("other"), Qt::Key_Return);
-  EXPECT_EQ(owner_.done, "nextView: go;") << "the return key presses the default button";
-
-  widget->close();
-  EXPECT_TRUE(widget->isVisible());
-  EXPECT_EQ(delegate.asked, 1);
-  delegate.lets = true;
-  meanwhile([] { find<QAction>("quitItem")->trigger(); });
-  toolkit().run();
-  EXPECT_FALSE(widget->isVisible());
-  EXPECT_EQ(delegate.asked, 2);
-
-  window->centre();
-  delegate.lets = false;
-  meanwhile([&] { window->close(); });
-  toolkit().runAlertPanel({.title = "T", .message = "M", .defaultButton = "OK"});
-  EXPECT_FALSE(widget->isVisible()) << "the program's own wish is followed, and takes an alert with it";
-  EXPECT_EQ(delegate.asked, 2);
-  toolkit().run();
-}
-
 TEST_F(ToolkitTest, PicturesAreSharpAndDamagedOnesAreNone) {
   QImage image(96, 48, QImage::Format_ARGB32);
   image.fill(Qt::red);
@@ -184,14 +90,6 @@ TEST_F(ToolkitTest, PicturesAreSharpAndDamagedOnesAreNone) {
     EXPECT_EQ(toolkit().imageNamed(name), nullptr) << name;
   writeFile(machine_.onVolume("/icon.png"), "no picture");
   EXPECT_EQ(toolkit().imageWithContentsOfFile("/icon.png"), nullptr);
-
-  // A picture in process colours, which printers want: four channels, photometric interpretation 5.
-  std::string cmyk = whole;
-  const std::size_t photometric = cmyk.find(std::string("\x06\x01\x03\0\1\0\0\0", 8));
-  ASSERT_NE(photometric, std::string::npos);
-  cmyk[photometric + 8] = 5;
-  writeFile(machine_.inBundle("Resources/cmyk.tiff"), cmyk);
-  static_cast<void>(toolkit().imageNamed("cmyk"));  // nothing or something, but no crash
 }
 
 TEST(RichTextTest, BecomesADocumentThatCanBeRead) {
@@ -219,8 +117,8 @@ TEST(RichTextTest, BecomesADocumentThatCanBeRead) {
 class OpenPanelTest : public WindowTest {
  protected:
   OpenPanelTest() {
-    for (const char* const folder :
-         {"/Applications/Tools/Plug-Ins", "/Applications/App.app/Contents", "/Library/.hidden"}) {
+    for (const char* const folder : {"/Applications/Tools/Plug-Ins", "/Applications/App.app/Contents",
+                                     "/Applications/Flat.plugin", "/Library/.hidden"}) {
       fs::create_directories(machine_.onVolume(folder));
     }
     writeFile(machine_.onVolume("/Applications/file"), "");
@@ -273,23 +171,10 @@ TEST_F(OpenPanelTest, TakesAPathFromTheKeyboardAndNeverLeavesTheVolume) {
   };
   EXPECT_EQ(choose("/nowhere/at/all", type("/Library/../../../Library/")), "/Library");
   EXPECT_EQ(choose("/", type("/Applications/App.app")), std::nullopt);
+  EXPECT_EQ(choose("/", type("/Applications/Flat.plugin")), std::nullopt);
   EXPECT_EQ(choose("/", type("/Applications/file")), std::nullopt);
   EXPECT_EQ(choose("/", type("Library")), std::nullopt);
   EXPECT_EQ(choose("/", [](QDialog& dialogue) { QTest::keyClick(&dialogue, Qt::Key_Escape); }), std::nullopt);
-}
-
-TEST_F(OpenPanelTest, MakesAFolderAndSelectsIt) {
-  const auto chosen = choose("/Applications/Tools", [this](QDialog& dialogue) {
-    meanwhile([] {
-      auto* const question = find<QDialog>("newFolderName");
-      QTest::keyClicks(question->findChild<QLineEdit*>(), "Mine");
-      question->accept();
-    });
-    dialogue.findChild<QPushButton*>("newFolder")->click();
-    dialogue.findChild<QPushButton*>("choose")->click();
-  });
-  EXPECT_EQ(chosen, "/Applications/Tools/Mine");
-  EXPECT_TRUE(fs::is_directory(machine_.onVolume("/Applications/Tools/Mine")));
 }
 
 }  // namespace
