@@ -48,13 +48,6 @@ TEST(RichTextFormat, SkipsTheFallbackOfUnicodeAndNoMore) {
   EXPECT_EQ(textOf("\\u-10179?a\\u-8704?\\u-10179?\\u-10179?"), "\uFFFDa\uFFFD\uFFFD\uFFFD") << "halves of pairs";
 }
 
-TEST(RichTextFormat, KnowsItsCodePagesAndAdmitsWhatItDoesNotKnow) {
-  EXPECT_EQ(textOf("\\ansicpg1252 \\'e4"), "ä");
-  EXPECT_EQ(textOf("\\ansicpg10000 \\'8a\xA7"), "äß");
-  EXPECT_EQ(parseRichTextFormat("{\\rtf1\\mac \\'8a}").string(), "ä");
-  EXPECT_EQ(textOf("\\ansicpg932 a\\'93\\u26085?"), "a\uFFFD日");
-}
-
 TEST(RichTextFormat, KeepsAttributesToTheirGroups) {
   EXPECT_EQ(described(read("a{\\b b{\\i c}}\\ul d\\ulnone e\\b f\\b0 g\\fs27 h\\plain i")),
             "[]a[b]b[bi]c[u]d[]e[b]f[]g[ 135]h[]i");

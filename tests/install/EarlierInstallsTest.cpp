@@ -57,22 +57,4 @@ TEST_F(EarlierInstallsTest, StayWhenTheUserCancels) {
   EXPECT_EQ(namesIn(on("/Host/Plug-Ins")), "Layer.plugin Old.plugin a");
 }
 
-TEST_F(EarlierInstallsTest, DoNotHoldUpTheOthersWhenOneCannotBeRemoved) {
-  for (const char* const path : {"/Host/Plug-Ins/Old.plugin", "/Host/Plug-Ins/Layer.plugin"}) writeFile(on(path), "");
-  machine_.authorizations.statusOfTool["/bin/rm"] = errAuthorizationToolExecuteFailure;
-  unInstall();
-  EXPECT_EQ(removals().size(), 2U);
-  EXPECT_EQ(log_.count("found "), 2);
-  EXPECT_FALSE(controller_.authDenied() || controller_.fileOpErrorOccurred());
-}
-
-TEST_F(EarlierInstallsTest, AreNotLookedForWithoutNames) {
-  writeFile(on("/Host/Plug-Ins/Old.plugin"), "");
-  fs::remove_all(machine_.inBundle("SharedSupport/PlugIn"));
-  fs::remove(machine_.inBundle("SharedSupport/AutoLayer/Layer.plugin"));
-  unInstall();
-  EXPECT_EQ(removals(), Paths{});
-  EXPECT_TRUE(fs::exists(on("/Host/Plug-Ins/Old.plugin")));
-}
-
 }  // namespace

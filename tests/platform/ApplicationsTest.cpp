@@ -34,17 +34,6 @@ TEST_F(ApplicationsTest, AreRegisteredAsDesktopEntries) {
   EXPECT_EQ(std::system(("desktop-file-validate '" + entry.string() + "'").c_str()), 0);
 }
 
-TEST_F(ApplicationsTest, AreUpdatedWhenAsked) {
-  makeApplication("/A.app", {{"CFBundleIdentifier", "../a b/c"}});
-  const fs::path entry = entries_ / "-.-a-b-c.desktop";
-  writeFile(entry, "old");
-  EXPECT_EQ(registered("/A.app", /*update=*/false), LaunchServices::noErr);
-  EXPECT_EQ(readFile(entry), "old");
-  EXPECT_EQ(registered("/A.app"), LaunchServices::noErr);
-  EXPECT_NE(readFile(entry), "old");
-  EXPECT_EQ(namesIn(entries_), "-.-a-b-c.desktop");
-}
-
 TEST_F(ApplicationsTest, AreNotWhateverIsNone) {
   EXPECT_EQ(registered("/None.app"), LaunchServices::fnfErr);
   makeBundle(on("/X.plugin"), {});

@@ -24,20 +24,6 @@ TEST_F(BundleTest, PicksTheUsersLanguage) {
   EXPECT_NE(log_.count("No strings table NoTable"), 0);
 }
 
-TEST_F(BundleTest, FindsAResourceInTheUsersLanguage) {
-  const auto found = [&](const PosixUser& user) {
-    const std::string bundle = machine_.inBundle("").parent_path().parent_path();
-    const auto path = BundleOnDisk(bundle, files_, user, log_).pathForResource("page", "rtf");
-    return path ? fs::relative(*path, machine_.inBundle("Resources")).string() : "";
-  };
-  EXPECT_EQ(found(german_), "");
-  for (const char* const place : {"page.rtf", "en.lproj/page.rtf", "de.lproj/page.rtf"}) {
-    writeFile(machine_.inBundle("Resources") / place, "");
-    EXPECT_EQ(found(german_), place);
-  }
-  EXPECT_EQ(found(french_), "en.lproj/page.rtf");
-}
-
 TEST_F(BundleTest, ReadsDamagedTablesAsFarAsTheyGo) {
   writeFile(germanTable_, "done = \"Fertig\xFF\"; broken = ");
   EXPECT_EQ(text(german_, "done"), "Fertig\xEF\xBF\xBD");

@@ -170,30 +170,6 @@ TEST_F(CopyTest, DoesTheSameWithAPlanAndWithout) {
   EXPECT_EQ(describe("/Elsewhere/8.app"), describe("/Source.app"));
 }
 
-TEST_F(CopyTest, LetsOthersWorkMeanwhile) {
-  makeLargeFile(on("/Large/a"), 60'000'000);
-  makeLargeFile(on("/Large/b"), 10'000'000);
-  EXPECT_EQ(files_.sizeOfItem("/Large"), 70'000'000U);
-  std::vector<std::uint64_t> seen = {files_.bytesCopied()};
-  const auto caller = std::this_thread::get_id();
-  files_.setWhileBusy([&] {
-    EXPECT_EQ(std::this_thread::get_id(), caller);
-    seen.push_back(files_.bytesCopied());
-  });
-  // However fast the disk is, a copy that grows takes longer than the handler is left to wait.
-  for (int copies = 0; seen.size() < 3 && copies < 12; ++copies) {
-    ASSERT_TRUE(files_.copyItem("/Large", "/Copy"));
-    fs::remove_all(on("/Copy"));
-    fs::create_hard_link(on("/Large/a"), on("/Large/a" + std::to_string(copies)));
-  }
-  EXPECT_GE(seen.size(), 3U);
-  EXPECT_TRUE(std::ranges::is_sorted(seen));
-  files_.setWhileBusy({});
-  const std::uint64_t before = files_.bytesCopied();
-  ASSERT_TRUE(files_.copyItem("/Large/b", "/Copy"));
-  EXPECT_EQ(files_.bytesCopied() - before, 10'000'000U);
-}
-
 TEST_F(CopyTest, TellsALackOfRightsOnTheOldItemFromAnyOther) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs root, to become somebody without rights";
   makeSource(1);

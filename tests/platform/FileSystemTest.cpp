@@ -66,20 +66,6 @@ TEST_F(FileSystemTest, MakesFilesWholeOrNotAtAll) {
   EXPECT_FALSE(files_.openForWriting("/folder") || files_.openForWriting("/none"));
 }
 
-TEST_F(FileSystemTest, MakesFoldersWithTheMissingOnesAbove) {
-  EXPECT_TRUE(files_.createDirectory("/one/two/three", 0775) && files_.createDirectory("/one", 0700));
-  EXPECT_EQ(modeOf(on("/one/two/three")) + " in " + modeOf(on("/one")), "775 in 755") << "what was there stays";
-
-  fs::create_directory_symlink("/nowhere", on("/dangling"));
-  fs::create_directory_symlink("/one", on("/valid"));
-  writeFile(on("/file"), "");
-  for (const char* const path : {"/file", "/file/below", "/dangling", "/dangling/below"}) {
-    EXPECT_FALSE(files_.createDirectory(path, 0775)) << path;
-  }
-  EXPECT_TRUE(files_.createDirectory("/valid", 0775) && files_.createDirectory("/valid/below", 0775));
-  EXPECT_TRUE(fs::exists(on("/one/below")));
-}
-
 TEST_F(FileSystemTest, ChangesLinksAndNotWhatTheyLeadTo) {
   writeFile(on("/kept/file"), "");
   ::chmod(on("/kept/file").c_str(), 0600);

@@ -103,11 +103,4 @@ TEST_F(MetadataQueryTest, PassesOverWhatCannotBeRead) {
   ::chmod(on("/Host/closed").c_str(), 0755);
 }
 
-TEST_F(MetadataQueryTest, ReachesAsDeepAsAMacsPathsGo) {
-  std::string deep = "/Host";
-  while (deep.size() < 1000) deep += "/d";
-  writeFile(on(deep + "/x"), "");
-  EXPECT_EQ(search("x"), Paths{deep + "/x"});
-}
-
 }  // namespace

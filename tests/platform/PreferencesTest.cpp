@@ -39,15 +39,6 @@ TEST_F(PreferencesTest, WritesWhatIsLeftAtItsEnd) {
   EXPECT_EQ(stored("customPath"), Value("/here"));
 }
 
-TEST_F(PreferencesTest, FallsBackToTheValuesForAllUsers) {
-  writeFile(on("/Library/Preferences/com.corvane.installer.plist"), propertyListOf({{"customPath", "/all"}}));
-  EXPECT_EQ(copied("customPath"), Value("/all"));
-  preferences_.setAppValue("customPath", "/mine", domain_);
-  preferences_.setAppValue("customPath", Value(), domain_);
-  EXPECT_EQ(copied("customPath"), Value("/all"));
-  EXPECT_TRUE(preferences_.copyAppValue("customPath", "../Preferences/com.corvane.installer").isNone());
-}
-
 TEST_F(PreferencesTest, NeverOverwritesWhatItCannotRead) {
   for (const auto* const damaged : {"garbage", "<plist><array/></plist>", "bplist00"}) {
     writeFile(file_, damaged);

@@ -33,19 +33,6 @@ TEST(RequestTest, ArriveWholeInMessagesThatAreNotTooLong) {
   EXPECT_TRUE(messagesFor({"/bin/rm", std::vector<std::string>(mostArguments + 1)}).empty());
 }
 
-TEST(RequestTest, AreNotMadeOfAnythingElse) {
-  const std::string full(mostMessageBytes - 1, 'x');
-  for (const std::string& message :
-       {std::string(), std::string("x/bin/rm\0", 9), std::string("l"), std::string("p"), std::string("l/bin/rm"),
-        "l" + std::string(mostArguments + 2, '\0'), "l" + std::string(mostRequestBytes + 1, '\0')}) {
-    EXPECT_EQ(RequestReader().add(message), State::broken) << message.substr(0, 10);
-  }
-  RequestReader reader;
-  std::size_t parts = 0;
-  while (reader.add("p" + full) == State::unfinished) ++parts;
-  EXPECT_EQ(parts, mostRequestBytes / full.size()) << "the parts together are bounded as well";
-}
-
 TEST(OperationTest, IsOnlyWhatTheInstallerLaunches) {
   const std::tuple<const char*, std::vector<std::string>, Kind, mode_t> known[] = {
       {"/bin/rm", {"-fR", "/x", "/y"}, Kind::remove, 0},

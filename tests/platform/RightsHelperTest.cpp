@@ -78,23 +78,6 @@ TEST_F(RightsHelperTest, LaunchesTenThousandToolsInARow) {
   EXPECT_EQ(helper_->end(), 0);
 }
 
-TEST_F(RightsHelperTest, IsWaitedForByTheToolThatWasLaunchedLast) {
-  HelperConnection& connection = helper_->connection();
-  for (int i = 0; i < 100; ++i) makeOwnFolder("/Applications/deep/" + std::to_string(i));
-  std::unique_ptr<CommunicationsPipe> first;
-  std::unique_ptr<CommunicationsPipe> last;
-  ASSERT_EQ(connection.launch({"/bin/rm", {"-fR", "/Applications/none"}}, first), launchSucceeded);
-  ASSERT_EQ(connection.launch({"/bin/rm", {"-fR", "/Applications/deep"}}, last), launchSucceeded);
-  connection.waitForTool();
-  EXPECT_FALSE(fs::exists(on("/Applications/deep"))) << "although the other one ended first";
-  EXPECT_TRUE(connection.hasTools());
-  connection.waitForTool();
-  EXPECT_FALSE(connection.hasTools());
-  connection.waitForTool();  // at once
-  char byte = 0;
-  EXPECT_EQ(last->read(&byte, 1), 0U);
-}
-
 TEST_F(RightsHelperTest, KilledMidLaunchIsAFailedLaunch) {
   std::unique_ptr<CommunicationsPipe> pipe;
   HelperConnection& connection = helper_->connection();

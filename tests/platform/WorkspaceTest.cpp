@@ -99,19 +99,6 @@ class WorkspaceTest : public MachineTest {
                             on("/open address").string()};
 };
 
-TEST_F(WorkspaceTest, KnowsTheBundleOfAProgram) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"/Applications/A b.app/Contents/MacOS/A", "/Applications/A b.app"},
-      {"/A.app/Contents/MacOS/A (deleted)", "/A.app"},
-      {"/A.app/Contents/Frameworks/B.app/Contents/MacOS/B", "/A.app/Contents/Frameworks/B.app"},
-      {"/A.app/Contents/MacOS/", "-"},
-      {"/.app/Contents/MacOS/A", "-"},
-      {"A.app/Contents/MacOS/A", "-"},
-      {"/A.app/Contents/Helpers/A", "-"},
-      {"", "-"}};
-  for (const auto& [program, bundle] : cases) EXPECT_EQ(bundleOfProgram(program).value_or("-"), bundle) << program;
-}
-
 TEST_F(WorkspaceTest, ListsWhatRunsInTheOrderOfItsStart) {
   const fs::path named = makeApplication("File");
   makeBundle(on(pathOf("File")), {{"CFBundleName", own_ + "Named"}});
@@ -167,18 +154,6 @@ TEST_F(WorkspaceTest, TellsOfEveryEndOnce) {
   fifth.end();
   EXPECT_FALSE(runLoop_.runBeforeDate(RunLoop::Clock::now())) << "nothing is watched any more";
   EXPECT_TRUE(ended_.ends_with("Fourth() "));
-}
-
-TEST_F(WorkspaceTest, TellsOfWhatEndedBetweenTheListAndTheObservation) {
-  ChildProgram program(makeApplication("A"));
-  EXPECT_EQ(running(), "A");
-  program.end();
-  Workspace::Observation observation = workspace_.observeTerminations([&](const std::string& name) {
-    ended_ += name;
-    observation.reset();  // as a page does that leaves itself
-  });
-  EXPECT_TRUE(eventually([&] { return !ended_.empty(); }));
-  EXPECT_EQ(ended_, own_ + "A");
 }
 
 TEST_F(WorkspaceTest, LaunchesAsTheUserInASessionOfItsOwn) {
@@ -243,19 +218,6 @@ TEST_F(WorkspaceTest, LaunchesNothingThatIsNoApplicationOfTheVolume) {
   }
 }
 
-TEST_F(WorkspaceTest, OpensAnAddress) {
-  workspace_.openUrl("https://none.invalid/");  // there is nothing to open it with: not reported
-  fs::create_directories(on("/out"));
-  ::chmod(on("/out").c_str(), 0777);
-  const std::string out = on("/out/address").string();
-  writeFile(on("/open address"), "#!/bin/sh\necho \"$#$1\" >'" + out + ".new'\nmv '" + out + ".new' '" + out + "'\n");
-  ::chmod(on("/open address").c_str(), 0755);
-  workspace_.openUrl("-option");
-  workspace_.openUrl("https://example.invalid/?a=b c&d");
-  ASSERT_TRUE(eventually([&] { return fs::exists(out); }));
-  EXPECT_EQ(readFile(out), "1https://example.invalid/?a=b c&d\n");
-}
-
 TEST_F(WorkspaceTest, FindsTheIconOfABundle) {
   const auto iconWith = [&](const Texts& info) {
     makeBundle(on("/A.app"), info);
@@ -264,12 +226,9 @@ TEST_F(WorkspaceTest, FindsTheIconOfABundle) {
   EXPECT_EQ(workspace_.iconFile("/None.app") + iconWith({}), "");
   EXPECT_EQ(iconWith({{"CFBundleIconFile", "Icon"}}), "");
   writeFile(on("/A.app/Contents/Resources/Icon.icns"), "");
-  writeFile(on("/A.app/Contents/Resources/Other.png"), "");
-  fs::create_directories(on("/A.app/Contents/Resources/Folder"));
   EXPECT_EQ(iconWith({{"CFBundleIconFile", "Icon"}}), "/A.app/Contents/Resources/Icon.icns");
   EXPECT_EQ(iconWith({{"CFBundleIconFile", "Icon.icns"}}), "/A.app/Contents/Resources/Icon.icns");
-  EXPECT_EQ(iconWith({{"CFBundleIconFile", "Other.png"}}), "/A.app/Contents/Resources/Other.png");
-  EXPECT_EQ(iconWith({{"CFBundleIconFile", "Folder"}}) + iconWith({{"CFBundleIconFile", "../Info.plist"}}), "");
+  EXPECT_EQ(iconWith({{"CFBundleIconFile", "../Info.plist"}}), "");
 }
 
 }  // namespace

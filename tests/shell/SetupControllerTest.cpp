@@ -71,43 +71,6 @@ class SetupControllerTest : public MachineTest {
   std::shared_ptr<RecordingInterface::Parts> window_;
 };
 
-TEST_F(SetupControllerTest, LeadsFromTheLicenceToTheEnd) {
-  machine_.addPhotoshop("Adobe Photoshop CS6");
-  start();
-  EXPECT_TRUE(window_->window->isShown);
-  EXPECT_EQ(machine_.toolkit.delegate, wizard_.get());
-  EXPECT_EQ(shown(), "Read this [Quit|Continue] licenseView");
-  EXPECT_EQ(wizard_->windowTitle(), "Dunmore 3 Setup");
-  EXPECT_EQ(wizard_->licenseText().string(), "Be nice");
-
-  machine_.toolkit.answer = AlertAnswer::alternateButton;
-  press("nextView:");
-  EXPECT_EQ(shown(), "Read this [Quit|Continue] licenseView") << "not agreed";
-  machine_.toolkit.answer = AlertAnswer::defaultButton;
-  press("nextView:");
-  EXPECT_EQ(shown(), "Choose [Back|Continue] hostsView");
-  press("previousView:");
-  press("nextView:");
-  EXPECT_EQ(machine_.toolkit.alerts.size(), 2U) << "asked once more, and no more after agreeing";
-
-  press("nextView:");  // nothing is running, so the install runs and leads to the end
-  EXPECT_EQ(shown(), "The end [-Back|Finish] registerView");
-  EXPECT_EQ(wizard_->informativeText().string(), "Enjoy");
-  EXPECT_TRUE(fs::exists(on("/Applications/Adobe Photoshop CS6/Plug-Ins/Filter.plugin/Contents/x")));
-  EXPECT_FALSE(wizard_->copyInProgress());
-
-  press("nextView:");
-  EXPECT_FALSE(window_->window->isShown);
-  EXPECT_TRUE(machine_.workspace.openedUrls.empty());
-}
-
-TEST_F(SetupControllerTest, QuitsFromTheFirstPage) {
-  start();
-  press("previousView:");
-  EXPECT_FALSE(window_->window->isShown);
-  EXPECT_TRUE(machine_.toolkit.alerts.empty());
-}
-
 TEST_F(SetupControllerTest, ListsItsStepsAndMarksTheCurrentOne) {
   machine_.addPhotoshop("Adobe Photoshop CS6");
   machine_.toolkit.frames["stepIndicatorView"] = {{7, 7}, {180, 24}};
@@ -119,25 +82,6 @@ TEST_F(SetupControllerTest, ListsItsStepsAndMarksTheCurrentOne) {
   EXPECT_EQ(steps(), "0 Licence -24 Applications* -48 Running -72 Installation -96 End ");
   press("nextView:");
   EXPECT_EQ(steps(), "0 Licence -24 Applications -48 Running -72 Installation -96 End* ");
-}
-
-TEST_F(SetupControllerTest, WaitsWhileAHostRuns) {
-  machine_.addPhotoshop("Adobe Photoshop CS6");
-  machine_.workspace.running = {"Adobe Bridge", "Photoshop CS6"};
-  startAtHosts();
-  press("nextView:");
-  EXPECT_EQ(shown(), "Quit it [Back|-Continue] rtfView");
-  EXPECT_EQ(wizard_->informativeText().string(), "Quit Photoshop");
-  press("nextView:");
-  EXPECT_EQ(shown(), "Quit it [Back|-Continue] rtfView");
-
-  announced_.clear();
-  machine_.workspace.end("Photoshop CS6");
-  EXPECT_EQ(announced_, "+enableForward +mainLabelText -enableForward -mainLabelText ");
-  EXPECT_EQ(shown(), "Thanks [Back|Continue] rtfView");
-  EXPECT_EQ(wizard_->informativeText().string(), "Go on with Dunmore 3");
-  press("nextView:");
-  EXPECT_EQ(shown(), "The end [-Back|Finish] registerView");
 }
 
 TEST_F(SetupControllerTest, AnnouncesInnerTransitionsInsideOuterOnes) {
@@ -183,17 +127,6 @@ TEST_F(SetupControllerTest, DropsWhatIsAskedForWhileItInstalls) {
   EXPECT_TRUE(wizard_->windowShouldClose());
   EXPECT_TRUE(wizard_->selectedHosts().size() == 1);
   EXPECT_EQ(log_.count("Installing Filter.plugin"), 1);
-}
-
-TEST_F(SetupControllerTest, EndsInFailureWhenRightsAreRefused) {
-  machine_.addPhotoshop("Adobe Photoshop CS6");
-  machine_.authorizations.statusOfTool = {{"/usr/sbin/chown", -60006}};
-  startAtHosts();
-  press("nextView:");
-  EXPECT_EQ(shown(), "The end [-Back|Finish] registerView");
-  EXPECT_EQ(wizard_->informativeText().string(), "Corvane failed");
-  const auto picture = std::get<Picture>(wizard_->objectForKey("registerModel")->shownValue("backgroundImage"));
-  EXPECT_EQ(dynamic_cast<const RecordingImage&>(*picture).name, "Installer_Error");
 }
 
 TEST_F(SetupControllerTest, OffersAFolderWhereNothingIsFound) {

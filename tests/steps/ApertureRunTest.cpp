@@ -27,22 +27,6 @@ class ApertureRunTest : public MachineTest {
   ApertureRunController controller_{platform_};
 };
 
-TEST_F(ApertureRunTest, HasTheWindowReadThePageAgain) {
-  const auto observation = model_->observe([&](std::string_view key, auto moment) {
-    main_.announced +=
-        (moment == KeyValueObserving::Moment::willChange ? "+model." : "-model.") + std::string(key) + " ";
-  });
-  enter();
-  EXPECT_EQ(main_.announced,
-            "+informativeText +successfulInstall +model.backgroundImage "
-            "-informativeText -successfulInstall -model.backgroundImage ");
-  EXPECT_FALSE(view_->isHidden);
-  EXPECT_EQ(model_->informativeText().string() + *model_->mainLabelText() + model_->stepIndicatorLabelText(),
-            "TextTitleRow");
-  const auto picture = std::get<Picture>(model_->shownValue("backgroundImage"));
-  EXPECT_EQ(dynamic_cast<const RecordingImage&>(*picture).name, "/Applications/Aperture.app/icon");
-}
-
 TEST_F(ApertureRunTest, RunsTheFirstApplicationForTwoSecondsEitherWay) {
   addStandAlone("Beta.app");
   addStandAlone("Alpha.app");

@@ -41,17 +41,6 @@ TEST_F(LicenseTest, TellsAMissingAgreementFromAnEmptyOne) {
   EXPECT_EQ(model.informativeText(), RichText());
 }
 
-TEST_F(LicenseTest, HoldsItsModelAndViewWhileItShows) {
-  auto model = std::make_shared<LicenseModel>(platform_);
-  const std::weak_ptr<LicenseModel> held = model;
-  controller_.didEnterWithModel(std::move(model), view_, &main_, 1);
-  EXPECT_FALSE(held.expired() || view_->isHidden);
-  EXPECT_TRUE(controller_.enableForward() && controller_.enableBackward());
-  controller_.didProceed(1);
-  EXPECT_TRUE(held.expired() && view_->isHidden);
-  EXPECT_EQ(view_.use_count(), 1);
-}
-
 TEST_F(LicenseTest, AsksUntilThereIsAgreement) {
   EXPECT_TRUE(controller_.canProceed(-1));
   EXPECT_TRUE(toolkit_.alerts.empty());
@@ -67,14 +56,6 @@ TEST_F(LicenseTest, AsksUntilThereIsAgreement) {
   toolkit_.answer = AlertAnswer::defaultButton;
   EXPECT_TRUE(controller_.canProceed(1) && controller_.canProceed(1));
   EXPECT_EQ(toolkit_.alerts.size(), 3U) << "once agreed, never asked again";
-}
-
-TEST_F(LicenseTest, TakesTheAnswerOfASheet) {
-  controller_.sheetDidEnd(AlertAnswer::defaultButton);
-  EXPECT_TRUE(controller_.canProceed(1));
-  controller_.sheetDidEnd(AlertAnswer::alternateButton);
-  toolkit_.answer = AlertAnswer::alternateButton;
-  EXPECT_FALSE(controller_.canProceed(1));
 }
 
 }  // namespace

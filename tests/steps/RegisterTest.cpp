@@ -52,13 +52,4 @@ TEST_F(RegisterTest, ChoosesItsPageAtEachEntry) {
   EXPECT_THROW(static_cast<void>(model->shownValue("foregroundImage")), UnknownKey);
 }
 
-TEST_F(RegisterTest, StandsAPageThatIsMissingOrDamaged) {
-  writeFile(page_, "{\\rtf1 cut");
-  EXPECT_EQ(RegisterModel(platform_).informativeText(), RichText());
-  EXPECT_EQ(log_.lines, Paths{"register.rtf: rich text format that ends too early"});
-  fs::remove(page_);
-  EXPECT_EQ(RegisterModel(platform_).informativeText(), RichText());
-  EXPECT_EQ(log_.lines.size(), 1U) << "a missing one is not worth a line";
-}
-
 }  // namespace

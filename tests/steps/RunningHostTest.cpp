@@ -120,17 +120,6 @@ TEST_F(RunningHostTest, WaitsForTheHostToQuit) {
   EXPECT_EQ(log_.lines, (Paths{"terminated Finder", "terminated Adobe Lightroom"}));
 }
 
-TEST_F(RunningHostTest, NamesTheNextOneThatRuns) {
-  RunningHostViewController page(platform_, model_);
-  main_.selected = {folder_, lightroom_};
-  workspace_.running = {"Lightroom", "Photoshop"};
-  enter(page);
-  EXPECT_EQ(text(), "Quit: Quit Photoshop, please, Photoshop.") << "the first of the chosen, not of the running";
-  workspace_.end("Photoshop");
-  EXPECT_EQ(text(), "Quit: Quit Lightroom, please, Lightroom.");
-  EXPECT_FALSE(page.canProceed(1));
-}
-
 TEST_F(RunningHostTest, MissesNoApplicationThatEndsDuringTheCheck) {
   RunningHostViewController page(platform_, model_);
   workspace_.running = {"Lightroom"};
@@ -162,23 +151,6 @@ TEST_F(RunningHostTest, WaitsForTheProductsOwnApplications) {
     page.didProceed(-1);
   }
   EXPECT_EQ(text(), "Quit: Quit Studio, please, Studio.");
-}
-
-TEST_F(RunningHostTest, StandsPagesThatAreMissingOrDamaged) {
-  fs::remove(resource("host_running.rtf"));
-  writeFile(resource("proceed.rtf"), "no rich text");
-  model_ = std::make_shared<RunningHostViewModel>(platform_);
-  model_->setHostName("Lightroom");
-  EXPECT_EQ(text(), "Thanks: nil");
-  model_->setHostIsRunning(true);
-  EXPECT_EQ(text(), "Quit: nil");
-  EXPECT_EQ(log_.lines, (Paths{"there is no host_running.rtf in the installer", "proceed.rtf: not rich text format"}));
-
-  writeFile(resource("host_running.rtf"), "{\\rtf1 Quit it}");
-  writeFile(resource("proceed.rtf"), "{\\rtf1 Go on}");
-  model_ = std::make_shared<RunningHostViewModel>(platform_);
-  model_->setHostName("Lightroom");
-  EXPECT_EQ(text(), "Thanks: ") << "only a page with a place for a name is filled in";
 }
 
 }  // namespace

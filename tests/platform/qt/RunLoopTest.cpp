@@ -45,15 +45,6 @@ TEST_F(RunLoopTest, CallsTheWatcherUntilItsWatchEnds) {
   EXPECT_EQ(calls, 2);
 }
 
-TEST_F(RunLoopTest, ComesBackAtTheLimitAndNotBefore) {
-  const auto start = Clock::now();
-  loop().runUntilDate(start + 30ms);
-  EXPECT_GE(Clock::now() - start, 30ms);
-  const auto watch = descriptors().watchReadable(pipe_[0], [this] { receive(); });
-  send();
-  EXPECT_TRUE(loop().runBeforeDate(start + 1h)) << "an event ends the wait";
-}
-
 TEST_F(RunLoopTest, HandlersMayRunTheLoopAndEndTheirOwnWatch) {
   std::string order;
   DescriptorRunLoop::Watch watch = descriptors().watchReadable(pipe_[0], [&] {
@@ -67,29 +58,6 @@ TEST_F(RunLoopTest, HandlersMayRunTheLoopAndEndTheirOwnWatch) {
   send();
   loop().runUntilDate(Clock::now() + 50ms);
   EXPECT_EQ(order, "in timer out");
-}
-
-TEST_F(RunLoopTest, PaintsWhatChangedWhenItRunsUntilNow) {
-  class Painted : public QLabel {
-   public:
-    int times = 0;
-
-   private:
-    void paintEvent(QPaintEvent* event) override {
-      ++times;
-      QLabel::paintEvent(event);
-    }
-  };
-  Painted label;
-  label.resize(300, 40);
-  label.show();
-  loop().runUntilDate(Clock::now() + 50ms);
-  for (int i = 1; i <= 3; ++i) {
-    label.times = 0;
-    label.setText(QString::number(i));
-    loop().runUntilDate(Clock::now());
-    EXPECT_GE(label.times, 1) << i;
-  }
 }
 
 }  // namespace
