@@ -21,8 +21,7 @@ bool isLink(const std::string& path) {
   return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
 }
 
-/// "name:group" with the numbers for the names, which spares the tool the look-up and knows a Mac's groups; as it is
-/// when a name is unknown.
+/// "name:group" with the numbers for the names, which knows a Mac's groups; as it is when a name is unknown.
 std::string numericOwner(const std::string& owner) {
   const std::size_t colon = owner.find(':');
   if (colon == std::string::npos) return owner;
@@ -119,7 +118,11 @@ std::optional<SystemCommand> SystemTools::makeDirectory(const Arguments& argumen
 
 std::optional<SystemCommand> SystemTools::changeOwner(const Arguments& arguments) const {
   auto command = commandOnItem(findExecutable("chown"), arguments, 2, LastLink::keep);
-  if (command) command->arguments[1] = numericOwner(command->arguments[1]);
+  if (!command) return command;
+  std::string& owner = command->arguments[1];
+  std::string& number = numericOwners_[owner];
+  if (number.empty()) number = numericOwner(owner);
+  owner = number;
   return command;
 }
 

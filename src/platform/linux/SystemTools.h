@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -59,4 +60,6 @@ class SystemTools {
   const PosixUser& user_;
   std::string helpersFolder_;
   std::string applicationsFolder_;
+  /// Looked up once: asking the system for a group takes as long as all else before a launch.
+  mutable std::map<std::string, std::string> numericOwners_;
 };

@@ -26,16 +26,18 @@ bool isTyped(const QKeyEvent& event) {
 
 // So many changes are shown at once. While more follow within this time, one is shown in each such time.
 constexpr int changesAtOnce = 8;
-constexpr std::chrono::milliseconds restingTime(25);
+constexpr std::chrono::milliseconds restingTime(50);
 
 /// What takes time to show, and shows nothing else than itself.
 bool mayWait(std::string_view property) {
   return property == "bindText" || property == "bindImage" || property == "bindRows" || property == "bindProgress";
 }
 
-/// A line of text or a number; anything else is not kept.
-SmallValue smallValueIn(const ShownValue& value) {
+/// A text, a number or a flag; anything else is not kept.
+KeptValue keptValueIn(const ShownValue& value) {
+  if (const auto* const flag = std::get_if<bool>(&value)) return *flag;
   if (const auto* const text = std::get_if<std::string>(&value)) return *text;
+  if (const auto* const text = std::get_if<RichText>(&value)) return *text;
   if (const auto* const number = std::get_if<double>(&value)) return *number;
   return {};
 }
@@ -142,7 +144,8 @@ void QtBindings::connectAction(QObject& control, const std::string& action) {
 }
 
 void QtBindings::setBack(std::size_t index) {
-  const Binding& binding = bindings_[index];
+  Binding& binding = bindings_[index];
+  binding.shown = {};  // the click has changed what is seen
   const auto* const action = qobject_cast<const QAction*>(binding.control);
   const auto* const button = qobject_cast<const QAbstractButton*>(binding.control);
   const bool isTicked = action != nullptr ? action->isChecked() : button != nullptr && button->isChecked();
@@ -183,10 +186,11 @@ void QtBindings::changeBegins(const InterfaceOwner& object, std::string_view key
 
 void QtBindings::changed(const InterfaceOwner& object, std::string_view key) {
   const QPointer<QtBindings> alive(this);  // reading a property may end it all
+  const std::string path = std::string(key) + '.';
   for (std::size_t i = 0; alive != nullptr && i < bindings_.size(); ++i) {
     Binding& binding = bindings_[i];
     if (binding.control == nullptr) continue;
-    const bool leadsThere = &object == &owner_ && binding.path.starts_with(std::string(key) + '.');
+    const bool leadsThere = &object == &owner_ && binding.path.starts_with(path);
     if (leadsThere) resolve(binding);
     const bool isMeant = binding.object == &object && lastKey(binding.path) == key;
     if (isMeant && binding.changesBegun > 0) --binding.changesBegun;
@@ -217,11 +221,14 @@ void QtBindings::read(Binding& binding, bool mayBePutOff) {
   });
   if (!couldRead || binding.control == nullptr) return;
   if (auto* const flag = std::get_if<bool>(&value)) *flag = *flag != binding.isNegated;
-  SmallValue small = smallValueIn(value);
-  const bool isChange = small != SmallValue() && small != binding.shown;
-  binding.isBehind = isChange && mayBePutOff && changesTooFast(binding);
-  if (binding.isBehind) return;
-  binding.shown = std::move(small);
+  KeptValue kept = keptValueIn(value);
+  binding.isBehind = false;
+  if (kept != KeptValue()) {
+    if (kept == binding.shown) return;
+    binding.isBehind = mayBePutOff && mayWait(binding.property) && changesTooFast(binding);
+    if (binding.isBehind) return;
+  }
+  binding.shown = std::move(kept);
   binding.shownAt = std::chrono::steady_clock::now();
   if (binding.show(value)) return;
   complain(*binding.control, formatted("%@ cannot show the value of %@", binding.property, binding.path));

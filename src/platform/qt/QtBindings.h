@@ -11,6 +11,7 @@
 #include <variant>
 #include <vector>
 
+#include "foundation/RichText.h"
 #include "platform/Bundle.h"
 #include "platform/InterfaceOwner.h"
 #include "platform/Log.h"
@@ -27,14 +28,14 @@ struct BindingServices {
 };
 
 /// What is compared with what was shown before.
-using SmallValue = std::variant<std::monostate, double, std::string>;
+using KeptValue = std::variant<std::monostate, bool, double, std::string, RichText>;
 
 /// Connects the controls of an interface to its owner, as their dynamic properties say: they show its properties, set
 /// them, and send its actions. docs/making-an-installer.md lists the names. What a description asks for and does not
 /// get costs one line of the log each.
 ///
-/// A change that takes long, as the install does, which runs while its page is entered, is shown with the next change of
-/// anything else.
+/// A change that takes long, as the install does, which runs while its page is entered, is shown with the next change
+/// of anything else.
 ///
 /// Texts, pictures and the like on a page that is hidden are read when it is shown, and not before. A line or a number
 /// that goes on changing faster than anybody can read, as it does while small files are installed, is shown now and
@@ -53,7 +54,7 @@ class QtBindings : public QObject {
     InterfaceOwner* object = nullptr;  ///< who has the last key of the path
     int changesBegun = 0;              ///< that have not ended yet
     bool isBehind = false;             ///< its value changed and is yet to be shown
-    SmallValue shown = {};
+    KeptValue shown = {};
     std::chrono::steady_clock::time_point shownAt = {};
     std::chrono::steady_clock::time_point changedAt = {};
     int changesInARow = 0;

@@ -18,6 +18,7 @@ std::unique_ptr<QtUserInterface> QtUserInterface::make(const WindowServices& ser
   const FoundDisplay display = findDisplay();
   problem = display.problem;
   if (!problem.empty()) return nullptr;
+  qputenv("QT_NO_GLIB", "1");  // Qt's own event loop does: it turns faster, and the install turns it for every file
   return std::unique_ptr<QtUserInterface>(new QtUserInterface(services));
 }
 
