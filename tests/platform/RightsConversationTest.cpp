@@ -131,14 +131,17 @@ TEST(AskingTest, TellsACancelledDialogueFromARefusal) {
     fs::copy_file(fs::path(HELPERS_FOLDER) / name, helpers / name);
   }
   const fs::path pkexec = folder.path() / "pkexec";
+  int turns = 0;
   const auto outcome = [&](const std::string& script) {
     writeFile(pkexec, "#!/bin/sh\n" + script + "\n");
     ::chmod(pkexec.c_str(), 0755);
-    const auto started = startHelper({helpers, folder.path(), Surface::window}, {"", pkexec, false, false, true});
+    const auto started =
+        startHelper({helpers, folder.path(), Surface::window, [&] { ++turns; }}, {"", pkexec, false, false, true});
     const auto* const status = std::get_if<LaunchStatus>(&started);
     return status != nullptr ? *status : launchSucceeded;
   };
-  EXPECT_EQ(outcome("exit 126"), errAuthorizationCanceled);
+  EXPECT_EQ(outcome("sleep 0.2; exit 126"), errAuthorizationCanceled);
+  EXPECT_GT(turns, 0) << "others work while the user is asked";
   EXPECT_EQ(outcome("exit 127"), errAuthorizationDenied);
   EXPECT_EQ(outcome("kill -9 $$"), errAuthorizationDenied);
   EXPECT_EQ(outcome("shift; exec \"$@\" 2>/dev/null"), errAuthorizationDenied) << "no rights, or root's own";

@@ -68,6 +68,19 @@ class QuietInstallAsRootTest : public QuietInstallTest {
     return run(before, "-quiet -target '" + volume_.string() + "'" + after);
   }
   [[nodiscard]] std::string installed(const std::string& path) const { return readFile(volume_.string() + path); }
+  /// Everything in the log is the user's, with the modes of its kind; how many items there are.
+  std::size_t expectHandedOver(uid_t user) const {
+    const std::string owner = std::to_string(user) + ":" + std::to_string(*groupNumber("admin"));
+    std::size_t lines = 0;
+    std::istringstream paths(installed(log_));
+    for (std::string path; std::getline(paths, path); ++lines) {
+      const fs::path item = volume_.string() + path;
+      EXPECT_EQ(ownerOf(item) + " " + modeOf(item), owner + (path.ends_with(".csv") ? " 644" : " 775")) << path;
+      if (!fs::is_directory(item)) continue;
+      for (const auto& entry : fs::recursive_directory_iterator(item)) EXPECT_EQ(ownerOf(entry.path()), owner) << entry;
+    }
+    return lines;
+  }
   /// Lets everybody start the program.
   void openToAll() const {
     for (const fs::path& path : {folder_.path(), bundle_}) ::chmod(path.c_str(), 0755);
@@ -82,12 +95,7 @@ TEST_F(QuietInstallAsRootTest, InstallsForWhoCalledSudo) {
   EXPECT_TRUE(outcome.says("Hosts found: 4\n") && outcome.says("Failures: 0\n")) << outcome.output;
   EXPECT_TRUE(outcome.says(volume_.string() + log_));
 
-  std::size_t lines = 0;
-  std::istringstream paths(installed(log_));
-  for (std::string path; std::getline(paths, path); ++lines) {
-    EXPECT_EQ(ownerOf(volume_.string() + path), "65534:" + std::to_string(*groupNumber("admin"))) << path;
-    EXPECT_EQ(modeOf(volume_.string() + path), path.ends_with(".csv") ? "644" : "775") << path;
-  }
+  const std::size_t lines = expectHandedOver(65534);
   EXPECT_TRUE(outcome.says("Items installed: " + std::to_string(lines) + "\n"));
   EXPECT_EQ(modeOf(volume_.string() + log_), "644");
   for (const auto& entry : fs::recursive_directory_iterator(volume_ / "Users/nobody")) {
@@ -214,14 +222,7 @@ TEST_F(QuietInstallAsUserTest, InstallsWithOnePrompt) {
   EXPECT_TRUE(outcome.says("Hosts found: 4\n") && outcome.says("Failures: 0\n")) << outcome.output << outcome.errors;
   EXPECT_EQ(readFile(asked_), "asked\n");
   const std::string owner = std::to_string(*userNumber(name_)) + ":" + std::to_string(*groupNumber("admin"));
-  std::size_t lines = 0;
-  std::istringstream paths(installed(log_));
-  for (std::string path; std::getline(paths, path); ++lines) {
-    const fs::path item = volume_.string() + path;
-    EXPECT_EQ(ownerOf(item) + " " + modeOf(item), owner + (path.ends_with(".csv") ? " 644" : " 775")) << path;
-    if (!fs::is_directory(item)) continue;
-    for (const auto& entry : fs::recursive_directory_iterator(item)) EXPECT_EQ(ownerOf(entry.path()), owner) << entry;
-  }
+  const std::size_t lines = expectHandedOver(*userNumber(name_));
   EXPECT_TRUE(lines > 20 && outcome.says("Items installed: " + std::to_string(lines) + "\n")) << outcome.output;
   EXPECT_EQ(ownerOf(volume_.string() + log_) + " " + modeOf(volume_.string() + log_), owner + " 644");
 

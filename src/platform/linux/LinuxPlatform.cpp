@@ -83,7 +83,10 @@ LinuxPlatform::LinuxPlatform(const std::string& volumeRoot, const std::string& b
       preferences_(files_, folders_, log_),
       applicationsFolder_(applicationsFolderIn(folders_.homeDirectory())),
       tools_(volume_, user_, joinPath(bundlePath, "Contents/Helpers"), applicationsFolder_),
-      authorizations_(tools_, {joinPath(bundlePath, "Contents/Helpers"), volumeRoot, surface}),
+      authorizations_(tools_, {joinPath(bundlePath, "Contents/Helpers"), volumeRoot, surface,
+                               [this, surface] {  // a window goes on being painted
+                                 if (surface == Surface::window) platform_.runLoop.runUntilDate(RunLoop::Clock::now());
+                               }}),
       interface_(makeInterface({files_, bundles_, user_, log_})),
       tasks_(interface_->runLoop(), notifications_),
       desktopEntries_(volume_, files_, bundles_, applicationsFolder_),

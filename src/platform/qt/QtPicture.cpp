@@ -98,6 +98,7 @@ Picture readPicture(const FileSystem& files, const std::string& path) {
   const std::unique_ptr<QImageIOHandler> handler = handlerFor(format, buffer);
   QImage largest = handler != nullptr ? readLargest(*handler) : QImageReader(&buffer, format).read();
   if (largest.isNull()) return nullptr;
+  largest.convertTo(QImage::Format_ARGB32);  // one of few colours would stay so when it is scaled
   return std::make_shared<QtPicture>(std::move(largest));
 }
 

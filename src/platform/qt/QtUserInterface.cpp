@@ -23,8 +23,6 @@ std::unique_ptr<QtUserInterface> QtUserInterface::make(const WindowServices& ser
 }
 
 QtUserInterface::QtUserInterface(const WindowServices& services) : messages_(services.log) {
-  const Bundle& bundle = services.bundles.mainBundle();
-  QApplication::setApplicationDisplayName(toQt(bundle.infoValue("CFBundleName").text()));
   QApplication::setQuitOnLastWindowClosed(false);  // the delegate is asked
   const Appearance appearance = wantedAppearance(QApplication::palette());
   QApplication::setStyle(new QtStyle);

@@ -94,11 +94,15 @@ LaunchStatus outcome(int report, bool isPkexec) {
 }
 
 /// Waits for the helper's first message, or for the news that there will be none.
-bool isFirstMessageThere(int socket, int report) {
+bool isFirstMessageThere(int socket, int report, const std::function<void()>& meanwhile) {
+  constexpr int pause = 30;
   std::array<pollfd, 2> polled = {pollfd{socket, POLLIN, 0}, pollfd{report, POLLIN, 0}};
-  while (::poll(polled.data(), polled.size(), -1) < 0 && errno == EINTR) {
+  for (;;) {
+    const int ready = ::poll(polled.data(), polled.size(), meanwhile ? pause : -1);
+    if (ready > 0) return (polled[0].revents & POLLIN) != 0;
+    if (ready < 0 && errno != EINTR) return false;
+    if (meanwhile) meanwhile();
   }
-  return (polled[0].revents & POLLIN) != 0;
 }
 
 }  // namespace
@@ -147,8 +151,8 @@ std::variant<HelperConnection, LaunchStatus> startHelper(const HelperSetup& setu
   report->writing.close();
 
   HelperConnection connection{MessageSocket(std::move(sockets->ours))};
-  if (isFirstMessageThere(connection.descriptor(), report->reading.get()) && connection.receiveReady()) {
-    return connection;
-  }
+  const bool isAnswered = isFirstMessageThere(connection.descriptor(), report->reading.get(), setup.whileAsking) &&
+                          connection.receiveReady();
+  if (isAnswered) return connection;
   return outcome(report->reading.get(), isPkexec);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <variant>
@@ -14,6 +15,7 @@ struct HelperSetup {
   std::string helpersFolder;  ///< of the installer's bundle
   std::string volumeRoot;     ///< real and without links
   Surface surface = Surface::console;
+  std::function<void()> whileAsking = {};  ///< called now and then while the user is asked; may be empty
 };
 
 /// How this process could ask for a password.
