@@ -18,7 +18,7 @@ namespace {
 class CopyTest : public MachineTest {
  protected:
   /// A bundle as payloads have them: many files, nested folders, links, a file that can be run.
-  void makeSource(int files = 200) {
+  void makeSource(int files) {
     const fs::path contents = on("/Source.app/Contents");
     for (int i = 0; i < files; ++i) {
       writeFile(contents / "Resources" / std::to_string(i % 7) / std::to_string(i), "content " + std::to_string(i));
@@ -26,10 +26,9 @@ class CopyTest : public MachineTest {
     writeFile(contents / "MacOS/program", std::string(100'000, 'p'));
     ::chmod((contents / "MacOS/program").c_str(), 0755);
     writeFile(contents / ".hidden", "hidden");
-    fs::create_symlink("MacOS/program", contents / "valid");
-    fs::create_symlink("/etc/passwd", contents / "outside");
-    fs::create_symlink("nowhere", contents / "dangling");
-    fs::create_directory_symlink("..", contents / "loop");
+    for (const char* const target : {"MacOS/program", "/etc/passwd", "nowhere", ".."}) {
+      fs::create_symlink(target, contents / ("to " + fs::path(target).filename().string()));
+    }
     fs::create_directories(contents / "empty");
     ::chmod((contents / "empty").c_str(), 0555);
   }
@@ -44,10 +43,21 @@ class CopyTest : public MachineTest {
     EXPECT_EQ(std::system(command.c_str()), 0);
     return readFile(listing);
   }
+
+  /// Copies into the folder, in both ways, and wants it as it was.
+  void expectNothingBut(std::errc reason, const std::string& folder) {
+    writeFile(on(folder + "/Target.app/old"), std::string(150'000, 'o'));
+    for (const Status& status : {files_.copyItem("/Source.app", folder + "/Copy.app"),
+                                 files_.replaceItem("/Source.app", folder + "/Target.app")}) {
+      EXPECT_TRUE(!status && status.error().is(reason));
+    }
+    EXPECT_EQ(readFile(on(folder + "/Target.app/old")).size(), 150'000U);
+    EXPECT_EQ(namesIn(on(folder)), "Target.app");
+  }
 };
 
 TEST_F(CopyTest, KeepsEverythingOfABundle) {
-  makeSource();
+  makeSource(200);
   const timespec past[2] = {{1'000'000'000, 0}, {1'000'000'000, 123'456'789}};
   for (const char* const path : {"/Source.app/Contents/MacOS/program", "/Source.app/Contents", "/Source.app"}) {
     ::utimensat(AT_FDCWD, on(path).c_str(), past, 0);
@@ -55,57 +65,51 @@ TEST_F(CopyTest, KeepsEverythingOfABundle) {
   ASSERT_TRUE(files_.copyItem("/Source.app", "/Copy.app"));
   EXPECT_EQ(describe("/Copy.app"), describe("/Source.app"));
   EXPECT_EQ(namesIn(on("/")), "Applications Copy.app Library Source.app Users");
-}
 
-TEST_F(CopyTest, KeepsHolesAndAttributes) {
   constexpr off_t far = off_t{3} << 30U;
-  std::ofstream(on("/sparse")) << "start";
+  writeFile(on("/sparse"), "start");
   fs::resize_file(on("/sparse"), far);
   std::ofstream(on("/sparse"), std::ios::app) << "end";
-  fs::resize_file(on("/sparse"), far + 1'000'000);
-  if (::setxattr(on("/sparse").c_str(), "user.com.apple.quarantine", "0083;x", 6, 0) != 0) {
-    GTEST_SKIP() << "the temporary folder's file system has no extended attributes";
-  }
+  const bool hasMark = ::setxattr(on("/sparse").c_str(), "user.com.apple.quarantine", "0083;x", 6, 0) == 0;
   ASSERT_TRUE(files_.copyItem("/sparse", "/copy"));
   struct stat status {};
   ::stat(on("/copy").c_str(), &status);
-  EXPECT_EQ(status.st_size, far + 1'000'000);
+  EXPECT_EQ(status.st_size, far + 3);
   EXPECT_LT(status.st_blocks * 512, 1 << 20U) << "the holes were filled";
-  std::string mark(6, '\0');
-  EXPECT_EQ(::getxattr(on("/copy").c_str(), "user.com.apple.quarantine", mark.data(), mark.size()), 6);
   std::string end(3, '\0');
   std::ifstream(on("/copy")).seekg(far).read(end.data(), 3);
-  EXPECT_EQ(mark + end, "0083;xend");
+  EXPECT_EQ(end, "end");
+  EXPECT_TRUE(!hasMark || ::getxattr(on("/copy").c_str(), "user.com.apple.quarantine", nullptr, 0) == 6);
 }
 
-TEST_F(CopyTest, LeavesNothingOfACopyThatFails) {
-  makeSource();
-  writeFile(on("/Target.app/old"), "old");
-  ::mkfifo(on("/Source.app/Contents/Resources/3/pipe").c_str(), 0600);
-  for (const Status& status :
-       {files_.copyItem("/Source.app", "/Copy.app"), files_.replaceItem("/Source.app", "/Target.app")}) {
-    ASSERT_FALSE(status);
-    EXPECT_TRUE(status.error().is(std::errc::not_supported)) << status.error().description();
+TEST_F(CopyTest, GoesToAFreeNameOrReplacesAnItemOfAnyKind) {
+  writeFile(on("/folder/deep/old"), "old");
+  writeFile(on("/file"), "file");
+  writeFile(on("/other/new"), "new");
+  fs::create_directory_symlink("/file", on("/link"));
+  fs::create_symlink("/nowhere", on("/dangling"));
+  for (const char* const taken : {"/file", "/dangling"}) {
+    EXPECT_TRUE(files_.copyItem("/other", taken).error().is(std::errc::file_exists));
   }
-  EXPECT_EQ(readFile(on("/Target.app/old")), "old");
-  EXPECT_EQ(namesIn(on("/")), "Applications Library Source.app Target.app Users");
+  EXPECT_TRUE(files_.replaceItem("/file", "/folder") && files_.replaceItem("/other", "/file"));
+  EXPECT_EQ(readFile(on("/folder")) + readFile(on("/file/new")), "filenew");
+  EXPECT_TRUE(files_.replaceItem("/link", "/other"));
+  EXPECT_EQ(fs::read_symlink(on("/other")), "/file");
+  EXPECT_EQ(namesIn(on("/")), "Applications Library Users dangling file folder link other");
 }
 
-TEST_F(CopyTest, LosesNothingOnAFullDisk) {
-  const fs::path small = on("/small");
-  fs::create_directories(small);
-  if (::mount("none", small.c_str(), "tmpfs", 0, "size=240k") != 0) {
+TEST_F(CopyTest, LeavesTheOldItemAloneWhenItFails) {
+  makeSource(20);
+  const fs::path pipe = on("/Source.app/Contents/Resources/3/pipe");
+  ::mkfifo(pipe.c_str(), 0600);
+  expectNothingBut(std::errc::not_supported, "/folder");
+  fs::remove(pipe);
+  fs::create_directories(on("/small"));
+  if (::mount("none", on("/small").c_str(), "tmpfs", 0, "size=240k") != 0) {
     GTEST_SKIP() << "needs the right to mount a small file system";
   }
-  makeSource(20);
-  writeFile(small / "Target.app/old", std::string(150'000, 'o'));
-  for (const Status& status :
-       {files_.copyItem("/Source.app", "/small/One.app"), files_.replaceItem("/Source.app", "/small/Target.app")}) {
-    EXPECT_TRUE(!status && status.error().is(std::errc::no_space_on_device));
-  }
-  EXPECT_EQ(readFile(small / "Target.app/old").size(), 150'000U);
-  EXPECT_EQ(namesIn(small), "Target.app");
-  ::umount2(small.c_str(), MNT_DETACH);
+  expectNothingBut(std::errc::no_space_on_device, "/small");
+  ::umount2(on("/small").c_str(), MNT_DETACH);
 }
 
 TEST_F(CopyTest, LeavesTheOldOrTheNewWhenItIsKilled) {
@@ -147,23 +151,24 @@ TEST_F(CopyTest, KeepsOutOfTheWayOfAnotherInstaller) {
 
 TEST_F(CopyTest, DoesTheSameWithAPlanAndWithout) {
   makeSource(30);
-  const auto target = [](int i) { return "/Targets/" + std::to_string(i) + ".app"; };
   std::vector<PlannedCopy> copies;
-  for (int i = 0; i < 12; ++i) copies.push_back({i == 5 ? "/none" : "/Source.app", target(i)});
+  for (int i = 0; i < 12; ++i) {
+    copies.push_back({i == 5 ? "/none" : "/Source.app", "/Targets/" + std::to_string(i) + ".app"});
+  }
+  const auto isCopied = [&](std::size_t i) -> bool {
+    return static_cast<bool>(files_.copyItem(copies[i].source, copies[i].target));
+  };
   {
     const auto plan = files_.planCopies(copies);
-    EXPECT_FALSE(files_.copyItem("/Source.app", target(0))) << "the folder is not there yet";
+    EXPECT_FALSE(isCopied(0)) << "the folder is not there yet";
     fs::create_directories(on("/Targets"));
-    writeFile(on(target(3)), "in the way");
-    for (int i = 1; i < 9; ++i) {
-      const Status copied = files_.copyItem(copies[static_cast<std::size_t>(i)].source, target(i));
-      EXPECT_EQ(static_cast<bool>(copied), i != 3 && i != 5) << i;
-    }
-    EXPECT_TRUE(files_.replaceItem("/Source.app", target(3))) << "asked for a second time";
+    writeFile(on(copies[3].target), "in the way");
+    for (std::size_t i = 1; i < 9; ++i) EXPECT_EQ(isCopied(i), i != 3 && i != 5) << i;
+    EXPECT_TRUE(files_.replaceItem("/Source.app", copies[3].target)) << "asked for a second time";
     // Exchanged while a copy may stand beside its place already: it must go where the path leads now.
     fs::rename(on("/Targets"), on("/Elsewhere"));
     fs::create_directories(on("/Targets"));
-    EXPECT_TRUE(files_.copyItem("/Source.app", target(9)));
+    EXPECT_TRUE(isCopied(9));
   }
   EXPECT_EQ(namesIn(on("/Targets")), "9.app");
   EXPECT_EQ(namesIn(on("/Elsewhere")), "1.app 2.app 3.app 4.app 6.app 7.app 8.app") << "what was not asked for is gone";
@@ -182,7 +187,6 @@ TEST_F(CopyTest, TellsALackOfRightsOnTheOldItemFromAnyOther) {
     EXPECT_EQ(::seteuid(65534), 0);
     const Status replaced = files_.replaceItem(source, target);
     EXPECT_EQ(::seteuid(0), 0);
-    EXPECT_FALSE(replaced) << target;
     return replaced.error().is(std::errc::permission_denied);
   };
   EXPECT_TRUE(isDenied("/Source.app/Contents/MacOS", "/Open/Target.app"));

@@ -16,14 +16,10 @@ TEST_F(FileSystemTest, TellsWhatIsThere) {
   EXPECT_TRUE(files_.exists("/link") && files_.isTaken("/dangling"));
   EXPECT_FALSE(files_.exists("/dangling") || files_.isTaken("/a/none"));
   EXPECT_EQ(files_.attributesOfItem("/link")->type, ItemType::symbolicLink);
-  EXPECT_EQ(files_.attributesOfItem("/a/file")->size, 5U);
-  EXPECT_EQ(files_.attributesOfItem("/pipe")->type, ItemType::other);
-
-  EXPECT_EQ(*files_.readFile("/link", 100), "12345");
-  EXPECT_EQ(*files_.readFile("/a/file", 3), "123");
+  EXPECT_EQ(*files_.readFile("/link", 3), "123");
   EXPECT_TRUE(files_.readFile("/a", 10).error().is(errc::is_a_directory));
-  EXPECT_FALSE(files_.readFile("/pipe", 10)) << "and does not wait for a writer";
   EXPECT_TRUE(files_.readFile("/dangling", 10).error().is(errc::no_such_file_or_directory));
+  EXPECT_FALSE(files_.readFile("/pipe", 10)) << "and does not wait for a writer";
 }
 
 TEST_F(FileSystemTest, ListsAndWalksInOrder) {
@@ -34,49 +30,41 @@ TEST_F(FileSystemTest, ListsAndWalksInOrder) {
   fs::create_directory_symlink("/p/a", on("/p/to a"));
   EXPECT_EQ(*files_.contentsOfDirectory("/p"),
             (Paths{".hidden", "A.app", "Own.kind", "Version 3.1", "a", "b.txt", "c.PlugIn", "to a"}));
-  EXPECT_TRUE(files_.contentsOfDirectory("/p/b.txt").error().is(errc::not_a_directory));
-
   std::string walked;
   files_.walk("/p", [&](const WalkedItem& item) { walked += item.path.substr(3) + (item.isPackage ? "! " : " "); });
   EXPECT_EQ(walked, "A.app! Own.kind! Version 3.1 Version 3.1/x a a/1 a/2 b.txt c.PlugIn! to a ");
-  files_.walk("/none", [](const WalkedItem&) { FAIL(); });
 }
 
 TEST_F(FileSystemTest, MakesFilesWholeOrNotAtAll) {
   fs::create_symlink("/elsewhere", on("/file"));
   EXPECT_TRUE(files_.createFile("/file", "content", 0640));
-  EXPECT_EQ(readFile(on("/file")), "content");
-  EXPECT_EQ(modeOf(on("/file")), "640");
+  EXPECT_EQ(readFile(on("/file")) + modeOf(on("/file")), "content640");
   EXPECT_FALSE(fs::exists(on("/elsewhere"))) << "the link was replaced and not written through";
 
   // Who reads the file while it is written anew goes on reading the old one.
   fs::create_hard_link(on("/file"), on("/before"));
   EXPECT_TRUE(files_.createFile("/file", "fresh", 0640));
   EXPECT_EQ(readFile(on("/before")), "content");
+  (*files_.openForWriting("/file"))->writeData("FR");
+  EXPECT_EQ(readFile(on("/file")), "FResh");
 
   writeFile(on("/folder/kept"), "");
   EXPECT_FALSE(files_.createFile("/folder", "content", 0644) || files_.createFile("/none/file", "content", 0644));
+  EXPECT_FALSE(files_.openForWriting("/folder") || files_.openForWriting("/none"));
   EXPECT_TRUE(fs::exists(on("/folder/kept")));
   EXPECT_EQ(namesIn(on("/")), "Applications Library Users before file folder") << "nothing hidden is left behind";
-
-  auto writing = files_.openForWriting("/file");
-  ASSERT_TRUE(writing);
-  (*writing)->writeData("FR");
-  EXPECT_EQ(readFile(on("/file")), "FResh");
-  EXPECT_FALSE(files_.openForWriting("/folder") || files_.openForWriting("/none"));
 }
 
 TEST_F(FileSystemTest, ChangesLinksAndNotWhatTheyLeadTo) {
   writeFile(on("/kept/file"), "");
   ::chmod(on("/kept/file").c_str(), 0600);
-  writeFile(on("/gone/deep/file"), "");
+  fs::create_directories(on("/gone/deep"));
   fs::create_directory_symlink("/kept", on("/gone/deep/link"));
   fs::create_symlink("/kept/file", on("/gone/link"));
   EXPECT_TRUE(files_.setAttributes("/gone/link", {.owner = machine_.account().name, .permissions = 0777}));
   EXPECT_EQ(modeOf(on("/kept/file")), "600");
   EXPECT_TRUE(files_.removeItem("/gone") && !files_.removeItem("/gone"));
-  EXPECT_TRUE(fs::exists(on("/kept/file")) && !fs::exists(on("/gone")));
-
+  EXPECT_EQ(namesIn(on("/kept")), "file");
   EXPECT_TRUE(files_.setAttributes("/kept/file", {.permissions = 0775}));
   EXPECT_EQ(modeOf(on("/kept/file")), "775");
   EXPECT_FALSE(files_.setAttributes("/kept/file", {.owner = "no such user"}));
@@ -89,28 +77,9 @@ TEST_F(FileSystemTest, NeverChangesTheInstallersBundle) {
        {files_.createFile(own + "/new", "", 0644), files_.createDirectory(own + "/new", 0755), files_.removeItem(own),
         files_.copyItem(own + "/en.lproj", own + "/new"), files_.replaceItem(own + "/en.lproj", own),
         files_.setAttributes(own, {.permissions = 0777})}) {
-    ASSERT_FALSE(status);
-    EXPECT_TRUE(status.error().is(errc::read_only_file_system)) << status.error().description();
+    EXPECT_TRUE(!status && status.error().is(errc::read_only_file_system));
   }
   EXPECT_EQ(namesIn(own), before);
-}
-
-TEST_F(FileSystemTest, CopiesToAFreeNameAndReplacesItemsOfAnyKind) {
-  writeFile(on("/folder/deep/old"), "old");
-  writeFile(on("/file"), "file");
-  writeFile(on("/other/new"), "new");
-  fs::create_directory_symlink("/file", on("/link"));
-  fs::create_symlink("/nowhere", on("/dangling"));
-  EXPECT_TRUE(files_.copyItem("/other", "/file").error().is(errc::file_exists));
-  EXPECT_TRUE(files_.copyItem("/other", "/dangling").error().is(errc::file_exists));
-  EXPECT_EQ(readFile(on("/file")), "file");
-
-  EXPECT_TRUE(files_.replaceItem("/file", "/folder") && files_.replaceItem("/other", "/file"));
-  EXPECT_EQ(readFile(on("/folder")), "file");
-  EXPECT_EQ(readFile(on("/file/new")), "new");
-  EXPECT_TRUE(files_.replaceItem("/link", "/other"));
-  EXPECT_EQ(fs::read_symlink(on("/other")), "/file");
-  EXPECT_EQ(namesIn(on("/")), "Applications Library Users dangling file folder link other");
 }
 
 }  // namespace

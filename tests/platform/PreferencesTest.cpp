@@ -17,7 +17,7 @@ class PreferencesTest : public MachineTest {
   PropertyListPreferences preferences_{files_, platform_.folders, log_};
 };
 
-TEST_F(PreferencesTest, KeepsChangesInMemoryUntilTheyAreWritten) {
+TEST_F(PreferencesTest, KeepsChangesInMemoryUntilTheyAreWrittenOrItEnds) {
   writeFile(file_, propertyListOf({{"customPath", "/old"}, {"other", "theirs"}}));
   preferences_.setAppValue("customPath", "/new", domain_);
   preferences_.setAppValue("gone", "x", domain_);
@@ -29,14 +29,12 @@ TEST_F(PreferencesTest, KeepsChangesInMemoryUntilTheyAreWritten) {
   EXPECT_EQ(stored("customPath"), Value("/new"));
   EXPECT_EQ(stored("other"), Value("theirs")) << "what others wrote stays";
   EXPECT_EQ(modeOf(file_), "600");
-  preferences_.setAppValue("customPath", Value(), domain_);
-  EXPECT_TRUE(copied("customPath").isNone());
-}
 
-TEST_F(PreferencesTest, WritesWhatIsLeftAtItsEnd) {
   fs::remove_all(on(machine_.home()));
   PropertyListPreferences(files_, platform_.folders, log_).setAppValue("customPath", "/here", domain_);
   EXPECT_EQ(stored("customPath"), Value("/here"));
+  preferences_.setAppValue("customPath", Value(), domain_);
+  EXPECT_TRUE(copied("customPath").isNone());
 }
 
 TEST_F(PreferencesTest, NeverOverwritesWhatItCannotRead) {

@@ -37,14 +37,10 @@ TEST_F(VolumeTest, FollowsLinksAndNeverLeadsOut) {
   const std::pair<std::string, std::string> cases[] = {
       {"/Library/absolute/Real/x", "/Library/Real/x"},
       {"/relative/../Real", "/Library/Real"},
-      {"/Library/absolute", "/Library"},
       {"//Library///./Real/", "/Library/Real"},
       {"/", ""},
-      {"/Library/New/../Real/x", "/Library/Real/x"},
       {"/dangling/x", "/nowhere/at/all/x"},
-      {"/secret/x", "/secret/x"},
       {"/../../../secret", "/secret"},
-      {"/climbing/../../../../../../../secret", "/secret"},
       {"/Library/../../outside/secret", "/outside/secret"},
       {"/climbing/secret", outside_.string() + "/secret"},  // on the volume
       {"/Library/escaping/secret", outside_.string() + "/secret"},
@@ -53,15 +49,12 @@ TEST_F(VolumeTest, FollowsLinksAndNeverLeadsOut) {
     EXPECT_EQ(*volume_.realPath(path, LastLink::follow, Purpose::look), root_.string() + real) << path;
   }
   EXPECT_EQ(*volume_.realPath("/Library/absolute", LastLink::keep, Purpose::look), root_ / "Library/absolute");
-  EXPECT_FALSE(find("/Library/escaping/secret") || find("/climbing/secret") || find("/Library/../../outside/secret"));
-}
-
-TEST_F(VolumeTest, TellsWhyThereIsNoPlace) {
   EXPECT_TRUE(find("/Library/new"));
   EXPECT_TRUE(find("/New/new").error().is(std::errc::no_such_file_or_directory));
   EXPECT_TRUE(find("/secret/x").error().is(std::errc::not_a_directory));
-  for (const auto& path : {""s, "Library"s, "/Library\0/x"s, "/loop/x"s, "/loop"s}) {
-    EXPECT_FALSE(volume_.realPath(path, LastLink::follow, Purpose::look) || find(path)) << onOneLine(path);
+  for (const auto& path : {""s, "Library"s, "/Library\0/x"s, "/loop/x"s, "/loop"s, "/Library/escaping/secret"s,
+                           "/climbing/secret"s, "/Library/../../outside/secret"s}) {
+    EXPECT_FALSE(find(path)) << onOneLine(path);
   }
 }
 
@@ -72,7 +65,6 @@ TEST_F(VolumeTest, LetsNobodyChangeTheBundle) {
        {own, bundle_.string(), "/Downloads/Installer.app/Contents/x"s, "/relative/../../Downloads/Installer.app"s}) {
     const auto found = volume_.find(path, LastLink::keep, Purpose::change);
     EXPECT_TRUE(found.error().is(std::errc::read_only_file_system)) << path;
-    EXPECT_FALSE(volume_.realPath(path, LastLink::keep, Purpose::change)) << path;
   }
   EXPECT_TRUE(volume_.find("/Downloads/Other.app", LastLink::keep, Purpose::change));
 }

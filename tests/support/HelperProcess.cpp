@@ -33,41 +33,30 @@ std::string ownerOf(const fs::path& path) {
   return std::to_string(status.st_uid) + ":" + std::to_string(status.st_gid);
 }
 
-HelperProcess::HelperProcess(const fs::path& program, const fs::path& volume, uid_t user,
-                             const std::vector<std::string>& environment)
+HelperProcess::HelperProcess(const fs::path& program, const fs::path& volume, uid_t user, std::string variable)
     : socket_(FileDescriptor()) {
   const auto ends = connectionOf(user);
   socket_ = MessageSocket(FileDescriptor(ends[0]));
   const FileDescriptor helpers(ends[1]);
-  std::vector<char*> variables;
-  for (const std::string& variable : environment) variables.push_back(const_cast<char*>(variable.c_str()));
-  variables.push_back(nullptr);
+  char* const environment[] = {variable.empty() ? nullptr : variable.data(), nullptr};
   process_ = ::fork();
   if (process_ == 0) {
     ::dup2(helpers.get(), STDIN_FILENO);
     ::dup2(::open("/dev/null", O_WRONLY), STDERR_FILENO);
-    ::execle(program.c_str(), program.c_str(), volume.c_str(), nullptr, variables.data());
+    ::execle(program.c_str(), program.c_str(), volume.c_str(), nullptr, environment);
     std::_Exit(127);
   }
 }
 
 HelperProcess::~HelperProcess() {
+  socket_.close();
   if (process_ > 0) end();
 }
 
 int HelperProcess::end() {
-  connection_.reset();
-  socket_.close();
   int status = 0;
   ::waitpid(std::exchange(process_, 0), &status, 0);
   return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-}
-
-LaunchStatus HelperProcess::run(const std::string& tool, const std::vector<std::string>& arguments) {
-  std::unique_ptr<CommunicationsPipe> pipe;
-  const LaunchStatus status = connection_->launch({tool, arguments}, pipe);
-  connection_->waitForTool();
-  return status;
 }
 
 void HelperTest::SetUp() {
@@ -87,9 +76,22 @@ void HelperTest::SetUp() {
 }
 
 void HelperTest::start() {
+  connection_.reset();
   helper_.emplace(program_, on(""));
-  helper_->connection_.emplace(helper_->takeSocket());
-  ASSERT_TRUE(helper_->connection().receiveReady());
+  connection_.emplace(helper_->takeSocket());
+  ASSERT_TRUE(connection_->receiveReady());
+}
+
+LaunchStatus HelperTest::run(const std::string& tool, const std::vector<std::string>& arguments) {
+  std::unique_ptr<CommunicationsPipe> pipe;
+  const LaunchStatus status = connection_->launch({tool, arguments}, pipe);
+  connection_->waitForTool();
+  return status;
+}
+
+int HelperTest::end() {
+  connection_.reset();
+  return helper_->end();
 }
 
 fs::path HelperTest::makeOwnFolder(const std::string& path) {

@@ -19,28 +19,20 @@ inline constexpr uid_t nobody = 65534;
 /// The real helper, started by root as sudo would, for a connection that was made by another user.
 class HelperProcess {
  public:
-  /// `environment` is what the helper gets, such as "SUDO_UID=1".
-  HelperProcess(const fs::path& program, const fs::path& volume, uid_t user = nobody,
-                const std::vector<std::string>& environment = {});
+  /// `variable` is the helper's environment, such as "SUDO_UID=1".
+  HelperProcess(const fs::path& program, const fs::path& volume, uid_t user = nobody, std::string variable = "");
   ~HelperProcess();
   HelperProcess(const HelperProcess&) = delete;
   HelperProcess& operator=(const HelperProcess&) = delete;
 
   [[nodiscard]] pid_t id() const { return process_; }
-  [[nodiscard]] HelperConnection& connection() { return *connection_; }
-  /// The bare socket, for what no installer would say.
   [[nodiscard]] MessageSocket takeSocket() { return std::move(socket_); }
-  /// Closes the connection, waits for the helper's end, and returns its exit status, or minus the signal that ended it.
+  /// Waits for the helper's end, for which its connection must be closed; exit status, or minus the signal.
   int end();
 
-  /// Launches and waits; the status, and 0 for the bytes that came.
-  LaunchStatus run(const std::string& tool, const std::vector<std::string>& arguments);
-
  private:
-  friend class HelperTest;
   pid_t process_ = 0;
   MessageSocket socket_;
-  std::optional<HelperConnection> connection_;
 };
 
 /// A volume of root's, a bundle with the helper in it, and the helper.
@@ -48,17 +40,17 @@ class HelperTest : public MachineTest {
  protected:
   void SetUp() override;
 
-  /// Starts the helper that run() speaks to.
   void start();
-  LaunchStatus run(const std::string& tool, const std::vector<std::string>& arguments) {
-    return helper_->run(tool, arguments);
-  }
+  /// Launches and waits.
+  LaunchStatus run(const std::string& tool, const std::vector<std::string>& arguments);
+  /// Closes the connection; what became of the helper, as HelperProcess::end() has it.
+  int end();
   /// A folder of the user's.
   fs::path makeOwnFolder(const std::string& path);
 
-  const std::string support_ = "/Library/Application Support/Corvane";
   const std::string owner_ = "nobody:admin";
   std::string handedOver_;
   fs::path program_;
   std::optional<HelperProcess> helper_;
+  std::optional<HelperConnection> connection_;
 };
