@@ -65,7 +65,7 @@ bool TestMachine::layOut() {
         inLibrary("Application Support/Adobe"), inBundle("Helpers")}) {
     fs::create_directories(folder);
   }
-  for (const char* const name : {"cp", "launch", "xattr"}) {
+  for (const char* const name : {"chmod", "cp", "launch", "xattr"}) {
     fs::create_symlink(fs::path(HELPERS_FOLDER) / name, inBundle("Helpers") / name);
   }
   writeFile(inBundle("Resources/en.lproj/installer.strings"),

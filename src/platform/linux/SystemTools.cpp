@@ -21,6 +21,11 @@ bool isLink(const std::string& path) {
   return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
 }
 
+/// The launch of a tool that is going to find nothing to do. It keeps its arguments for who fills them in.
+SystemCommand doNothing(const std::vector<std::string>& arguments) {
+  return {findExecutable("true").value_or(""), arguments};
+}
+
 /// "name:group" with the numbers for the names, which knows a Mac's groups; as it is when a name is unknown.
 std::string numericOwner(const std::string& owner) {
   const std::size_t colon = owner.find(':');
@@ -83,6 +88,8 @@ std::optional<SystemCommand> SystemTools::commandOnItem(const std::optional<std:
     place = volume_.find(path, LastLink::follow, Purpose::change);
   }
   if (!place) return std::nullopt;
+  // Only mkdir makes what is missing. The others would look for it by themselves, and follow links that lead out.
+  if (!missing.empty() && lastPathComponent(*executable) != "mkdir") return doNothing(arguments);
   SystemCommand command{*executable, {arguments.begin(), arguments.end() - 1}, std::move(place->folder)};
   command.arguments.push_back("./" + place->name + missing);
   return command;
@@ -92,10 +99,12 @@ std::optional<SystemCommand> SystemTools::copy(const Arguments& arguments) const
   // One of our own: the system's would leave half a copy under the target's name when it fails.
   if (arguments.size() != 3 || arguments[0] != "-R" || !isPath(arguments[2])) return std::nullopt;
   const auto source = volume_.realPath(arguments[1], LastLink::keep, Purpose::look);
-  const auto target = volume_.realPath(arguments[2], LastLink::keep, Purpose::change);
+  auto target = volume_.find(arguments[2], LastLink::keep, Purpose::change);
   const std::string executable = joinPath(helpersFolder_, "cp");
-  if (!source || !target || ::access(executable.c_str(), X_OK) != 0) return std::nullopt;
-  return SystemCommand{executable, {"-R", *source, *target}};
+  if (!source || ::access(executable.c_str(), X_OK) != 0) return std::nullopt;
+  if (!target && target.error().is(std::errc::no_such_file_or_directory)) return doNothing(arguments);
+  if (!target) return std::nullopt;
+  return SystemCommand{executable, {"-R", *source, target->name}, std::move(target->folder)};
 }
 
 std::optional<SystemCommand> SystemTools::remove(const Arguments& arguments) const {
@@ -127,17 +136,9 @@ std::optional<SystemCommand> SystemTools::changeOwner(const Arguments& arguments
 }
 
 std::optional<SystemCommand> SystemTools::changeMode(const Arguments& arguments) const {
-  auto command = commandOnItem(findExecutable("chmod"), arguments, 2, LastLink::keep);
-  if (!command) return command;
-  // A Mac's chmod -R leaves a link that it is given alone; this system's would follow it.
-  struct stat status {};
-  if (::fstatat(command->folder.get(), command->arguments[2].c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-      S_ISLNK(status.st_mode)) {
-    return SystemCommand{findExecutable("true").value_or(""), {}};
-  }
-  // Five digits: with fewer, this system's chmod keeps a folder's set-group-id bit.
-  std::string& mode = command->arguments[1];
-  mode = std::string("00") + mode.substr(mode.starts_with('0') ? 1 : 0);
+  // One of our own: the system's would follow a link that is put in the place of the item.
+  auto command = commandOnItem(joinPath(helpersFolder_, "chmod"), arguments, 2, LastLink::keep);
+  if (command) command->arguments[0] = std::to_string(user_.account().id);
   return command;
 }
 

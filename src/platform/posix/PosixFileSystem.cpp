@@ -119,7 +119,7 @@ Result<ItemAttributes> PosixFileSystem::attributesOfItem(const std::string& path
 }
 
 Result<FileDescriptor> PosixFileSystem::open(const std::string& path, int flags, Purpose purpose) const {
-  const auto place = volume_.find(path, LastLink::follow, purpose);
+  const auto place = volume_.find(path, purpose == Purpose::change ? LastLink::keep : LastLink::follow, purpose);
   if (!place) return place.error();
   // On the volume the last link has been followed already; what is one now was put there in between.
   if (!volume_.isInBundle(path)) flags |= O_NOFOLLOW;

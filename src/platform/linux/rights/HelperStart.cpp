@@ -51,7 +51,8 @@ bool isOutOfReach(const struct stat& status) {
   // In a folder like /tmp everybody makes items and nobody takes away another's.
   if (S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX) != 0) return true;
   if ((status.st_mode & S_IWOTH) != 0) return false;
-  return (status.st_mode & S_IWGRP) == 0 || status.st_gid == 0 || isGroupOfUserAlone(status.st_gid);
+  // An access control list that lets others in shows as rights of the group, root's included.
+  return (status.st_mode & S_IWGRP) == 0 || isGroupOfUserAlone(status.st_gid);
 }
 
 struct SocketPair {

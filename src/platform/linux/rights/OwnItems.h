@@ -15,7 +15,7 @@
 /// Gives the user's items to the user and the group.
 [[nodiscard]] Status handOverOwnItems(int folder, const std::string& name, uid_t user, gid_t group);
 
-/// Sets the permissions of the user's files and folders. For a process that has the user's rights and no others.
+/// Sets the permissions of the user's files and folders.
 [[nodiscard]] Status setModeOfOwnItems(int folder, const std::string& name, uid_t user, mode_t mode);
 
 /// Takes the download-quarantine mark off the user's files and folders. For a process that has the user's rights and no

@@ -40,6 +40,16 @@ FileDescriptor takeConnection() {
   return connection;
 }
 
+/// Whether the folder is laid out like a volume already. In any other folder of root's, which programs may read for
+/// what root put there, this would make the client's own items.
+bool looksLikeVolume(int folder) {
+  for (const char* const name : {"Applications", "Library"}) {
+    struct stat status {};
+    if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode)) return true;
+  }
+  return false;
+}
+
 /// The volume's root, as far as the client can get there. It must be the client's or root's: a folder of somebody
 /// else's is theirs, whatever lies in it.
 Result<FileDescriptor> openVolume(const std::string& root, const Client& client) {
@@ -50,7 +60,8 @@ Result<FileDescriptor> openVolume(const std::string& root, const Client& client)
   FileDescriptor folder(static_cast<int>(::syscall(SYS_openat2, AT_FDCWD, root.c_str(), &how, sizeof how)));
   struct stat status {};
   if (!folder || ::fstat(folder.get(), &status) != 0) return systemError(errno, root);
-  const bool mayBe = root.starts_with('/') && (status.st_uid == 0 || status.st_uid == client.account.id);
+  const bool isRoots = status.st_uid == 0 && (root == "/" || looksLikeVolume(folder.get()));
+  const bool mayBe = root.starts_with('/') && (isRoots || status.st_uid == client.account.id);
   if (!mayBe) return Error::posix(std::errc::operation_not_permitted, root);
   return folder;
 }
