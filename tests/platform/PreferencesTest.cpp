@@ -20,8 +20,6 @@ class PreferencesTest : public MachineTest {
 TEST_F(PreferencesTest, KeepsChangesInMemoryUntilTheyAreWrittenOrItEnds) {
   writeFile(file_, propertyListOf({{"customPath", "/old"}, {"other", "theirs"}}));
   preferences_.setAppValue("customPath", "/new", domain_);
-  preferences_.setAppValue("gone", "x", domain_);
-  preferences_.setAppValue("gone", Value(), domain_);
   EXPECT_EQ(copied("customPath"), Value("/new"));
   EXPECT_EQ(stored("customPath"), Value("/old"));
 
@@ -45,11 +43,8 @@ TEST_F(PreferencesTest, NeverOverwritesWhatItCannotRead) {
     EXPECT_EQ(readFile(file_), damaged);
     EXPECT_EQ(copied("customPath"), Value("/new")) << "still in memory";
   }
-  writeFile(file_, "<plist><dict/></plist>");
-  files_.fail(Call::createDirectory, std::errc::no_space_on_device);
-  EXPECT_FALSE(preferences_.synchronize(domain_));
-  EXPECT_NE(log_.count("No space left"), 0);
-  EXPECT_TRUE(preferences_.synchronize(domain_));
+  writeFile(file_, "");
+  EXPECT_TRUE(preferences_.synchronize(domain_)) << "as a program leaves it that was stopped";
   EXPECT_EQ(stored("customPath"), Value("/new"));
 }
 

@@ -1,5 +1,4 @@
 #include <fcntl.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -15,20 +14,15 @@ namespace {
 /// What somebody with the user's account, and the connection to a helper, could try.
 class RightsAttackTest : public HelperTest {
  protected:
-  void SetUp() override {
-    HelperTest::SetUp();
-    if (IsSkipped()) return;
-    own_ = makeOwnFolder("/Applications/Own");
-    before_ = outside();
-  }
+  RightsAttackTest() { makeOwnFolder("/Applications/Own"); }
 
-  /// All that must stay as it is.
+  /// All that must stay untouched.
   [[nodiscard]] std::string outside() const {
-    std::string text;
-    for (const auto& entry : fs::recursive_directory_iterator(on("/private"))) {
-      text += entry.path().string() + " " + ownerOf(entry.path()) + " " + modeOf(entry.path()) + "\n";
+    std::string text = namesIn(on("/private/etc")) + " " + readFile(on("/private/etc/secret"));
+    for (const char* const path : {"/private", "/private/etc", "/private/etc/secret"}) {
+      text += " " + ownerOf(on(path)) + " " + modeOf(on(path));
     }
-    return text + readFile(on("/private/etc/secret"));
+    return text;
   }
 
   /// Every change that there is, to the item.
@@ -41,41 +35,36 @@ class RightsAttackTest : public HelperTest {
     run("/bin/rm", {"-fR", path});
   }
 
-  fs::path own_;
-  std::string before_;
+  const fs::path own_ = on("/Applications/Own");
+  const std::string untouched_ = "secret secret 0:0 755 0:0 755 0:0 600";
 };
 
 TEST_F(RightsAttackTest, OutsideThePlacesHasTheUsersRightsOnly) {
-  for (const char* const path : {"/private/etc", "/private/etc/secret", "/private/etc/none", "/", "/Library",
-                                 "/Applications", "/Applications/..", "/Library/Application Support", "/System"}) {
+  const fs::path outsideVolume = on("").parent_path() / "outside";
+  writeFile(outsideVolume / "file", "");
+  const std::string beyond = ownerOf(outsideVolume) + modeOf(outsideVolume / "file");
+  Paths paths;
+  for (const fs::path& target : {fs::path("/private/etc"), fs::path("../../private/etc"), outsideVolume,
+                                 fs::path("../../../outside"), fs::path("/private/etc/secret"), fs::path("/none")}) {
+    const std::string link = "/Applications/Own/link" + std::to_string(paths.size());
+    fs::create_symlink(target, on(link));
+    for (const char* const inner : {"/etc", "/secret", "/file", ""}) paths.push_back(link + inner);
+  }
+  for (const std::string& path : paths) changeAll(path);
+  EXPECT_EQ(namesIn(own_), "") << "what lies in a place is removed";
+  for (const char* const path :
+       {"/Applications/Own", "/private/etc", "/private/etc/secret", "/private/etc/none", "/", "/Library",
+        "/Applications", "/Applications/..", "/Library/Application Support", "/System"}) {
     changeAll(path);
   }
-  EXPECT_EQ(outside(), before_);
+  EXPECT_EQ(outside(), untouched_);
+  EXPECT_EQ(ownerOf(outsideVolume) + modeOf(outsideVolume / "file"), beyond);
+  EXPECT_EQ(namesIn(outsideVolume), "file");
   EXPECT_EQ(ownerOf(on("/Applications")) + ownerOf(on("/Library")) + ownerOf(on("")), "0:00:00:0");
   EXPECT_FALSE(fs::exists(on("/System")) || fs::exists(on("/none")));
   makeOwnFolder("/elsewhere");
   run("/bin/mkdir", {"-m775", "-p", "/elsewhere/a"});
   EXPECT_EQ(ownerOf(on("/elsewhere/a")), "65534:65534") << "and those it has";
-}
-
-TEST_F(RightsAttackTest, LinksLeadNowhereElse) {
-  const fs::path outsideVolume = on("").parent_path() / "outside";
-  writeFile(outsideVolume / "file", "");
-  const std::string beyond = ownerOf(outsideVolume) + modeOf(outsideVolume / "file");
-  const std::pair<const char*, fs::path> links[] = {
-      {"absolute", "/private/etc"}, {"relative", "../../private/etc"}, {"out", outsideVolume},
-      {"up", "../../../outside"},   {"file", "/private/etc/secret"},   {"dangling", "/private/etc/none"},
-  };
-  for (const auto& [name, target] : links) {
-    fs::create_symlink(target, own_ / name);
-    const std::string link = std::string("/Applications/Own/") + name;
-    run("/usr/bin/touch", {link});
-    for (const char* const inner : {"/etc", "/secret", "/file"}) changeAll(link + inner);
-  }
-  changeAll("/Applications/Own");
-  EXPECT_EQ(outside(), before_);
-  EXPECT_EQ(ownerOf(outsideVolume) + modeOf(outsideVolume / "file"), beyond);
-  EXPECT_EQ(namesIn(outsideVolume), "file");
 }
 
 TEST_F(RightsAttackTest, NothingThatBelongsToOthersIsHandedOver) {
@@ -86,7 +75,7 @@ TEST_F(RightsAttackTest, NothingThatBelongsToOthersIsHandedOver) {
   ::chmod((own_ / "program").c_str(), 06755);
   run("/usr/sbin/chown", {"-R", owner_, "/Applications/Own", "/Applications/Own/hard"});
   run("/bin/chmod", {"-R", "0775", "/Applications/Own"});
-  EXPECT_EQ(outside(), before_);
+  EXPECT_EQ(outside(), untouched_);
   EXPECT_EQ(ownerOf(own_ / "roots"), "0:0");
   EXPECT_EQ(ownerOf(own_ / "program") + " " + modeOf(own_ / "program"), handedOver_ + " 775");
 }
@@ -105,7 +94,6 @@ TEST_F(RightsAttackTest, OnlyWhatTheUserCanReadIsCopied) {
   EXPECT_FALSE(copiedFrom(payload));
   EXPECT_FALSE(copiedFrom(payload / "inner/hard"));
   EXPECT_FALSE(copiedFrom("/Applications/Own")) << "outside the bundle";
-  EXPECT_FALSE(copiedFrom("/private/etc"));
   EXPECT_EQ(namesIn(on("/Applications")), "Own") << "and no half copy is left";
 }
 
@@ -119,14 +107,15 @@ TEST_F(RightsAttackTest, FoldersExchangedWhileToolsRunLeadNowhereElse) {
     }
   });
   for (int i = 0; i < 300; ++i) {
-    run("/usr/bin/touch", {"/Applications/Own/folder/x", "/Applications/Own/folder/secret"});
-    run("/usr/sbin/chown", {"-R", owner_, "/Applications/Own/folder", "/Applications/Own/folder/secret"});
+    const std::string secret = "/Applications/Own/folder/secret";
+    run("/usr/bin/touch", {"/Applications/Own/folder/x", secret});
+    run("/usr/sbin/chown", {"-R", owner_, "/Applications/Own/folder", secret});
     run("/bin/chmod", {"-R", "0775", "/Applications/Own"});
-    run("/bin/rm", {"-fR", "/Applications/Own/folder/x", "/Applications/Own/folder/secret"});
+    run("/bin/rm", {"-fR", "/Applications/Own/folder/x", secret});
   }
   isOver = true;
   attacker.join();
-  EXPECT_EQ(outside(), before_);
+  EXPECT_EQ(outside(), untouched_);
 }
 
 TEST_F(RightsAttackTest, TheVolumeStaysTheOneThatItWas) {
@@ -144,21 +133,16 @@ TEST_F(RightsAttackTest, GarbageEndsTheHelper) {
   const std::string full = "p" + std::string(mostMessageBytes - 1, 'x');
   const std::pair<std::vector<std::string>, int> attempts[] = {
       {{"garbage"}, pipe->writing.get()},
-      {{"l"}, pipe->writing.get()},
       {{good}, -1},
       {{good}, file.get()},
       {{full + "more"}, pipe->writing.get()},
-      {{"pxx"}, pipe->writing.get()},
       {std::vector<std::string>(40, full), -1},
   };
   for (const auto& [messages, descriptor] : attempts) {
     HelperProcess helper(program_, on(""));
-    MessageSocket socket = helper.takeSocket();
-    ASSERT_EQ(socket.receive().bytes, HelperSays::ready);
-    for (const std::string& message : messages) {
-      if (!socket.send(message, descriptor)) break;
-    }
-    EXPECT_EQ(socket.receive().kind, Message::Kind::end) << messages.front().substr(0, 10);
+    ASSERT_EQ(helper.socket.receive().bytes, HelperSays::ready);
+    for (const std::string& message : messages) static_cast<void>(helper.socket.send(message, descriptor));
+    EXPECT_EQ(helper.socket.receive().kind, Message::Kind::end) << messages.front().substr(0, 10);
     EXPECT_EQ(helper.end(), 1) << messages.front().substr(0, 10);
   }
   EXPECT_FALSE(fs::exists(on("/Applications/x")));

@@ -1,7 +1,6 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
-#include <unistd.h>
 
 #include "platform/posix/ChildProcess.h"
 #include "support/HelperProcess.h"
@@ -33,16 +32,9 @@ TEST_F(ToolsTest, DoWhatAMacsDo) {
   run("/usr/sbin/chown", {"-R", "nobody:admin", "/link"});
   EXPECT_EQ(modeOf(on("/Library")) + ownerOf(on("/Library")), state) << "the link itself is meant";
   EXPECT_EQ(run("/usr/bin/touch", {"/link/x"}), done);
-  if (::geteuid() == 0) {
-    EXPECT_EQ(run("/usr/sbin/chown", {"-R", "nobody:admin", "/link/x"}), done);
-    EXPECT_EQ(ownerOf(on("/Library/x")), "65534:" + std::to_string(*groupNumber("admin")));
-  }
   EXPECT_EQ(run("/bin/rm", {"-fRv", "/link"}).second.substr(0, 8), "removed ");
-  EXPECT_FALSE(fs::is_symlink(on("/link")));
   EXPECT_EQ(namesIn(on("/Library")), "Application Support a b x");
   const std::string own = machine_.inBundle("Resources").string();
-  EXPECT_EQ(run("/bin/cp", {"-R", own, "/copy"}), done);
-  EXPECT_EQ(namesIn(on("/copy")), namesIn(own));
 
   const std::pair<const char*, std::vector<std::string>> bad[] = {
       {"/usr/bin/no-such-tool", {}},
@@ -50,16 +42,16 @@ TEST_F(ToolsTest, DoWhatAMacsDo) {
       {"/bin/rm", {"-fR", own}},
       {"/bin/rm", {"-fR", "x"}},
       {"/usr/sbin/chown", {"-R", "root:admin", "-x"}},
-      {"/bin/cp", {"-R", "/copy", own}},
-      {"/bin/rm", {"-fR", std::string("/copy\0y", 7)}},
+      {"/bin/cp", {"-R", "/Library", own + "/new"}},
+      {"/bin/rm", {"-fR", std::string("/Library\0y", 10)}},
       {"/bin/mkdir", {"-m775", "-p", "/dangling/x/y"}},
       {"/usr/bin/touch", {std::string(3'000'000, 'x')}},  // more than an argument may have
   };
   for (const auto& [tool, arguments] : bad) {
     EXPECT_EQ(run(tool, arguments).first, errAuthorizationToolExecuteFailure) << tool;
   }
-  EXPECT_EQ(namesIn(on("/copy")), namesIn(own));
-  EXPECT_EQ(namesIn(on("/")), "Applications Library Users copy dangling");
+  EXPECT_EQ(namesIn(own), "en.lproj");
+  EXPECT_EQ(namesIn(on("/")), "Applications Library Users dangling");
   EXPECT_EQ(run("/usr/sbin/chown", {"-R", "root:admin", "/none/below"}).first, launchSucceeded)
       << "a tool that fails was launched all the same";
 }
@@ -86,29 +78,21 @@ TEST_F(ToolsTest, ChangeWholeTreesAndNothingElse) {
   ::chmod(on("/outside").c_str(), 0600);
   ::chmod(on("/X.app").c_str(), 02700);
   fs::create_symlink("../../outside", on("/X.app/Contents/link"));
-  fs::create_directory_symlink("..", on("/X.app/Contents/loop"));
   const Paths items = {"/X.app", "/X.app/Contents", "/X.app/Contents/Info.plist"};
   constexpr const char* quarantine = "user.com.apple.quarantine";
-  const auto mark = [&](const std::string& path, const char* name) {
-    return ::setxattr(on(path).c_str(), name, "1", 1, 0) == 0;
+  bool hasMarks = ::setxattr(on("/outside").c_str(), quarantine, "1", 1, 0) == 0;
+  for (const std::string& path : items) hasMarks = hasMarks && ::setxattr(on(path).c_str(), quarantine, "1", 1, 0) == 0;
+  const auto isMarked = [&](const std::string& path) {
+    return ::getxattr(on(path).c_str(), quarantine, nullptr, 0) == 1;
   };
-  const auto isMarked = [&](const std::string& path, const char* name) {
-    return ::getxattr(on(path).c_str(), name, nullptr, 0) == 1;
-  };
-  const bool hasMarks = mark("/outside", quarantine) && mark("/X.app", "user.other");
-  for (const std::string& path : items) EXPECT_EQ(mark(path, quarantine), hasMarks);
   run("/bin/chmod", {"-R", "0775", "/X.app"});
   run("/usr/bin/xattr", {"-dr", "com.apple.quarantine", "/X.app"});
   for (const std::string& path : items) {
     EXPECT_EQ(modeOf(on(path)), "775") << "a folder's set-group-id bit goes too";
-    EXPECT_FALSE(isMarked(path, quarantine)) << path;
+    EXPECT_FALSE(isMarked(path)) << path;
   }
   EXPECT_EQ(modeOf(on("/outside")), "600");
-  EXPECT_TRUE(!hasMarks || (isMarked("/X.app", "user.other") && isMarked("/outside", quarantine)));
-
-  ::mkfifo(on("/X.app/pipe").c_str(), 0600);
-  run("/bin/cp", {"-R", "/X.app", "/target"});
-  EXPECT_FALSE(fs::exists(on("/target"))) << "all or nothing";
+  EXPECT_EQ(isMarked("/outside"), hasMarks);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <csignal>
 
-#include "platform/linux/ApplicationProcesses.h"
 #include "platform/posix/ChildProcess.h"
 #include "support/TestMachine.h"
 
@@ -13,29 +12,22 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A program that runs as a child of the test's until the test ends it.
-class ChildProgram {
- public:
-  explicit ChildProgram(const fs::path& program, const std::vector<std::string>& arguments = {})
-      : process_(*spawn({.executable = program, .arguments = arguments})) {}
-  ChildProgram(const ChildProgram&) = delete;
-  ChildProgram& operator=(const ChildProgram&) = delete;
-  ~ChildProgram() { end(); }
-
-  void end() {
-    if (process_ == 0) return;
-    ::kill(process_, SIGKILL);
-    ::waitpid(process_, nullptr, 0);
-    process_ = 0;
-  }
-
- private:
-  pid_t process_;
-};
-
 class WorkspaceTest : public MachineTest {
  protected:
   WorkspaceTest() { ::chmod(on("").parent_path().c_str(), 0755); }
+  ~WorkspaceTest() override {
+    while (!children_.empty()) end(*children_.begin());
+  }
+
+  /// A program that runs as a child of the test's until the test ends it.
+  pid_t begin(const fs::path& program, const std::vector<std::string>& arguments = {}) {
+    return *children_.insert(*spawn({.executable = program, .arguments = arguments})).first;
+  }
+  void end(pid_t child) {
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    children_.erase(child);
+  }
 
   [[nodiscard]] std::string pathOf(const std::string& name) const { return "/Applications/" + own_ + name + ".app"; }
   /// Makes an application on the volume, and gives its program. Every name begins with the test's own.
@@ -75,29 +67,24 @@ class WorkspaceTest : public MachineTest {
   const std::string own_ = "T" + std::to_string(::getpid()) + "-";
   /// Runs until it is killed, as what it is.
   const std::string waitingScript_ = "#!/bin/sh -e\nkill -STOP $$\n";
+  std::set<pid_t> children_;
   std::string ended_;
   PollRunLoop runLoop_;
   Volume volume_{on("").string(), machine_.inBundle("").parent_path().parent_path()};
   /// Whom the tests as root launch for.
   PosixUser user_{::geteuid() == 0 ? UserAccount{65534, 65534, "nobody", "/nonexistent"} : machine_.account(), {"en"}};
-  LinuxWorkspace workspace_{volume_,
-                            files_,
-                            platform_.bundles,
-                            user_,
-                            log_,
-                            runLoop_,
-                            UserSession(user_, HELPERS_FOLDER),
-                            on("/open address").string()};
+  LinuxWorkspace workspace_{
+      volume_, files_, platform_.bundles, user_, log_, runLoop_, UserSession(user_, HELPERS_FOLDER)};
 };
 
 TEST_F(WorkspaceTest, ListsWhatRunsInTheOrderOfItsStart) {
   const fs::path named = makeApplication("File");
   makeBundle(on(pathOf("File")), {{"CFBundleName", own_ + "Named"}});
-  const ChildProgram first(makeApplication("Script", waitingScript_));
-  const ChildProgram second(named);
-  const ChildProgram third(makeApplication("Removed"));
-  const ChildProgram again(named);
-  const ChildProgram editor("/usr/bin/tail", {"-fn0", makeApplication("Edited", waitingScript_)});
+  begin(makeApplication("Script", waitingScript_));
+  begin(named);
+  begin(makeApplication("Removed"));
+  begin(named);
+  begin("/usr/bin/tail", {"-fn0", makeApplication("Edited", waitingScript_)});
   fs::remove_all(on(pathOf("Removed")));
   EXPECT_EQ(running(), "Script Named Removed Named ");
   if (::geteuid() != 0) GTEST_SKIP() << "needs root, to become somebody else";
@@ -108,22 +95,22 @@ TEST_F(WorkspaceTest, ListsWhatRunsInTheOrderOfItsStart) {
 }
 
 TEST_F(WorkspaceTest, TellsOfEveryEndOnce) {
-  ChildProgram first(makeApplication("First"));
-  ChildProgram second(makeApplication("Second"));
+  const pid_t first = begin(makeApplication("First"));
+  const pid_t second = begin(makeApplication("Second"));
   auto observation = observe();
-  first.end();
+  end(first);
   EXPECT_EQ(ended_, "") << "only from a run of the loop";
   ASSERT_TRUE(eventually([&] { return ended_ == "First(Second ) "; })) << ended_;
-  ChildProgram third(makeApplication("Third"));  // found when the second ends
-  second.end();
+  const pid_t third = begin(makeApplication("Third"));  // found when the second ends
+  end(second);
   ASSERT_TRUE(eventually([&] { return ended_ == "First(Second ) Second(Third ) "; })) << ended_;
-  third.end();
+  end(third);
   ASSERT_TRUE(eventually([&] { return ended_ == "First(Second ) Second(Third ) Third() "; })) << ended_;
 
-  ChildProgram fourth(makeApplication("Fourth"));
+  const pid_t fourth = begin(makeApplication("Fourth"));
   EXPECT_EQ(running(), "Fourth ");  // who was told that it runs is told when it ends, unless nobody asks any more
   observation.reset();
-  fourth.end();
+  end(fourth);
   EXPECT_FALSE(runLoop_.runBeforeDate(RunLoop::Clock::now()));
   EXPECT_TRUE(ended_.ends_with("Third() "));
 }
@@ -152,17 +139,15 @@ TEST_F(WorkspaceTest, LaunchesAsTheUserInASessionOfItsOwn) {
 TEST_F(WorkspaceTest, AsksWhatItLaunchedToEnd) {
   makeApplication("Studio");
   const auto application = workspace_.launchHidden(pathOf("Studio"), {});
-  ASSERT_NE(application, nullptr);
-  static_cast<void>(workspace_.launchHidden(pathOf("Studio"), {}));  // goes on when its object has gone
+  const auto another = workspace_.launchHidden(pathOf("Studio"), {});
+  ASSERT_TRUE(application != nullptr && another != nullptr);
   EXPECT_EQ(running(), "Studio Studio ") << "each a new instance";
   const auto observation = observe();
   application->terminate();
   ASSERT_TRUE(eventually([&] { return ended_ == "Studio(Studio ) "; })) << ended_;
   application->terminate();
   EXPECT_EQ(running(), "Studio ") << "and not another one";
-  for (const ApplicationProcess& left : applicationProcesses()) {
-    if (left.bundlePath == on(pathOf("Studio"))) ::kill(left.id, SIGTERM);
-  }
+  another->terminate();
   EXPECT_TRUE(eventually([&] { return running().empty(); }));
 }
 
@@ -175,19 +160,31 @@ TEST_F(WorkspaceTest, TakesNothingThatIsNotTheBundles) {
   for (const std::string& name : {"../MacOS/" + own_ + "Climbing", std::string("..")}) {
     makeBundle(on(pathOf("Climbing")), {{"CFBundleExecutable", name}, {"CFBundleIconFile", "../Info.plist"}});
     EXPECT_FALSE(canLaunch(pathOf("Climbing"))) << name;
+    EXPECT_EQ(workspace_.iconFile(pathOf("Climbing")), "");
   }
-  EXPECT_EQ(workspace_.iconFile(pathOf("Climbing")), "");
   fs::create_directories(on("/Linked.app/Contents/MacOS"));
   fs::create_symlink(STAND_IN, on("/Linked.app/Contents/MacOS/Linked"));
   EXPECT_FALSE(canLaunch("/Linked.app")) << "the link leads nowhere on the volume";
   ::chmod(makeApplication("Roots").c_str(), 0700);
   EXPECT_TRUE(::geteuid() != 0 || !canLaunch(pathOf("Roots"))) << "what the user may not start";
   EXPECT_EQ(running(), "");
+}
 
-  makeBundle(on("/A.app"), {{"CFBundleIconFile", "Icon"}});
-  EXPECT_EQ(workspace_.iconFile("/A.app"), "");
-  writeFile(on("/A.app/Contents/Resources/Icon.icns"), "");
-  EXPECT_EQ(workspace_.iconFile("/A.app"), "/A.app/Contents/Resources/Icon.icns");
+TEST_F(WorkspaceTest, RegistersApplicationsAsDesktopEntries) {
+  const std::string name = "Été 100% $HOME";
+  const auto registered = [&](const std::string& path) {
+    return platform_.launchServices.registerApplication(path, /*update=*/true);
+  };
+  makeApplication(name);
+  makeBundle(on(pathOf(name)), {{"CFBundleIdentifier", "com.corvane.ete"}, {"CFBundleName", "Été\\3"}});
+  EXPECT_EQ(registered(pathOf(name)), LaunchServices::noErr);
+  const fs::path entry = on(machine_.home() + "/.local/share/applications/com.corvane.ete.desktop");
+  const std::string escaped = own_ + "Été 100%% \\\\$HOME";
+  EXPECT_EQ(modeOf(entry), "644");
+  EXPECT_EQ(readFile(entry), "[Desktop Entry]\nType=Application\nVersion=1.0\nName=Été\\\\3\nExec=\"" +
+                                 on("").string() + "/Applications/" + escaped + ".app/Contents/MacOS/" + escaped +
+                                 "\"\nTerminal=false\nCategories=Graphics;\n");
+  EXPECT_EQ(registered("/None.app"), LaunchServices::fnfErr);
 }
 
 }  // namespace

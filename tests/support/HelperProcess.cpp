@@ -10,6 +10,7 @@
 #include <array>
 #include <csignal>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -34,13 +35,13 @@ std::string ownerOf(const fs::path& path) {
 }
 
 HelperProcess::HelperProcess(const fs::path& program, const fs::path& volume, uid_t user, std::string variable)
-    : socket_(FileDescriptor()) {
+    : socket(FileDescriptor()) {
   const auto ends = connectionOf(user);
-  socket_ = MessageSocket(FileDescriptor(ends[0]));
+  socket = MessageSocket(FileDescriptor(ends[0]));
   const FileDescriptor helpers(ends[1]);
   char* const environment[] = {variable.empty() ? nullptr : variable.data(), nullptr};
-  process_ = ::fork();
-  if (process_ == 0) {
+  process = ::fork();
+  if (process == 0) {
     ::dup2(helpers.get(), STDIN_FILENO);
     ::dup2(::open("/dev/null", O_WRONLY), STDERR_FILENO);
     ::execle(program.c_str(), program.c_str(), volume.c_str(), nullptr, environment);
@@ -49,13 +50,13 @@ HelperProcess::HelperProcess(const fs::path& program, const fs::path& volume, ui
 }
 
 HelperProcess::~HelperProcess() {
-  socket_.close();
-  if (process_ > 0) end();
+  socket.close();
+  if (process > 0) end();
 }
 
 int HelperProcess::end() {
   int status = 0;
-  ::waitpid(std::exchange(process_, 0), &status, 0);
+  ::waitpid(std::exchange(process, 0), &status, 0);
   return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
@@ -68,17 +69,11 @@ void HelperTest::SetUp() {
   program_ = machine_.inBundle("Helpers/rights");
   fs::copy_file(fs::path(HELPERS_FOLDER) / "rights", program_);
   makeOwnFolder("/Users/nobody");
-  fs::create_directories(on("/private/etc"));
   writeFile(on("/private/etc/secret"), "secret");
   ::chmod(on("/private/etc/secret").c_str(), 0600);
   handedOver_ = std::to_string(nobody) + ":" + std::to_string(*groupNumber("admin"));
-  start();
-}
-
-void HelperTest::start() {
-  connection_.reset();
   helper_.emplace(program_, on(""));
-  connection_.emplace(helper_->takeSocket());
+  connection_.emplace(std::move(helper_->socket));
   ASSERT_TRUE(connection_->receiveReady());
 }
 
@@ -89,13 +84,7 @@ LaunchStatus HelperTest::run(const std::string& tool, const std::vector<std::str
   return status;
 }
 
-int HelperTest::end() {
-  connection_.reset();
-  return helper_->end();
-}
-
-fs::path HelperTest::makeOwnFolder(const std::string& path) {
+void HelperTest::makeOwnFolder(const std::string& path) {
   fs::create_directories(on(path));
   ::lchown(on(path).c_str(), nobody, nobody);
-  return on(path);
 }

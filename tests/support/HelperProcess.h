@@ -4,7 +4,6 @@
 
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "platform/linux/rights/HelperConnection.h"
@@ -17,22 +16,18 @@ inline constexpr uid_t nobody = 65534;
 [[nodiscard]] std::string ownerOf(const fs::path& path);
 
 /// The real helper, started by root as sudo would, for a connection that was made by another user.
-class HelperProcess {
- public:
+struct HelperProcess {
   /// `variable` is the helper's environment, such as "SUDO_UID=1".
   HelperProcess(const fs::path& program, const fs::path& volume, uid_t user = nobody, std::string variable = "");
   ~HelperProcess();
   HelperProcess(const HelperProcess&) = delete;
   HelperProcess& operator=(const HelperProcess&) = delete;
 
-  [[nodiscard]] pid_t id() const { return process_; }
-  [[nodiscard]] MessageSocket takeSocket() { return std::move(socket_); }
   /// Waits for the helper's end, for which its connection must be closed; exit status, or minus the signal.
   int end();
 
- private:
-  pid_t process_ = 0;
-  MessageSocket socket_;
+  MessageSocket socket;
+  pid_t process = 0;
 };
 
 /// A volume of root's, a bundle with the helper in it, and the helper.
@@ -40,13 +35,10 @@ class HelperTest : public MachineTest {
  protected:
   void SetUp() override;
 
-  void start();
   /// Launches and waits.
   LaunchStatus run(const std::string& tool, const std::vector<std::string>& arguments);
-  /// Closes the connection; what became of the helper, as HelperProcess::end() has it.
-  int end();
   /// A folder of the user's.
-  fs::path makeOwnFolder(const std::string& path);
+  void makeOwnFolder(const std::string& path);
 
   const std::string owner_ = "nobody:admin";
   std::string handedOver_;
