@@ -1,6 +1,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
+#include <unistd.h>
 
 #include "platform/posix/ChildProcess.h"
 #include "support/HelperProcess.h"
@@ -9,6 +10,10 @@ namespace {
 
 class ToolsTest : public MachineTest {
  protected:
+  void SetUp() override {
+    if (::geteuid() != 0) GTEST_SKIP() << "needs root: anybody else is asked for a password";
+  }
+
   /// Runs a tool as the install does; its status and what it wrote.
   std::pair<LaunchStatus, std::string> run(const char* tool, const std::vector<std::string>& arguments) {
     const auto authorization = platform_.authorizations.createAuthorization();
