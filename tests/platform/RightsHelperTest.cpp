@@ -59,7 +59,7 @@ TEST_F(RightsHelperTest, TakesLongRequestsAndManyAndGoesOnAfterBadOnes) {
   };
   const std::string helper = std::to_string(helper_->process);
   const auto before = descriptors("self") + descriptors(helper);
-  for (int i = 0; i < 1000; ++i) ASSERT_EQ(run("/usr/bin/touch", {"/Applications/x"}), launchSucceeded);
+  for (int i = 0; i < 10'000; ++i) ASSERT_EQ(run("/usr/bin/touch", {"/Applications/x"}), launchSucceeded);
   EXPECT_LT(descriptors("self") + descriptors(helper), before + 10);
 
   std::vector<std::string> arguments = {"-fR", "/Applications/x"};

@@ -60,6 +60,23 @@ TEST_F(ToolsTest, DoWhatAMacsDo) {
       << "a tool that fails was launched all the same";
 }
 
+TEST_F(ToolsTest, FollowNoLinkOutOfTheVolumeWhereSomethingIsMissing) {
+  const fs::path outside = on("").parent_path() / "outside";
+  writeFile(outside / "etc/file", "");
+  ::chmod((outside / "etc/file").c_str(), 0600);
+  fs::create_directory_symlink(outside, on("/link"));  // leads nowhere on the volume
+  for (const std::string path : {"/link/etc", "/link/etc/file"}) {
+    run("/usr/sbin/chown", {"-R", "nobody:admin", path});
+    run("/bin/chmod", {"-R", "0777", path});
+    run("/usr/bin/touch", {path + "/new"});
+    run("/bin/mkdir", {"-m775", "-p", path + "/new"});
+    run("/bin/cp", {"-R", machine_.inBundle("Resources"), path + "/copy"});
+    run("/bin/rm", {"-fR", path});
+  }
+  EXPECT_EQ(namesIn(outside / "etc"), "file");
+  EXPECT_EQ(ownerOf(outside / "etc/file") + modeOf(outside / "etc/file"), ownerOf(outside) + "600");
+}
+
 TEST_F(ToolsTest, ChangeTheFolderThatWasLookedUp) {
   writeFile(on("/Folder/deep/x"), "");
   const fs::path outside = on("").parent_path() / "outside";
