@@ -5,23 +5,19 @@
 
 #include "foundation/Format.h"
 #include "foundation/Path.h"
+#include "foundation/StringsTable.h"
 #include "foundation/Text.h"
 
 namespace {
 
 using namespace std::string_literals;
 
-TEST(Text, TellsUtf8FromWhatIsNot) {
-  for (const auto* const good : {"", "Größe", "日本語", "\xF0\x9F\x93\xB7", "\xF4\x8F\xBF\xBF"}) {
-    EXPECT_EQ(decodeUtf8(good), good);
-  }
+TEST(Text, TellsEncodingsApart) {
+  for (const auto* const good : {"", "Größe", "日本語", "\xF4\x8F\xBF\xBF"}) EXPECT_EQ(decodeUtf8(good), good);
   for (const auto* const bad :
        {"\xFF", "\xC3", "\xC0\xAF", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "a\x80"}) {
     EXPECT_FALSE(isValidUtf8(bad)) << onOneLine(bad);
   }
-}
-
-TEST(Text, ReadsFilesOfAnyEncoding) {
   EXPECT_EQ(decodeTextFile("\xEF\xBB\xBFMaß").text, "Maß");
   EXPECT_EQ(decodeTextFile("\xFF\xFEM\0a\0\xDF\0"s).text, "Maß");
   EXPECT_EQ(decodeTextFile("\xFE\xFF\0M\0a\0\xDF\xD8\x3D\xDC\xF7"s).text, "Maß\xF0\x9F\x93\xB7");
@@ -30,9 +26,7 @@ TEST(Text, ReadsFilesOfAnyEncoding) {
 }
 
 TEST(Text, FindsNumbersAndReplacesTexts) {
-  for (const auto& [text, number] : {std::pair(" 6 beta", 6), {"-5.1", -5}, {"six", 0}}) {
-    EXPECT_EQ(integerValue(text), number);
-  }
+  EXPECT_EQ(std::to_string(integerValue(" 6 beta")) + std::to_string(integerValue("-5.1")), "6-5");
   EXPECT_EQ(integerValue("99999999999999999999"), std::numeric_limits<std::int64_t>::max());
   EXPECT_EQ(replacingOccurrences("/a/a/a", "/a", "/b/a"), "/b/a/b/a/b/a");
   EXPECT_EQ(replacingOccurrences("same", "", "x"), "same");
@@ -60,6 +54,36 @@ TEST(Format, FillsInWhatItCan) {
   EXPECT_EQ(formatted("100%% %@", "%@"), "100% %@") << "an argument is no format";
   EXPECT_EQ(formatted("%@ %@ %9$@|", "few"), "few  |");
   EXPECT_EQ(formatted("%s %0$@ %99999$@ %$@ %", "one"), "%s %0$@ %99999$@ %$@ %");
+}
+
+TEST(StringsTable, ReadsEveryFormOfEntry) {
+  const StringsTable table = parseStringsTable(R"(/* a comment; with "quotes" */
+"plain" = "text";   // another
+bare-word_1.2 = 'single';
+"escapes" = "\"\n\t\\ \U00e9 \U0001 \351 \q \Ud83d\udcf7";
+"alone";
+"again" = "first"; "again" = "second";
+)");
+  EXPECT_EQ(table.problem, "");
+  EXPECT_EQ(table.texts, (decltype(table.texts){{"plain", "text"},
+                                                {"bare-word_1.2", "single"},
+                                                {"escapes", "\"\n\t\\ é \x01 é q \xF0\x9F\x93\xB7"},
+                                                {"alone", "alone"},
+                                                {"again", "second"}}));
+  EXPECT_EQ(parseStringsTable("{ a = b; }").texts.at("a"), "b");
+  EXPECT_EQ(parseStringsTable("\xFF\xFE\"\0k\0\"\0=\0\"\0\xE4\0\"\0;\0"s).texts.at("k"), "ä");
+}
+
+TEST(StringsTable, KeepsWhatStandsBeforeTheFault) {
+  for (const auto* const fault : {"\"b\" = \"cut sho", "\"b\" =", "\"b\" = c", "= d;", "/* no end", "\"b\" \"c\";"}) {
+    const StringsTable table = parseStringsTable("\"a\" = \"kept\";\n" + std::string(fault));
+    EXPECT_EQ(table.texts.at("a"), "kept") << fault;
+    EXPECT_EQ(table.texts.size(), 1U) << fault;
+    EXPECT_TRUE(table.problem.starts_with("line 2: ")) << fault << ": " << table.problem;
+  }
+  const StringsTable latin = parseStringsTable("a = 'Ma\xDF';");
+  EXPECT_EQ(latin.texts.at("a"), "Ma\xEF\xBF\xBD");
+  EXPECT_NE(latin.problem, "");
 }
 
 }  // namespace

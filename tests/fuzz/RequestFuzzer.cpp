@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -18,12 +17,11 @@ void require(bool condition) {
 void checkOperation(const Request& request) {
   const auto operation = operationFor(request, "user");
   if (!operation) return;
-  require(request.tool.starts_with('/'));
-  require((operation->mode & ~0775U) == 0);
+  require(request.tool.starts_with('/') && (operation->mode & ~0775U) == 0);
   require(operation->paths.empty() == (operation->kind == Operation::Kind::updateApplications));
-  require(std::ranges::all_of(operation->paths, [](const std::string& path) {
-    return path.starts_with('/') && path.find('\0') == std::string::npos;
-  }));
+  for (const std::string& path : operation->paths) {
+    require(path.starts_with('/') && path.find('\0') == std::string::npos);
+  }
   require(operation->kind == Operation::Kind::copy || operation->source.empty());
 }
 
@@ -47,14 +45,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::size_t added = 0;
   while (rest.size() > 1) {
     const auto length = static_cast<unsigned char>(rest.front());
-    rest.remove_prefix(1);
-    std::string_view message;
-    if (length == 255) {
-      message = longest;
-    } else {
-      message = rest.substr(0, length);
-      rest.remove_prefix(message.size());
-    }
+    const std::string_view message = length == 255 ? longest : rest.substr(1, length);
+    rest.remove_prefix(length == 255 ? 1 : 1 + message.size());
     added += message.size();
     const auto state = reader.add(message);
     if (state == RequestReader::State::broken) return 0;

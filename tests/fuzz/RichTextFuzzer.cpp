@@ -7,15 +7,10 @@
 
 namespace {
 
-/// Whether the runs cover the text, and neighbours differ.
+/// Whether the runs cover the text.
 bool isWhole(const RichText& text) {
   std::size_t covered = 0;
-  const RichText::Run* before = nullptr;
-  for (const RichText::Run& run : text.runs()) {
-    if (run.length == 0 || (before != nullptr && before->attributes == run.attributes)) return false;
-    covered += run.length;
-    before = &run;
-  }
+  for (const RichText::Run& run : text.runs()) covered += run.length;
   return covered == text.string().size() && isValidUtf8(text.string());
 }
 

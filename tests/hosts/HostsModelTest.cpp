@@ -1,5 +1,5 @@
-#include "hosts/FireworksHostModel.h"
 #include "hosts/HostsModel.h"
+#include "hosts/LightRoomHostModel.h"
 #include "hosts/UnknownHostModel.h"
 #include "support/TestMachine.h"
 
@@ -14,6 +14,9 @@ class HostsModelTest : public MachineTest {
   }
   [[nodiscard]] std::string found() const { return names(HostsModel(platform_).foundHosts()); }
   fs::path preferences(const std::string& name) { return machine_.inLibrary("Preferences/" + name); }
+  void addLightroom() {
+    fs::create_directories(machine_.inLibrary("Application Support/Adobe/Lightroom/External Editor Presets"));
+  }
   void addBySettings(const std::string& name) {
     fs::create_directories(on("/Applications/" + name + "/" + name + ".app"));
     fs::create_directories(preferences(name + " Settings"));
@@ -24,8 +27,7 @@ TEST_F(HostsModelTest, ListsWhatIsRecentEnoughInOrder) {
   EXPECT_EQ(found(), "");
   fs::remove_all(on("/Users"));
   EXPECT_EQ(found(), "") << "and stands a volume without the user";
-  fs::create_directories(machine_.inLibrary("Application Support/Adobe"));
-  machine_.addLightroom();
+  addLightroom();
   for (const char* const name :
        {"Adobe Photoshop CS5", "Adobe Photoshop CS6", "Adobe Photoshop CC", "Adobe Photoshop CC 2015.5",
         "Adobe Photoshop CC 2020", "Adobe Photoshop Elements 11"}) {
@@ -48,23 +50,28 @@ TEST_F(HostsModelTest, ListsWhatIsRecentEnoughInOrder) {
 
 TEST_F(HostsModelTest, KeepsTheRememberedFolderOutAndAddsWhatItIsGiven) {
   writeFile(preferences("com.corvane.installer.plist"), propertyListOf({{"customPath", "/Mine"}}));
-  machine_.addLightroom();
+  addLightroom();
   HostsModel model(platform_);
   EXPECT_EQ(names(model.foundHosts()), "Adobe Lightroom");
   const auto custom = UnknownHostModel::initWithPlugInPath(platform_, "/Mine");
   model.addHostAtRuntime(custom);
-  model.addHostAtRuntime(custom);
-  EXPECT_EQ(names(model.foundHosts()), "Adobe Lightroom, Folder, Folder");
+  EXPECT_EQ(names(model.foundHosts()), "Adobe Lightroom, Folder");
   EXPECT_EQ(names(filteredHosts(model.foundHosts(), "hostIsSelected == YES")), "Adobe Lightroom");
-  custom->setShouldInstallScripts(true);
-  EXPECT_TRUE(model.scriptsOrPanelsHosts().empty());
   model.removeHostAtRuntime(custom);
   EXPECT_EQ(names(model.foundHosts()), "Adobe Lightroom");
-
-  fs::create_directories(on("/Applications/Adobe Fireworks CS6/Plug-Ins"));
-  model.addHostAtRuntime(FireworksHostModel::initWithHostName(platform_, "Adobe Fireworks CS6"));
-  EXPECT_TRUE(model.foundHosts().empty()) << "a kind that has no place in the list";
   EXPECT_EQ(model.informativeText().string(), "Dunmore 3 and Dunmore 3");
+}
+
+TEST_F(HostsModelTest, WritesALightroomPreset) {
+  const auto host = LightRoomHostModel::initWithHostName(platform_, "Adobe Lightroom");
+  const std::string text = host->templateFileTextWithAppName("Studio.app");
+  const std::string id = text.substr(14, 36);
+  EXPECT_EQ(text, "s = {   id = \"" + id +
+                      "\",\n  internalName = \"Dunmore 3\",\n  title = \"Dunmore 3\",\n  type = \"ExternalEditor\",\n"
+                      "  value = {\n  externalEditingFormat = \"TIFF_None_16_ProPhotoRGB\",\n"
+                      "  externalEditingFormat_dpi = 240,\n"
+                      "  externalEditorFullPath  = \"/Applications/Studio.app\",\n  },\n  version = 0,\n  }\n");
+  EXPECT_NE(host->templateFileTextWithAppName("Studio.app"), text) << "a new identifier every time";
 }
 
 }  // namespace

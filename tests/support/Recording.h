@@ -79,10 +79,8 @@ class RecordingView : public virtual TextField, public virtual ImageView, public
 
 class RecordingWindow : public Window {
  public:
-  bool isShown = false;
-
-  void centre() override { isShown = true; }
-  void close() override { isShown = false; }
+  void centre() override {}
+  void close() override {}
 };
 
 /// Has every view that it is asked for.
@@ -138,7 +136,6 @@ class RecordingToolkit : public Toolkit {
   std::vector<std::shared_ptr<RecordingInterface::Parts>> interfaces;
   std::map<std::string, Rect> frames;  ///< of views that are going to be made
   std::set<std::string> missingInterfaces;
-  ApplicationDelegate* delegate = nullptr;
 
   std::optional<std::string> runOpenPanel(const OpenPanel& panel) override {
     panels.push_back(panel);
@@ -152,7 +149,7 @@ class RecordingToolkit : public Toolkit {
   }
   Picture imageNamed(const std::string& name) override { return std::make_shared<RecordingImage>(name); }
   Picture imageWithContentsOfFile(const std::string& path) override { return std::make_shared<RecordingImage>(path); }
-  void setApplicationDelegate(ApplicationDelegate* newDelegate) override { delegate = newDelegate; }
+  void setApplicationDelegate(ApplicationDelegate* /*delegate*/) override {}
   void run() override {}
 
   AlertAnswer runAlertPanel(const Alert& alert) override {
@@ -165,7 +162,6 @@ class RecordingToolkit : public Toolkit {
 class RecordingWorkspace : public Workspace {
  public:
   std::vector<std::string> running;
-  std::vector<std::string> openedUrls;
   /// Each launch: path and arguments, joined by "|", or "terminate".
   std::vector<std::string> launches;
   bool canLaunch = true;
@@ -184,20 +180,17 @@ class RecordingWorkspace : public Workspace {
   }
   std::unique_ptr<RunningApplication> launchHidden(const std::string& path,
                                                    const std::vector<std::string>& arguments) override {
-    class Launched : public RunningApplication {
-     public:
-      explicit Launched(RecordingWorkspace& owner) : owner_(owner) {}
-      void terminate() override { owner_.launches.emplace_back("terminate"); }
-
-     private:
-      RecordingWorkspace& owner_;
+    struct Launched : RunningApplication {
+      explicit Launched(std::vector<std::string>& noted) : launches(noted) {}
+      void terminate() override { launches.emplace_back("terminate"); }
+      std::vector<std::string>& launches;
     };
     std::string launch = path;
     for (const std::string& argument : arguments) launch += "|" + argument;
     launches.push_back(launch);
-    return canLaunch ? std::make_unique<Launched>(*this) : nullptr;
+    return canLaunch ? std::make_unique<Launched>(launches) : nullptr;
   }
-  void openUrl(const std::string& url) override { openedUrls.push_back(url); }
+  void openUrl(const std::string& /*url*/) override {}
   [[nodiscard]] std::string iconFile(const std::string& path) const override { return path + "/icon"; }
 
  private:

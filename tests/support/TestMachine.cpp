@@ -23,12 +23,6 @@ void writeFile(const fs::path& path, std::string_view content) {
   if (!file.flush()) throw std::runtime_error("cannot write " + path.string());
 }
 
-void makeLargeFile(const fs::path& path, std::size_t size) {
-  std::string content;
-  content.resize(size, 'L');
-  writeFile(path, content);
-}
-
 std::string readFile(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) return "(no such file)";
@@ -73,7 +67,8 @@ bool TestMachine::layOut() {
   writeFile(inBundle("Resources/en.lproj/Localizable.strings"), R"(
       installing_file = "Installing "; done = "Done"; auth_error = "No rights"; custom_path = "Folder";
       install_error_title = "Title"; install_error_format_string = "<%1$@|%2$@>"; install_error_proceed = "Go on";
-      install_error_stop = "Stop"; copy_files_title = "Installing %@"; select_host_instructions = "%@ and %@";)");
+      install_error_stop = "Stop"; copy_files_title = "Installing %@"; select_host_instructions = "%@ and %@";
+      browse_path_title = Title; browse_path_msg = Message; browse_path_prompt = Prompt;)");
   return true;
 }
 
@@ -82,8 +77,4 @@ void TestMachine::addPhotoshop(const std::string& name) {
   fs::create_directories(onVolume(folder + "/" + name + ".app"));
   fs::create_directories(onVolume(folder + "/Plug-Ins"));
   writeFile(inLibrary("Preferences/" + name + " Paths"), folder + '\0' + folder + "/Plug-Ins" + '\0');
-}
-
-void TestMachine::addLightroom() {
-  fs::create_directories(inLibrary("Application Support/Adobe/Lightroom/External Editor Presets"));
 }

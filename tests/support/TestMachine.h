@@ -28,8 +28,6 @@ class TemporaryFolder {
 };
 
 void writeFile(const fs::path& path, std::string_view content);
-/// A file of so many bytes, without holes.
-void makeLargeFile(const fs::path& path, std::size_t size);
 [[nodiscard]] std::string readFile(const fs::path& path);
 /// Permission bits, in octal.
 [[nodiscard]] std::string modeOf(const fs::path& path);
@@ -54,7 +52,6 @@ class TestMachine {
 
   /// A Photoshop that discovery finds: its application, and a Paths file in the user's preferences.
   void addPhotoshop(const std::string& name);
-  void addLightroom();
 
  private:
   TemporaryFolder folder_;
