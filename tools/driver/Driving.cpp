@@ -4,12 +4,26 @@
 
 #include <QAbstractButton>
 #include <QElapsedTimer>
+#include <QMouseEvent>
 #include <QTimer>
+#include <QWindow>
 #include <iostream>
 
 namespace {
 
 constexpr int longestWait = 20'000;
+
+/// Presses with the mouse at the start of the button, where a check box has its box. What lies over it gets the press.
+void click(const QAbstractButton& button) {
+  QWidget* const top = button.window();
+  const QPointF place = button.mapTo(top, QPoint(button.height() / 2, button.height() / 2));
+  const QPointF onScreen = top->mapToGlobal(place);
+  QMouseEvent down(QEvent::MouseButtonPress, place, onScreen, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+  QMouseEvent up(QEvent::MouseButtonRelease, place, onScreen, Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
+  QWindow* const window = top->windowHandle();
+  QApplication::sendEvent(window, &down);
+  QApplication::sendEvent(window, &up);
+}
 
 void actWhenShown(const std::string& name, const std::function<void(QWidget&)>& act, const QElapsedTimer& since) {
   auto* const shown = shownWidget<QWidget>(name.c_str());
@@ -44,7 +58,7 @@ void press(const char* button) {
     const auto* const shown = shownWidget<QAbstractButton>(button);
     return shown != nullptr && shown->isEnabled();
   });
-  shownWidget<QAbstractButton>(button)->click();
+  click(*shownWidget<QAbstractButton>(button));
 }
 
 void whenShown(const std::string& widget, const std::function<void(QWidget&)>& act) {
@@ -56,7 +70,7 @@ void whenShown(const std::string& widget, const std::function<void(QWidget&)>& a
 void pressLater(const char* button, const std::function<void()>& before) {
   whenShown(button, [before](QWidget& shown) {
     before();
-    if (auto* const pressed = qobject_cast<QAbstractButton*>(&shown)) pressed->click();
+    if (const auto* const pressed = qobject_cast<QAbstractButton*>(&shown)) click(*pressed);
   });
 }
 

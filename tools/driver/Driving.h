@@ -26,7 +26,7 @@ Widget* shownWidget(const char* name) {
 void waitUntil(const char* condition, const std::function<bool()>& holds);
 void waitForPage(const char* widget);
 
-/// Presses the button once it is shown and enabled.
+/// Presses the button with the mouse once it is shown and enabled.
 void press(const char* button);
 
 /// Does this as soon as the widget is shown and enabled, in whatever event loop is then running.

@@ -1,0 +1,132 @@
+#include <utility>
+
+#include "wizard/WizardTest.h"
+
+namespace {
+
+/// Labels and buttons that are shown have room for all of their text.
+void expectTextsToFit(const QWidget& window) {
+  for (const QWidget* const widget : window.findChildren<QWidget*>()) {
+    const bool showsText =
+        qobject_cast<const QLabel*>(widget) != nullptr || qobject_cast<const QAbstractButton*>(widget) != nullptr;
+    const bool isCutOnPurpose = widget->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored;
+    if (!widget->isVisible() || widget->objectName().isEmpty() || !showsText || isCutOnPurpose) continue;
+    EXPECT_LE(widget->minimumSizeHint().width(), widget->width()) << fromQt(widget->objectName());
+    const int height = widget->hasHeightForWidth() ? widget->heightForWidth(widget->width()) : 0;
+    EXPECT_LE(height, widget->height()) << fromQt(widget->objectName());
+  }
+}
+
+/// With PAGE_PICTURES naming a folder, what is looked at is saved there for people to look at, too.
+void look(QWidget& window, const std::string& name) {
+  SCOPED_TRACE(name);
+  QApplication::processEvents();  // the layout is done when the window is painted
+  expectTextsToFit(window);
+  const char* const folder = std::getenv("PAGE_PICTURES");
+  if (folder == nullptr) return;
+  EXPECT_TRUE(window.grab().save(toQt(std::string(folder) + "/" + name + "-" + std::getenv("LANGUAGE") + ".png")));
+}
+
+class WizardInEveryLanguageTest : public WizardTest, public testing::WithParamInterface<const char*> {
+ protected:
+  /// Looks at the page that is there now; its heading and buttons are where they were on the page before.
+  void lookAtPage(const char* view, const std::string& name) {
+    waitForPage(view);
+    look(window(), name);
+    const QRect place = shownWidget<QLabel>("mainLabel")->geometry();
+    const QPoint corner = shownWidget<QWidget>("forwardButton")->geometry().bottomRight();
+    if (heading_.isNull()) heading_ = place, corner_ = corner, size_ = window().size();
+    EXPECT_TRUE(place == heading_ && corner == corner_ && window().size() == size_) << name << ": something moved";
+  }
+  /// Text and picture of the last page.
+  [[nodiscard]] static std::pair<std::string, QImage> outcome() {
+    return {textIn("registerTextView"), shownWidget<QLabel>("registerPicture")->grab().toImage()};
+  }
+
+  std::string atHosts_;  ///< the page there
+  std::pair<std::string, QImage> success_;
+
+ private:
+  QRect heading_;
+  QPoint corner_;
+  QSize size_;
+};
+
+TEST_P(WizardInEveryLanguageTest, LeadsFromTheLicenceToTheEndByMouse) {
+  speak(GetParam());
+  startHost("Adobe Lightroom");
+  run([this] {
+    lookAtPage("licenseView", "licence");
+    agreeToLicence([] { look(*shownWidget<QWidget>("alert"), "agree"); });
+    lookAtPage("foundHostsController", "hosts");
+    atHosts_ = page();
+    press("forwardButton");
+    lookAtPage("rtfView", "running");
+    const std::string blocked = page();
+    EXPECT_FALSE(isEnabled("forwardButton"));
+    EXPECT_NE(textIn("rtfTextView").find("Lightroom"), std::string::npos);
+    endHost();
+    waitUntil("the end of the host", [] { return isEnabled("forwardButton"); });
+    lookAtPage("rtfView", "proceed");
+    EXPECT_NE(page().substr(0, page().find('[')), blocked.substr(0, blocked.find('['))) << "it says thanks";
+    EXPECT_NE(textIn("rtfTextView").find("Dunmore 3"), std::string::npos);
+
+    press("backwardButton");
+    pick("customInstallItem");
+    press("configureLumatraExternalEditors");
+    press("customInstallButton");
+    lookAtPage("customInstallView", "custom");
+    pressLater("choose", [this] {
+      look(*shownWidget<QWidget>("openPanel"), "browse");
+      shownWidget<QLineEdit>("path")->setText(toQt(ownFolder_));
+    });
+    press("browseButton");
+    whenShown("installProgressBar", [this](QWidget&) {
+      lookAtPage("installFilesView", "install");
+      EXPECT_FALSE(page() == atHosts_ || isEnabled("backwardButton")) << "while it begins";
+    });
+    press("forwardButton");
+    lookAtPage("registerView", "success");
+    success_ = outcome();
+    press("forwardButton");
+  });
+  expectWholeInstall();
+  EXPECT_TRUE(logTells(ownFolder_ + filter_) && !logTells("/CC" + filter_)) << installed(log_);
+  EXPECT_TRUE(logTells("/ExternalEditors.csv"));
+
+  // A folder that cannot be one makes the next install fail; the folder of before is remembered.
+  fs::remove_all(volume_ / "Applications/Adobe Photoshop CS6/Plug-Ins");
+  writeFile(volume_ / "Applications/Adobe Photoshop CS6/Plug-Ins", "");
+  run([this] {
+    agreeToLicence();
+    waitForPage("foundHostsController");
+    pick("customInstallItem");
+    press("customInstallButton");
+    waitForPage("customPathField");
+    EXPECT_EQ(fromQt(shownWidget<QLineEdit>("customPathField")->text()), ownFolder_);
+    press("backwardButton");
+    QTimer answer;
+    bool hasLooked = false;
+    QObject::connect(&answer, &QTimer::timeout, [&] {
+      auto* const alert = shownWidget<QWidget>("alert");
+      if (alert == nullptr) return;
+      if (!std::exchange(hasLooked, true)) look(*alert, "error");
+      EXPECT_FALSE(window().close()) << "with files still to come";
+      press("defaultButton");
+    });
+    answer.start(5);
+    press("forwardButton");
+    lookAtPage("registerView", "failure");
+    EXPECT_TRUE(hasLooked);
+    EXPECT_NE(outcome().first, success_.first);
+    EXPECT_NE(outcome().second, success_.second);
+    press("forwardButton");
+  });
+  expectWholeInstall();
+  EXPECT_FALSE(logTells("Photoshop CS6/Plug-Ins"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, WizardInEveryLanguageTest, testing::Values("en", "de", "fr", "es", "ja", "zh-Hans"),
+                         [](const auto& language) { return std::string(language.param).substr(0, 2); });
+
+}  // namespace
