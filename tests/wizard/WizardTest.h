@@ -1,7 +1,9 @@
 #pragma once
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,6 +20,7 @@
 #include <string>
 
 #include "Driving.h"
+#include "platform/posix/FileDescriptor.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/QtUserInterface.h"
 #include "shell/Wizard.h"
@@ -58,6 +61,7 @@ class WizardTest : public testing::Test {
  protected:
   void SetUp() override {
     if (::geteuid() != 0) GTEST_SKIP() << "needs root: an install changes owners";
+    ASSERT_EQ(::flock(turn_.get(), LOCK_EX), 0);
     speak("en");
     ASSERT_EQ(std::system((MAKE_SAMPLE_VOLUME " '" + volume_.string() + "' " + user_.name + " " STAND_IN).c_str()), 0);
   }
@@ -84,6 +88,7 @@ class WizardTest : public testing::Test {
       waitForPage("mainWindow");
       walk();
       hasEnded = true;
+      waitUntil("the window's end", [] { return shownWidget<QWidget>("mainWindow") == nullptr; });
     });
     EXPECT_TRUE(runWizard(system.platform()));
     EXPECT_TRUE(hasEnded) << "the window closed in the middle of the walk";
@@ -115,6 +120,9 @@ class WizardTest : public testing::Test {
     }
   }
 
+  /// Each test in its turn, whoever runs it: an application that one starts runs for all of the machine.
+  FileDescriptor turn_{
+      ::open((fs::temp_directory_path() / "installer-wizard-tests").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)};
   TemporaryFolder folder_;
   fs::path volume_ = folder_.path() / "Macintosh HD";
   const UserAccount user_ = loggedInUser();

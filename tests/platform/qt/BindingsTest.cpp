@@ -92,20 +92,6 @@ TEST_F(BindingsTest, WhatChangesFasterThanAnybodyReadsIsRightInTheEnd) {
   EXPECT_TRUE(QTest::qWaitFor([this] { return the<QLabel>("label").text() == "99"; }, 2000));
 }
 
-TEST_F(BindingsTest, RowsAreTickedByMouseAndKeyboard) {
-  using Rows = std::vector<ListRow>;
-  owner_.values = {{"rows", Rows{{.text = "one", .detail = "/one"}, {.text = "two", .isTicked = true}}}};
-  show(control("QListWidget", "list", property("bindRows", "rows")));
-  auto& list = the<QListWidget>("list");
-  interface_->listView("list")->selectRow(1);
-  list.setFocus();
-  QTest::keyClick(&list, Qt::Key_Space);
-  EXPECT_EQ(owner_.done, "rows[1]=0;");
-  QApplication::processEvents();
-  EXPECT_EQ(list.item(1)->checkState(), Qt::Unchecked);
-  EXPECT_EQ(list.currentRow(), 1);
-}
-
 TEST_F(BindingsTest, MistakesInADescriptionCostALineEach) {
   owner_.values = {{"number", 1.0}};
   show(control("QLabel", "unknown", property("bindText", "nobody")) +
