@@ -100,8 +100,8 @@ class FileSystem {
   /// a link of that name; fails when a folder has it.
   virtual Status createFile(const std::string& path, std::string_view content, std::uint32_t permissions) = 0;
 
-  /// Opens an existing regular file to be written from its start; what is in it stays until it is overwritten. A link is
-  /// none.
+  /// Opens an existing regular file to be written from its start; what is in it stays until it is overwritten. A link
+  /// is none.
   virtual Result<std::unique_ptr<WritableFile>> openForWriting(const std::string& path) = 0;
 
   /// Makes the folder with exactly these permissions, and the missing folders above it with the usual ones. Succeeds
