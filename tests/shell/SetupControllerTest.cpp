@@ -3,7 +3,145 @@
 
 namespace {
 
-using SetupControllerTest = MachineTest;
+class SetupControllerTest : public MachineTest {
+ protected:
+  SetupControllerTest() {
+    const fs::path resources = machine_.inBundle("Resources");
+    writeFile(resources / "en.lproj/Localizable.strings", R"(
+        continue = "Continue"; quit = "Quit"; go_back = "Back"; finish = "Finish"; license_blue_dot = "Licence";
+        host_selection = "Applications"; running_blue_dot = "Running"; copy_files_blue_dot = "Installation";
+        register_blue_dot = "End"; license_instructions = "Read this"; select_host = "Choose";
+        copy_files_title = "Installing %@"; register_title = "The end"; host_running_title = "Quit it";
+        thank_you = "Thanks"; install_failed = "%@ failed"; main_wnd_title_fmt = "%@ Setup"; done = "Done";
+        installing_file = "Installing ";)");
+    writeFile(resources / "en.lproj/license.txt", "Be nice");
+    writeFile(resources / "en.lproj/register.rtf", "{\\rtf1 Enjoy}");
+    writeFile(resources / "en.lproj/host_running.rtf", "{\\rtf1 Quit %HOSTNAME%}");
+    writeFile(resources / "en.lproj/proceed.rtf", "{\\rtf1 Go on with %PRODUCTNAME%}");
+    writeFile(machine_.payload("PHOTOSHOP_PLUGINS/Filter.plugin/Contents/x"), "x");
+  }
+
+  void start() {
+    wizard_ = std::make_unique<SetupController>(platform_);
+    own_ = wizard_->observe([this](std::string_view key, KeyValueObserving::Moment moment) {
+      if (key == "installProgress") return;
+      announced_ += (moment == KeyValueObserving::Moment::willChange ? "+" : "-") + std::string(key) + " ";
+    });
+    ASSERT_TRUE(wizard_->loadMainWindow());
+    window_ = machine_.toolkit.interfaces.front();
+  }
+  void press(const char* action) { wizard_->performAction(action, "button"); }
+  void startAtHosts() {
+    start();
+    press("nextView:");
+  }
+
+  /// Heading, captions with "-" for a button that cannot be pressed, and the views that can be seen.
+  [[nodiscard]] std::string shown() const {
+    std::string text = wizard_->mainLabelText() + " [" + (wizard_->enableBackward() ? "" : "-") +
+                       wizard_->goBackwardsText() + "|" + (wizard_->enableForward() ? "" : "-") +
+                       wizard_->goForwardText() + "]";
+    for (const auto& [name, view] : window_->views) {
+      if (name.ends_with("View") && name != "dynamicView" && name != "stepIndicatorView" && !view->isHidden) {
+        text += " " + name;
+      }
+    }
+    return text;
+  }
+
+  /// The step list from its top: labels, with "*" for one that is highlighted.
+  [[nodiscard]] std::string steps() const {
+    std::map<double, std::string, std::greater<>> rows;
+    for (const auto& row : machine_.toolkit.interfaces) {
+      if (row->name != "Step Indicator") continue;
+      const auto& label = *row->views.at("label");
+      const auto& dot = dynamic_cast<const RecordingImage&>(*row->views.at("indicator")->image);
+      const bool isBlue = dot.name.ends_with("/DotBlue.tiff");
+      EXPECT_EQ(isBlue, label.isBold && label.colour == TextColour::black);
+      rows[row->views.at("stepIndicatorView")->place.origin.y] += label.text + (isBlue ? "* " : " ");
+    }
+    std::string text;
+    for (const auto& [y, row] : rows) text += std::to_string(static_cast<int>(y)) + " " + row;
+    return text;
+  }
+
+  std::unique_ptr<SetupController> wizard_;
+  KeyValueObserving::Observation own_;
+  std::string announced_;
+  std::shared_ptr<RecordingInterface::Parts> window_;
+};
+
+TEST_F(SetupControllerTest, ListsItsStepsAndMarksTheCurrentOne) {
+  machine_.addPhotoshop("Adobe Photoshop CS6");
+  machine_.toolkit.frames["stepIndicatorView"] = {{7, 7}, {180, 24}};
+  start();
+  EXPECT_EQ(steps(), "0 Licence* -24 Applications -48 Running -72 Installation -96 End ");
+  EXPECT_EQ(window_->view("stepIndicatorView")->subviews.size(), 5U);
+  EXPECT_EQ(window_->view("dynamicView")->subviews.size(), 5U);
+  press("nextView:");
+  EXPECT_EQ(steps(), "0 Licence -24 Applications* -48 Running -72 Installation -96 End ");
+  press("nextView:");
+  EXPECT_EQ(steps(), "0 Licence -24 Applications -48 Running -72 Installation -96 End* ");
+}
+
+TEST_F(SetupControllerTest, AnnouncesInnerTransitionsInsideOuterOnes) {
+  machine_.addPhotoshop("Adobe Photoshop CS6");
+  startAtHosts();
+  machine_.workspace.running = {"Photoshop CS6"};
+  const std::string will = "+enableForward +enableBackward +mainLabelText +informativeText +successfulInstall ";
+  const std::string did = "-enableForward -enableBackward -mainLabelText -informativeText -successfulInstall ";
+  const std::string captions = "+goBackwardsText -goBackwardsText +goForwardText -goForwardText ";
+  announced_.clear();
+  press("nextView:");
+  EXPECT_EQ(announced_, will + "+enableForward -enableForward " + captions + did);
+
+  machine_.workspace.end("Photoshop CS6");
+  press("previousView:");
+  announced_.clear();
+  press("nextView:");
+  EXPECT_TRUE(
+      announced_.starts_with(will + "+enableForward -enableForward " + will + "+enableForward +enableBackward "))
+      << announced_;
+  const std::string ends = captions + did;
+  EXPECT_TRUE(announced_.ends_with(ends + "-successfulInstall " + ends + ends)) << announced_;
+}
+
+TEST_F(SetupControllerTest, DropsWhatIsAskedForWhileItInstalls) {
+  machine_.addPhotoshop("Adobe Photoshop CS6");
+  startAtHosts();
+  int launches = 0;
+  machine_.authorizations.beforeLaunch = [&] {
+    ++launches;
+    for (const char* const action : {"nextView:", "previousView:", "subViewButtonPress:"}) press(action);
+    EXPECT_FALSE(wizard_->textShouldChange("\n"));
+    EXPECT_TRUE(wizard_->copyInProgress() && !wizard_->windowShouldClose());
+    wizard_->setTicked("foundHosts", 0, false);
+  };
+  // As the buttons are enabled again, before the page has moved on by itself.
+  const auto late = wizard_->observe([&](std::string_view key, KeyValueObserving::Moment moment) {
+    if (key == "copyInProgress" && moment == KeyValueObserving::Moment::didChange) press("nextView:");
+  });
+  press("nextView:");
+  EXPECT_GT(launches, 0);
+  EXPECT_EQ(shown(), "The end [-Back|Finish] registerView");
+  EXPECT_TRUE(wizard_->windowShouldClose());
+  EXPECT_TRUE(wizard_->selectedHosts().size() == 1);
+  EXPECT_EQ(log_.count("Installing Filter.plugin"), 1);
+}
+
+TEST_F(SetupControllerTest, OffersAFolderWhereNothingIsFound) {
+  startAtHosts();
+  EXPECT_EQ(machine_.toolkit.interfaces.back()->name, "CustomInstall");
+  EXPECT_FALSE(wizard_->enableForward()) << "no folder yet";
+  EXPECT_TRUE(wizard_->isCustomInstallChosen());
+  EXPECT_EQ(window_->view("foundHostsController")->selectedRow, 0U);
+  machine_.toolkit.chosenFolder = "/Users/Shared";
+  wizard_->objectForKey("hostsController")->performAction("browseButtonPressed:", "browse");
+  EXPECT_TRUE(wizard_->enableForward());
+  press("nextView:");
+  EXPECT_EQ(shown(), "The end [-Back|Finish] registerView");
+  EXPECT_EQ(readFile(on("/Users/Shared/Filter.plugin/Contents/x")), "x");
+}
 
 TEST_F(SetupControllerTest, ShowsPlaceholdersForWhatIsMissing) {
   fs::remove_all(machine_.inBundle("Resources/en.lproj"));
@@ -25,19 +163,6 @@ TEST_F(SetupControllerTest, ShowsPlaceholdersForWhatIsMissing) {
   ASSERT_TRUE(bare.loadMainWindow());
   EXPECT_EQ(bare.mainLabelText(), "");
   EXPECT_EQ(bare.getIndicatorForStep(0), nullptr);
-}
-
-/// Back from the completion leads to another choice of hosts. The page there does not let anybody go, so it is asked
-/// of the states alone.
-TEST_F(SetupControllerTest, LeadsBackFromTheCompletionToTheHosts) {
-  const auto state = InstallStateController::initWithInstallType(platform_.notifications, 0);
-  LicenseController willing(platform_);
-  willing.sheetDidEnd(AlertAnswer::defaultButton);
-  state->gotoStartingState(nullptr);
-  for (int i = 0; i < 4; ++i) state->advanceStateWithStepController(&willing, nullptr);
-  EXPECT_EQ(state->currentState(), step::completion);
-  state->retreatStateWithStepController(&willing, nullptr);
-  EXPECT_EQ(state->currentState(), step::hosts);
 }
 
 }  // namespace
