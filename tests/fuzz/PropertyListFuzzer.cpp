@@ -5,7 +5,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto value = readPropertyList({reinterpret_cast<const char*>(data), size});
-  if (!value) return 0;
+  if (!value || value->isNone()) return 0;
   const auto text = writePropertyList(*value);
   if (!text) return 0;
   // What is written is read, and written again the same.

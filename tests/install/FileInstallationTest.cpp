@@ -53,7 +53,7 @@ TEST_F(FileInstallationTest, ReplacesWhatIsThereAndHandsItOver) {
 
 TEST_F(FileInstallationTest, ComparesBundlesByVersion) {
   const std::tuple<std::string, std::string, bool> cases[] = {
-      {"3.1", "3.1", true},        {"3.0", "3.1", false},      {"3.9", "3.10", false},
+      {"3.1", "3.1", true},        {"1.1000", "2.1", false},   {"3.9", "3.10", false},
       {"3.1", "", true},           {"", "3.1", false},         {"", "", false},
       {"12345.1", "1234.6", true}, {"3b2.1", "0.2", false},    {"1.2.3.4.5.6", "1.2.3.4.5.7", false},
       {"3.0.9", "3.1", true},      {"1.20240101", "2.1", true}};  // more digits win
@@ -69,7 +69,8 @@ TEST_F(FileInstallationTest, ComparesBundlesByVersion) {
 }
 
 TEST_F(FileInstallationTest, ComparesFilesByDate) {
-  const Paths sources = {source("a"), source("newer"), source("older"), source("equal"), source("empty")};
+  const Paths sources = {source("a"),     source("newer"), source("missing"),
+                         source("older"), source("equal"), source("empty")};
   const std::pair<std::string, int> ages[] = {{"newer", 1}, {"older", -1}, {"equal", 0}};
   for (const auto& [name, seconds] : ages) {
     writeFile(on("/T/" + name), "old");
@@ -124,14 +125,13 @@ TEST_F(FileInstallationTest, ReportsEachFileThatFailsAndGoesOn) {
   EXPECT_EQ(rights_.launchesOf("/bin/rm"), Paths()) << "and is not removed for a full disk";
   EXPECT_EQ(machine_.clock.sleeps, std::vector(32 + 20, std::chrono::microseconds(125)));
   EXPECT_EQ(log_.count("Could not install file: /T/a") + log_.count("Took a delay to verify file late"), 2);
-  EXPECT_NE(log_.count("No space left on device"), 0);
   ASSERT_EQ(machine_.toolkit.alerts.size(), 2U);
   const Alert& alert = machine_.toolkit.alerts[0];
   EXPECT_EQ(alert.title + alert.message + alert.defaultButton + alert.alternateButton, "Title<|/T/a>Go on");
 }
 
 TEST_F(FileInstallationTest, StopsWhenThereAreNoRights) {
-  for (const char* const name : {"a/1", "a/2", "b/3"}) source("PHOTOSHOP_PLUGINS/" + std::string(name));
+  for (const char* const name : {"a/1", "b/2"}) source("PHOTOSHOP_PLUGINS/" + std::string(name));
   const auto host = UnknownHostModel::initWithPlugInPath(platform_, "/Mine");
   for (const std::string tool : {"/bin/cp", "/usr/sbin/chown", "/bin/chmod"}) {
     fs::remove_all(on("/Mine"));
@@ -143,9 +143,11 @@ TEST_F(FileInstallationTest, StopsWhenThereAreNoRights) {
     EXPECT_TRUE(controller.authDenied() && controller.installedPaths().empty()) << tool;
     EXPECT_EQ(rights_.launchesOf(tool).size(), 1U) << "nothing is asked for twice";
     EXPECT_EQ(namesIn(on("/Mine")), "a") << "and no folder made for what would have come after";
-    EXPECT_FALSE(fs::exists(on("/Mine/a/2")));
-    rights_.launches.clear();
   }
+  rights_.statusOfTool = {{"/bin/cp", -60006}};
+  files_.fail(Call::copyItem, std::errc::permission_denied);
+  install({source("1"), source("2")});
+  EXPECT_EQ(namesIn(on("/T")), "");
   EXPECT_TRUE(machine_.toolkit.alerts.empty());
   for (const int code : {5529, 5541}) EXPECT_FALSE(InstallFilesController::isFatalAuthCode(code));
   EXPECT_TRUE(InstallFilesController::isFatalAuthCode(5540));
