@@ -153,8 +153,7 @@ std::optional<SystemCommand> SystemTools::removeAttribute(const Arguments& argum
 std::optional<SystemCommand> SystemTools::updateApplications(const Arguments& /*arguments*/) const {
   const auto folder = volume_.realPath(applicationsFolder_, LastLink::follow, Purpose::change);
   if (!folder) return std::nullopt;
-  if (::access(folder->c_str(), F_OK) != 0)
-    return SystemCommand{findExecutable("true").value_or(""), {}};  // nothing was ever registered
+  if (::access(folder->c_str(), F_OK) != 0) return doNothing({});  // nothing was ever registered
   const auto executable = findExecutable("update-desktop-database");
   if (!executable) return std::nullopt;
   SystemCommand update{*executable, {"-q", *folder}};
