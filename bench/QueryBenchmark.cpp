@@ -21,8 +21,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/FolderQuery.h"
-#include "platform/posix/PollRunLoop.h"
+#include "platform/processes/FolderQuery.h"
+#include "platform/processes/PollRunLoop.h"
 
 namespace fs = std::filesystem;
 

@@ -25,8 +25,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/LinuxAuthorization.h"
-#include "platform/linux/rights/HelperConnection.h"
+#include "platform/rights/HelperConnection.h"
+#include "platform/rights/LinuxAuthorization.h"
 
 namespace {
 

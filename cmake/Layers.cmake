@@ -18,22 +18,51 @@ function(add_layer name)
   endif()
   target_include_directories(${name} ${scope} ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${name} ${scope} ${LAYER_LINKS})
+  check_includes(${name} ${LAYER_SYSTEM_HEADERS} "${LAYER_FOLDERS}" "${LAYER_MAY_INCLUDE}")
+endfunction()
 
+# A program for Contents/Helpers, with a folder of its own or among others.
+#
+#   add_helper(launch FOLDER platform/processes/launch SOURCES launch/launch.cpp)
+function(add_helper name)
+  cmake_parse_arguments(HELPER "" "FOLDER" "MAY_INCLUDE;LINKS;SOURCES" ${ARGN})
+  add_executable(helper-${name} ${HELPER_SOURCES})
+  target_include_directories(helper-${name} PRIVATE ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(helper-${name} PRIVATE ${HELPER_LINKS})
+  set_target_properties(helper-${name} PROPERTIES OUTPUT_NAME ${name}
+                                                  RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/helpers)
+  check_includes(helper-${name} TRUE "${HELPER_FOLDER}" "${HELPER_MAY_INCLUDE}")
+endfunction()
+
+# Checks the sources and headers of the folders whenever one of them has changed, before the target is built.
+function(check_includes target system_headers folders may_include)
   set(checked "")
-  foreach(folder IN LISTS LAYER_FOLDERS)
+  foreach(folder IN LISTS folders)
     file(GLOB files ${PROJECT_SOURCE_DIR}/src/${folder}/*.h ${PROJECT_SOURCE_DIR}/src/${folder}/*.cpp)
     list(APPEND checked ${files})
   endforeach()
-  set(stamp ${PROJECT_BINARY_DIR}/layers/${name}.stamp)
-  list(JOIN LAYER_FOLDERS "," folders)
-  list(JOIN LAYER_MAY_INCLUDE "," allowed)
+  set_property(GLOBAL APPEND PROPERTY CHECKED_SOURCES ${checked})
+  set(stamp ${PROJECT_BINARY_DIR}/layers/${target}.stamp)
+  list(JOIN folders "," folders)
+  list(JOIN may_include "," allowed)
   add_custom_command(
     OUTPUT ${stamp}
     COMMAND ${CMAKE_COMMAND} -DROOT=${PROJECT_SOURCE_DIR}/src -DFOLDERS=${folders} -DALLOWED=${allowed}
-            -DSYSTEM_HEADERS=${LAYER_SYSTEM_HEADERS} -DSTAMP=${stamp} -P ${PROJECT_SOURCE_DIR}/cmake/CheckLayer.cmake
+            -DSYSTEM_HEADERS=${system_headers} -DSTAMP=${stamp} -P ${PROJECT_SOURCE_DIR}/cmake/CheckLayer.cmake
     DEPENDS ${checked} ${PROJECT_SOURCE_DIR}/cmake/CheckLayer.cmake
-    COMMENT "Checking the includes of ${name}"
+    COMMENT "Checking the includes of ${target}"
     VERBATIM)
-  add_custom_target(${name}-includes DEPENDS ${stamp})
-  add_dependencies(${name} ${name}-includes)
+  add_custom_target(${target}-includes DEPENDS ${stamp})
+  add_dependencies(${target} ${target}-includes)
+endfunction()
+
+# Stops when a file below src/ belongs to no layer.
+function(check_layers)
+  get_property(checked GLOBAL PROPERTY CHECKED_SOURCES)
+  file(GLOB_RECURSE sources ${PROJECT_SOURCE_DIR}/src/*.h ${PROJECT_SOURCE_DIR}/src/*.cpp)
+  list(REMOVE_ITEM sources ${checked})
+  if(sources)
+    list(JOIN sources "\n  " sources)
+    message(FATAL_ERROR "These files belong to no layer:\n  ${sources}")
+  endif()
 endfunction()

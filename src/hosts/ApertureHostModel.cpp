@@ -1,7 +1,7 @@
 #include "hosts/ApertureHostModel.h"
 
 #include "foundation/Path.h"
-#include "install/paths/PlugInFilesModel.h"
+#include "payload/PlugInFilesModel.h"
 
 std::shared_ptr<ApertureHostModel> ApertureHostModel::initWithHostName(Platform& platform, std::string name) {
   const std::string pluginFolder = PlugInFilesModel(platform).apertureUserPluginDir();

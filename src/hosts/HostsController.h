@@ -6,12 +6,12 @@
 #include <string>
 #include <string_view>
 
+#include "contract/SetupMainController.h"
+#include "contract/SetupStepController.h"
 #include "hosts/HostsModel.h"
 #include "hosts/UnknownHostModel.h"
 #include "platform/InterfaceOwner.h"
 #include "platform/Platform.h"
-#include "shell/contract/SetupMainController.h"
-#include "shell/contract/SetupStepController.h"
 
 /// The page on which the hosts are chosen, from the list of those found; or none of them, and a folder instead. That is
 /// the custom host, and its screen is made from the interface description "CustomInstall" when it is first needed. This

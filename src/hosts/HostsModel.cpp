@@ -15,7 +15,7 @@
 #include "hosts/PhotoshopHostModel.h"
 #include "hosts/UnknownHostModel.h"
 #include "hosts/UserDirectories.h"
-#include "install/paths/InstallerTexts.h"
+#include "payload/InstallerTexts.h"
 #include "settings/BundleUserDefaults.h"
 
 namespace {

@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 
+#include "contract/SetupStepModel.h"
 #include "hosts/HostModel.h"
 #include "platform/Platform.h"
-#include "shell/contract/SetupStepModel.h"
 
 /// The host applications of the machine, found once when this is made, and the texts of the page on which they are
 /// chosen.

@@ -2,8 +2,8 @@
 
 #include "foundation/Format.h"
 #include "foundation/Path.h"
-#include "install/paths/InstallerTexts.h"
-#include "install/paths/PlugInFilesModel.h"
+#include "payload/InstallerTexts.h"
+#include "payload/PlugInFilesModel.h"
 
 std::shared_ptr<LightRoomHostModel> LightRoomHostModel::initWithHostName(Platform& platform, std::string name) {
   auto model = std::shared_ptr<LightRoomHostModel>(new LightRoomHostModel(platform, std::move(name)));

@@ -10,7 +10,7 @@
 #include "hosts/UnknownHostModel.h"
 #include "install/BundleVersion.h"
 #include "install/InstallFilesController.h"
-#include "install/paths/InstallerTexts.h"
+#include "payload/InstallerTexts.h"
 
 namespace {
 

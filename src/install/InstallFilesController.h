@@ -9,13 +9,13 @@
 #include <string_view>
 #include <vector>
 
+#include "contract/SetupMainController.h"
+#include "contract/SetupStepController.h"
 #include "foundation/Result.h"
 #include "hosts/HostModel.h"
 #include "install/InstallFilesModel.h"
 #include "install/InstallProgress.h"
 #include "platform/Platform.h"
-#include "shell/contract/SetupMainController.h"
-#include "shell/contract/SetupStepController.h"
 
 /// The install page, and the install itself, which also runs without a page. Everything happens on the main thread;
 /// callers must stand being re-entered through the run loop, which is run where a text is shown.

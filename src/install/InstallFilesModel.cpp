@@ -1,7 +1,7 @@
 #include "install/InstallFilesModel.h"
 
 #include "foundation/Format.h"
-#include "install/paths/InstallerTexts.h"
+#include "payload/InstallerTexts.h"
 
 InstallFilesModel::InstallFilesModel(Platform& platform) {
   const Bundle& bundle = platform.bundles.mainBundle();

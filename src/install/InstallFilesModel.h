@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "contract/SetupStepModel.h"
 #include "platform/Platform.h"
-#include "shell/contract/SetupStepModel.h"
 
 /// Texts of the install page; the body text tells what is being done.
 class InstallFilesModel : public SetupStepModel {

@@ -1,6 +1,6 @@
 #include "shell/InstallStateController.h"
 
-#include "shell/contract/SetupStepController.h"
+#include "contract/SetupStepController.h"
 
 std::shared_ptr<InstallStateController> InstallStateController::initWithInstallType(NotificationCenter& notifications,
                                                                                     std::int32_t type) {

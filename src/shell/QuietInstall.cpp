@@ -8,8 +8,8 @@
 #include "foundation/Text.h"
 #include "hosts/HostsModel.h"
 #include "install/InstallFilesController.h"
-#include "install/paths/InstallerTexts.h"
-#include "install/paths/PlugInFilesModel.h"
+#include "payload/InstallerTexts.h"
+#include "payload/PlugInFilesModel.h"
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "contract/SetupMainController.h"
 #include "foundation/NotificationCenter.h"
 #include "hosts/HostsController.h"
 #include "hosts/HostsModel.h"
@@ -14,7 +15,6 @@
 #include "shell/InstallStateController.h"
 #include "shell/SetupViewModel.h"
 #include "shell/StepIndicator.h"
-#include "shell/contract/SetupMainController.h"
 #include "steps/ApertureRunController.h"
 #include "steps/ApertureRunModel.h"
 #include "steps/LicenseController.h"

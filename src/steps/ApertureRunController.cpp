@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "foundation/Path.h"
-#include "install/paths/PlugInFilesModel.h"
+#include "payload/PlugInFilesModel.h"
 #include "steps/ApertureRunModel.h"
 
 void ApertureRunController::didEnterWithModel(std::shared_ptr<SetupStepModel> model, std::shared_ptr<View> withView,

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "contract/SetupStepModel.h"
 #include "platform/InterfaceOwner.h"
 #include "platform/Platform.h"
-#include "shell/contract/SetupStepModel.h"
 
 /// The texts of the page about Aperture, and its icon, which is the key "backgroundImage".
 class ApertureRunModel : public SetupStepModel, public InterfaceOwner {

@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "contract/SetupStepModel.h"
 #include "platform/Platform.h"
-#include "shell/contract/SetupStepModel.h"
 
 /// The licence agreement and the texts of its page.
 class LicenseModel : public SetupStepModel {

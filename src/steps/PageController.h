@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <memory>
 
-#include "shell/contract/SetupMainController.h"
-#include "shell/contract/SetupStepController.h"
+#include "contract/SetupMainController.h"
+#include "contract/SetupStepController.h"
 
 /// What the pages of this folder have in common: one can always go on and back, and the page shows its view from when
 /// it is entered until it is left, which may happen within its entry.

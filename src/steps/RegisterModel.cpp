@@ -1,7 +1,7 @@
 #include "steps/RegisterModel.h"
 
 #include "foundation/Format.h"
-#include "install/paths/InstallerTexts.h"
+#include "payload/InstallerTexts.h"
 #include "steps/PageResource.h"
 
 RegisterModel::RegisterModel(Platform& platform)

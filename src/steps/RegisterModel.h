@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "contract/SetupStepModel.h"
 #include "platform/InterfaceOwner.h"
 #include "platform/Platform.h"
-#include "shell/contract/SetupStepModel.h"
 
 /// What the last page says: the success page, until it is told of a failure. Shows the key "backgroundImage", whose
 /// changes are announced by who changes it.

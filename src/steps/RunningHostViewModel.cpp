@@ -1,7 +1,7 @@
 #include "steps/RunningHostViewModel.h"
 
 #include "foundation/Exception.h"
-#include "install/paths/InstallerTexts.h"
+#include "payload/InstallerTexts.h"
 #include "steps/PageResource.h"
 
 namespace {

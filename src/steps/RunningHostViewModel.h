@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "contract/SetupStepModel.h"
 #include "platform/InterfaceOwner.h"
 #include "platform/Platform.h"
-#include "shell/contract/SetupStepModel.h"
 
 /// The texts of the page that waits for an application to quit. It announces "informativeText" on itself whenever that
 /// text changes, and shows it under that key.

@@ -2,7 +2,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/posix/PropertyList.h"
+#include "platform/propertylist/PropertyList.h"
 
 namespace {
 

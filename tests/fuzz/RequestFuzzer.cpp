@@ -3,9 +3,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/linux/rights/MessageSocket.h"
-#include "platform/linux/rights/Operation.h"
-#include "platform/linux/rights/Request.h"
+#include "platform/rights/MessageSocket.h"
+#include "platform/rights/Operation.h"
+#include "platform/rights/Request.h"
 
 namespace {
 

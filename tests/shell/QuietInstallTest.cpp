@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "platform/linux/rights/HelperAuthorization.h"
+#include "platform/rights/HelperAuthorization.h"
 #include "support/HelperProcess.h"
 
 namespace {

@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "contract/SetupStepController.h"
 #include "shell/InstallStateController.h"
-#include "shell/contract/SetupStepController.h"
 
 namespace {
 

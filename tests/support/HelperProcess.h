@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/rights/HelperConnection.h"
+#include "platform/rights/HelperConnection.h"
 #include "support/TestMachine.h"
 
 /// The account that the tests' helpers serve; it owns nothing but what a test gives it.

@@ -12,7 +12,7 @@
 
 #include "foundation/Exception.h"
 #include "platform/Platform.h"
-#include "platform/posix/PosixFileSystem.h"
+#include "platform/files/PosixFileSystem.h"
 
 // Stand-ins that note what they are asked, do it for real where they can, and fail where a test wants them to.
 

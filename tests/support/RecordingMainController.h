@@ -3,8 +3,8 @@
 #include <functional>
 #include <string>
 
+#include "contract/SetupMainController.h"
 #include "hosts/HostModel.h"
-#include "shell/contract/SetupMainController.h"
 
 /// A wizard that notes what a page announces to it, and offers the hosts that a test gives it.
 class RecordingMainController : public SetupMainController {

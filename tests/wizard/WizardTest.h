@@ -21,8 +21,8 @@
 
 #include "Driving.h"
 #include "platform/posix/FileDescriptor.h"
-#include "platform/qt/QtText.h"
-#include "platform/qt/QtUserInterface.h"
+#include "platform/window/qt/QtText.h"
+#include "platform/window/qt/QtUserInterface.h"
 #include "shell/Wizard.h"
 #include "support/TestMachine.h"
 

@@ -5,7 +5,7 @@
 #include <QTimer>
 #include <string>
 
-#include "platform/posix/WindowModule.h"
+#include "platform/window/WindowModule.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include "foundation/Format.h"
 #include "foundation/Path.h"
 #include "install/InstallFilesController.h"
-#include "install/paths/PlugInFilesModel.h"
+#include "payload/PlugInFilesModel.h"
 
 void InstallFilesController::installAnalytics() {
   const std::string path =

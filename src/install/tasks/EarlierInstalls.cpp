@@ -3,7 +3,7 @@
 
 #include "foundation/Format.h"
 #include "install/InstallFilesController.h"
-#include "install/paths/PlugInFilesModel.h"
+#include "payload/PlugInFilesModel.h"
 
 void InstallFilesController::unInstallForHost(const HostModel& host) {
   const PlugInFilesModel paths(platform_);

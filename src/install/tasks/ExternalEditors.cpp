@@ -7,7 +7,7 @@
 #include "foundation/Path.h"
 #include "hosts/PhotoshopHostModel.h"
 #include "install/InstallFilesController.h"
-#include "install/paths/PlugInFilesModel.h"
+#include "payload/PlugInFilesModel.h"
 
 namespace {
 

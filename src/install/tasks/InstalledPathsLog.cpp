@@ -1,7 +1,7 @@
 #include <string>
 
 #include "install/InstallFilesController.h"
-#include "install/paths/PlugInFilesModel.h"
+#include "payload/PlugInFilesModel.h"
 
 void InstallFilesController::logInstalledPaths() {
   isLogWritten_ = false;

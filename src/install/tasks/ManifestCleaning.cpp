@@ -4,7 +4,7 @@
 #include "foundation/Path.h"
 #include "foundation/Text.h"
 #include "install/InstallFilesController.h"
-#include "install/paths/InstallerTexts.h"
+#include "payload/InstallerTexts.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "foundation/Path.h"
-#include "platform/posix/SystemCalls.h"
+#include "platform/files/SystemCalls.h"
 
 namespace {
 

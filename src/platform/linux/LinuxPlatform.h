@@ -5,23 +5,23 @@
 #include <string>
 
 #include "platform/SystemPlatform.h"
-#include "platform/linux/DesktopEntries.h"
-#include "platform/linux/LinuxAuthorization.h"
+#include "platform/files/PosixFileSystem.h"
+#include "platform/files/Volume.h"
 #include "platform/linux/LinuxProcessor.h"
 #include "platform/linux/LinuxWorkspace.h"
-#include "platform/linux/SystemTools.h"
-#include "platform/posix/BundleOnDisk.h"
-#include "platform/posix/FolderQuery.h"
 #include "platform/posix/MacFolders.h"
 #include "platform/posix/PosixClock.h"
-#include "platform/posix/PosixFileSystem.h"
 #include "platform/posix/PosixIdentifiers.h"
-#include "platform/posix/PosixTasks.h"
 #include "platform/posix/PosixUser.h"
-#include "platform/posix/PropertyListPreferences.h"
 #include "platform/posix/SystemLog.h"
-#include "platform/posix/Volume.h"
-#include "platform/posix/WindowModule.h"
+#include "platform/processes/DesktopEntries.h"
+#include "platform/processes/FolderQuery.h"
+#include "platform/processes/PosixTasks.h"
+#include "platform/propertylist/BundleOnDisk.h"
+#include "platform/propertylist/PropertyListPreferences.h"
+#include "platform/rights/LinuxAuthorization.h"
+#include "platform/rights/SystemTools.h"
+#include "platform/window/WindowModule.h"
 
 /// Linux, installing into a Mac volume.
 class LinuxPlatform : public SystemPlatform {

@@ -8,7 +8,7 @@
 
 #include "foundation/Path.h"
 #include "foundation/Text.h"
-#include "platform/posix/BundleOnDisk.h"
+#include "platform/propertylist/BundleOnDisk.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include "platform/FileSystem.h"
 #include "platform/Log.h"
 #include "platform/Workspace.h"
-#include "platform/linux/ApplicationWatch.h"
-#include "platform/linux/UserSession.h"
-#include "platform/posix/DescriptorRunLoop.h"
-#include "platform/posix/PosixFileSystem.h"
-#include "platform/posix/Volume.h"
+#include "platform/files/PosixFileSystem.h"
+#include "platform/files/Volume.h"
+#include "platform/processes/ApplicationWatch.h"
+#include "platform/processes/DescriptorRunLoop.h"
+#include "platform/processes/UserSession.h"
 
 /// Applications are programs in the Contents/MacOS folder of a bundle, wherever on this system it lies; their display
 /// name is what the bundle calls itself, else its file name. Those that are launched are on the target volume.

@@ -1,0 +1,20 @@
+#include "payload/InstallerTexts.h"
+
+namespace {
+
+std::string installerText(const Platform& platform, const char* key) {
+  return platform.bundles.mainBundle().localizedString(key, "", "installer");
+}
+
+/// A name that folders and files are given. One that leads elsewhere counts as missing: what is installed, and removed,
+/// by that name would be other makers'.
+std::string fileName(const Platform& platform, const char* key) {
+  const std::string name = installerText(platform, key);
+  return name == "." || name == ".." || name.find('/') != std::string::npos ? "" : name;
+}
+
+}  // namespace
+
+std::string companyName(const Platform& platform) { return fileName(platform, "company_name"); }
+std::string productName(const Platform& platform) { return fileName(platform, "product_name"); }
+std::string productPreferencesDomain(const Platform& platform) { return installerText(platform, "app_plist"); }

@@ -1,0 +1,135 @@
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/sendfile.h>
+#include <sys/syscall.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/files/SystemCalls.h"
+
+namespace {
+
+/// Whether another way of copying may do what this one could not: the two file systems do not go together, or this
+/// kernel cannot.
+bool isUnsupported(int error) {
+  return error == EXDEV || error == EINVAL || error == ENOSYS || error == EOPNOTSUPP || error == EPERM;
+}
+
+constexpr std::int64_t mostAtOnce = std::int64_t{1} << 30U;
+
+// Each of these advances offset and length by what it has copied, and stops with an errno value.
+
+int copyInKernel(int source, int target, std::int64_t& offset, std::int64_t& length) {
+  while (length > 0) {
+    off64_t from = offset;
+    off64_t to = offset;
+    const ssize_t copied =
+        ::copy_file_range(source, &from, target, &to, static_cast<std::size_t>(std::min(length, mostAtOnce)), 0);
+    if (copied < 0 && errno == EINTR) continue;
+    if (copied < 0) return errno;
+    if (copied == 0) return EIO;  // the source has become shorter
+    offset += copied;
+    length -= copied;
+  }
+  return 0;
+}
+
+int copyBySendfile(int source, int target, std::int64_t& offset, std::int64_t& length) {
+  if (::lseek(target, offset, SEEK_SET) < 0) return errno;
+  while (length > 0) {
+    off_t from = offset;
+    const ssize_t copied = ::sendfile(target, source, &from, static_cast<std::size_t>(std::min(length, mostAtOnce)));
+    if (copied < 0 && errno == EINTR) continue;
+    if (copied < 0) return errno;
+    if (copied == 0) return EIO;
+    offset += copied;
+    length -= copied;
+  }
+  return 0;
+}
+
+int copyByHand(int source, int target, std::int64_t offset, std::int64_t length) {
+  std::vector<char> buffer(std::size_t{128} * 1024);
+  while (length > 0) {
+    const auto wanted = static_cast<std::size_t>(std::min<std::int64_t>(length, std::ssize(buffer)));
+    const ssize_t got = ::pread(source, buffer.data(), wanted, offset);
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return errno;
+    if (got == 0) return EIO;
+    for (ssize_t written = 0; written < got;) {
+      const ssize_t put =
+          ::pwrite(target, buffer.data() + written, static_cast<std::size_t>(got - written), offset + written);
+      if (put < 0 && errno == EINTR) continue;
+      if (put < 0) return errno;
+      written += put;
+    }
+    offset += got;
+    length -= got;
+  }
+  return 0;
+}
+
+}  // namespace
+
+FileDescriptor openFolderHandle(int folder, const char* name, bool followLink) {
+  return FileDescriptor(::openat(folder, name, O_PATH | O_DIRECTORY | O_CLOEXEC | (followLink ? 0 : O_NOFOLLOW)));
+}
+
+int copyFileRange(int source, int target, std::int64_t offset, std::int64_t length) {
+  // Kernels before 5.19 give 0 for files whose content is made up as it is read; reading by hand tells those from an
+  // end.
+  int error = copyInKernel(source, target, offset, length);
+  if (isUnsupported(error)) error = copyBySendfile(source, target, offset, length);
+  if (isUnsupported(error) || error == EIO) error = copyByHand(source, target, offset, length);
+  return error;
+}
+
+int copyExtendedAttributes(int source, int target) {
+  std::array<char, 4096> few{};
+  ssize_t length = ::flistxattr(source, few.data(), few.size());
+  std::string names;
+  if (length >= 0) {
+    names.assign(few.data(), static_cast<std::size_t>(length));
+  } else if (errno == ERANGE) {
+    length = ::flistxattr(source, nullptr, 0);
+    if (length < 0) return errno;
+    names.resize(static_cast<std::size_t>(length));
+    length = ::flistxattr(source, names.data(), names.size());
+    if (length < 0) return errno;
+    names.resize(static_cast<std::size_t>(length));
+  } else {
+    return errno == ENOTSUP ? 0 : errno;
+  }
+
+  std::vector<char> value;
+  for (std::string_view rest = names; !rest.empty();) {
+    const std::string name(rest.substr(0, rest.find('\0')));
+    rest.remove_prefix(std::min(name.size() + 1, rest.size()));
+    // The other namespaces belong to this system (labels, access control) and not to the file's content.
+    if (!name.starts_with("user.") && !name.starts_with("com.apple.")) continue;
+    const ssize_t size = ::fgetxattr(source, name.c_str(), nullptr, 0);
+    if (size < 0) return errno;
+    value.resize(static_cast<std::size_t>(size));
+    const ssize_t got = ::fgetxattr(source, name.c_str(), value.data(), value.size());
+    if (got < 0) return errno;
+    if (::fsetxattr(target, name.c_str(), value.data(), static_cast<std::size_t>(got), 0) != 0) {
+      return errno == ENOTSUP ? 0 : errno;
+    }
+  }
+  return 0;
+}
+
+int exchangeItems(int folder, const char* name, const char* otherName) {
+  return ::syscall(SYS_renameat2, folder, name, folder, otherName, RENAME_EXCHANGE) != 0 ? errno : 0;
+}
+
+int renameToFreeName(int folder, const char* name, const char* newName) {
+  return ::syscall(SYS_renameat2, folder, name, folder, newName, RENAME_NOREPLACE) != 0 ? errno : 0;
+}

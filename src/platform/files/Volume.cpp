@@ -1,0 +1,149 @@
+#include "platform/files/Volume.h"
+
+#include <fcntl.h>
+#include <limits.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <cerrno>
+#include <optional>
+#include <utility>
+
+#include "foundation/Path.h"
+#include "foundation/Text.h"
+#include "platform/files/SystemCalls.h"
+
+namespace {
+
+constexpr int mostLinks = 40;
+
+/// The target of the link, or nothing when the item is no link.
+std::optional<std::string> readLink(int folder, const std::string& name) {
+  std::array<char, PATH_MAX> target{};
+  const ssize_t length = ::readlinkat(folder, name.c_str(), target.data(), target.size());
+  if (length < 0) return std::nullopt;
+  return std::string(target.data(), static_cast<std::size_t>(length));
+}
+
+/// Pushes the path's components so that the first is on top.
+void pushComponents(std::vector<std::string>& pending, std::string_view path) {
+  const std::vector<std::string_view> components = split(path, '/');
+  for (auto component = components.rbegin(); component != components.rend(); ++component) {
+    if (!component->empty() && *component != ".") pending.emplace_back(*component);
+  }
+}
+
+}  // namespace
+
+/// A path being followed: the folders from the root to where it has come, each open, with their names.
+struct Volume::Walk {
+  std::vector<FileDescriptor> folders = {};  ///< the root first
+  std::vector<std::string> names = {};       ///< of all folders but the root, then what does not exist
+  std::string last = {};                     ///< last component; empty for the root and for what ".." led back to
+  int error = 0;                             ///< why some of names could not be opened, 0 when all could
+
+  [[nodiscard]] int folder() const { return folders.back().get(); }
+
+  void goUp() {
+    if (!names.empty()) names.pop_back();
+    if (folders.size() > names.size() + 1) folders.pop_back();
+    if (folders.size() == names.size() + 1) error = 0;  // back among what exists
+  }
+
+  void goToRoot() {
+    names.clear();
+    folders.resize(1);
+  }
+};
+
+std::string Volume::pathOf(const Walk& walk, std::string path) {
+  for (const std::string& name : walk.names) path = joinPath(path, name);
+  return joinPath(path, walk.last);
+}
+
+Volume::Volume(std::string root, std::string bundlePath) : root_(std::move(root)), bundlePath_(std::move(bundlePath)) {}
+
+Volume::Volume(FileDescriptor rootHandle, std::string root, std::string bundlePath)
+    : rootHandle_(std::move(rootHandle)), root_(std::move(root)), bundlePath_(std::move(bundlePath)) {}
+
+FileDescriptor Volume::openRoot() const {
+  if (!rootHandle_) return openFolderHandle(AT_FDCWD, root_.c_str(), /*followLink=*/true);
+  return FileDescriptor(::fcntl(rootHandle_.get(), F_DUPFD_CLOEXEC, 0));
+}
+
+bool Volume::isInBundle(const std::string& path) const { return isAtOrBelow(path, bundlePath_); }
+
+Result<Volume::Walk> Volume::walk(const std::string& path, LastLink lastLink, Purpose purpose) const {
+  if (!path.starts_with('/')) return Error::posix(std::errc::no_such_file_or_directory, path);
+  if (path.find('\0') != std::string::npos) return Error::posix(std::errc::invalid_argument, path);
+
+  Walk walk;
+  walk.folders.push_back(openRoot());
+  if (!walk.folders.back()) return systemError(errno, root_);
+
+  std::vector<std::string> pending;
+  pushComponents(pending, path);
+  int links = 0;
+  while (!pending.empty()) {
+    const std::string name = std::move(pending.back());
+    pending.pop_back();
+    if (name == "..") {
+      walk.goUp();
+      continue;
+    }
+    const bool isLast = pending.empty();
+    FileDescriptor next;
+    std::optional<std::string> link;
+    if (walk.error == 0 && !isLast) {
+      next = openFolderHandle(walk.folder(), name.c_str(), /*followLink=*/false);
+      if (!next) {
+        walk.error = errno;
+        link = readLink(walk.folder(), name);
+      }
+    } else if (walk.error == 0 && lastLink == LastLink::follow) {
+      link = readLink(walk.folder(), name);
+    }
+    if (link) {
+      if (++links > mostLinks) return Error::posix(std::errc::too_many_symbolic_link_levels, path);
+      if (link->starts_with('/')) walk.goToRoot();
+      pushComponents(pending, *link);
+      walk.error = 0;
+    } else if (isLast) {
+      walk.last = name;
+    } else {
+      if (next) walk.folders.push_back(std::move(next));
+      walk.names.push_back(name);
+    }
+  }
+  if (purpose == Purpose::change && isInBundle(realPathOf(walk))) {
+    return Error::posix(std::errc::read_only_file_system, path);
+  }
+  return walk;
+}
+
+std::string Volume::realPathOf(const Walk& walk) const { return pathOf(walk, root_); }
+
+Result<Volume::Place> Volume::find(const std::string& path, LastLink lastLink, Purpose purpose) const {
+  if (isInBundle(path)) {
+    if (purpose == Purpose::change) return Error::posix(std::errc::read_only_file_system, path);
+    const std::string folder = deletingLastPathComponent(path);
+    Place place{openFolderHandle(AT_FDCWD, folder.c_str(), /*followLink=*/true), lastPathComponent(path), path};
+    if (!place.folder) return systemError(errno, path);
+    return place;
+  }
+  auto walked = walk(path, lastLink, purpose);
+  if (!walked) return walked.error();
+  if (walked->error != 0) return systemError(walked->error, path);
+  std::string resolved = pathOf(*walked, "/");
+  return Place{std::move(walked->folders.back()), walked->last.empty() ? "." : walked->last, std::move(resolved)};
+}
+
+Result<std::string> Volume::realPath(const std::string& path, LastLink lastLink, Purpose purpose) const {
+  if (isInBundle(path)) {
+    if (purpose == Purpose::change) return Error::posix(std::errc::read_only_file_system, path);
+    return path;
+  }
+  const auto walked = walk(path, lastLink, purpose);
+  if (!walked) return walked.error();
+  return realPathOf(*walked);
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "platform/Authorization.h"
+#include "platform/SystemPlatform.h"
+#include "platform/rights/HelperConnection.h"
+
+/// What the helper is started with.
+struct HelperSetup {
+  std::string helpersFolder;  ///< of the installer's bundle
+  std::string volumeRoot;     ///< real and without links
+  Surface surface = Surface::console;
+  std::function<void()> whileAsking = {};  ///< called now and then while the user is asked; may be empty
+};
+
+/// How this process could ask for a password.
+struct AskingMeans {
+  std::string sudo;    ///< path; empty when it is not installed
+  std::string pkexec;  ///< the same
+  bool hasAskpassProgram = false;
+  bool hasTerminal = false;  ///< one that the user types into now
+  bool hasDesktop = false;
+};
+
+/// Those of this process.
+[[nodiscard]] AskingMeans askingMeans();
+
+/// The command to put before the helper's, so that the user is asked where they are looking, and nobody is asked where
+/// nobody looks. Empty when rights cannot be had.
+[[nodiscard]] std::vector<std::string> askingCommand(const AskingMeans& means, Surface surface);
+
+/// Asks the user for a password if the system wants one, starts the helper with administrator rights, and waits until
+/// it is ready. The status tells why there is none: cancelled, or refused for any other reason.
+[[nodiscard]] std::variant<HelperConnection, LaunchStatus> startHelper(const HelperSetup& setup,
+                                                                       const AskingMeans& means);
+
+/// Whether nobody but root and the user of this process can put another program in the place of this one.
+[[nodiscard]] bool isOutOfReachOfOthers(const std::string& program);

@@ -1,0 +1,180 @@
+#include <QBuffer>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTreeWidget>
+#include <cstdlib>
+
+#include "platform/window/qt/QtOpenPanel.h"
+#include "platform/window/qt/QtPalette.h"
+#include "platform/window/qt/QtPicture.h"
+#include "platform/window/qt/QtRichText.h"
+#include "platform/window/qt/WindowTest.h"
+
+namespace {
+
+constexpr const char* viewsForm = R"(<ui version="4.0"><class>top</class><widget class="QWidget" name="top">
+  <property name="geometry"><rect><x>0</x><y>0</y><width>200</width><height>100</height></rect></property>
+  <widget class="QWidget" name="box">
+   <property name="geometry"><rect><x>10</x><y>20</y><width>100</width><height>50</height></rect></property>
+  </widget>
+  <widget class="QLabel" name="label">
+   <property name="geometry"><rect><x>0</x><y>0</y><width>40</width><height>10</height></rect></property>
+  </widget>
+  <widget class="QListWidget" name="list"/></widget></ui>)";
+
+class ToolkitTest : public WindowTest {
+ protected:
+  void picture(const std::string& name, const QImage& image, const char* format) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    ASSERT_TRUE(image.save(&buffer, format));
+    writeFile(machine_.inBundle("Resources/" + name), bytes.toStdString());
+  }
+};
+
+TEST_F(ToolkitTest, ViewsOutliveTheirWidgets) {
+  describe("Views", viewsForm);
+  auto made = load("Views");
+  const auto label = made->textField("label");
+  const auto list = made->listView("list");
+  const auto box = made->view("box");
+  EXPECT_EQ(made->textField("list"), nullptr);
+  EXPECT_EQ(made->listView("label"), nullptr);
+  EXPECT_EQ(made->view("nobody"), nullptr);
+  EXPECT_EQ(made->window("box"), nullptr);
+  made.reset();
+  label->setStringValue("text");
+  label->setFont(true, TextColour::grey);
+  list->selectRow(0);
+  box->addSubview(label);
+  box->setHidden(false);
+  EXPECT_EQ(box->frame().size.width, 0);
+  EXPECT_EQ(box->superview(), nullptr);
+}
+
+TEST_F(ToolkitTest, DescriptionsThatCannotBeUsedAreErrors) {
+  EXPECT_FALSE(toolkit().loadInterface("Missing", owner_));
+  const std::string whole = viewsForm;
+  for (const std::string& damaged : {std::string(), std::string("no description"), whole.substr(0, whole.size() / 2),
+                                     std::string(R"(<ui version="4.0"><class>x</class></ui>)")}) {
+    describe("Damaged", damaged);
+    const auto made = toolkit().loadInterface("Damaged", owner_);
+    ASSERT_FALSE(made) << damaged;
+    EXPECT_NE(made.error().description().find("Damaged"), std::string::npos);
+  }
+  describe("Strange", R"(<ui version="4.0"><class>x</class><widget class="QWidget" name="top">
+                         <widget class="FluxCapacitor" name="flux"/></widget></ui>)");
+  EXPECT_NE(load("Strange")->view("top"), nullptr);
+  EXPECT_GE(log_.count("FluxCapacitor"), 1);
+}
+
+TEST_F(ToolkitTest, PicturesAreSharpAndDamagedOnesAreNone) {
+  QImage image(96, 48, QImage::Format_ARGB32);
+  image.fill(Qt::red);
+  picture("red.tiff", image, "tiff");
+  const auto read = std::dynamic_pointer_cast<const QtPicture>(toolkit().imageNamed("red"));
+  ASSERT_NE(read, nullptr);
+  EXPECT_EQ(read->fitted({24, 24}, 2).size(), QSize(48, 24)) << "two pixels a point, in its own proportions";
+
+  const std::string whole = readFile(machine_.inBundle("Resources/red.tiff"));
+  writeFile(machine_.inBundle("Resources/half.tiff"), whole.substr(0, whole.size() / 2));
+  writeFile(machine_.inBundle("Resources/empty.icns"), "");
+  writeFile(machine_.inBundle("Resources/bad.icns"), std::string("icns\0\0\1\0ic08\x7f\xff\xff\xff", 16));
+  for (const char* const name : {"half", "empty", "bad", "missing"})
+    EXPECT_EQ(toolkit().imageNamed(name), nullptr) << name;
+  writeFile(machine_.onVolume("/icon.png"), "no picture");
+  EXPECT_EQ(toolkit().imageWithContentsOfFile("/icon.png"), nullptr);
+}
+
+TEST(RichTextTest, BecomesADocumentThatCanBeRead) {
+  RichText text("plain\n");
+  text.append("bold 20", {.bold = true, .italic = true, .size = 20});
+  text.append("\nblue", {.colour = RichText::Colour{0, 0, 90}, .alignment = RichText::Alignment::centre});
+  for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
+    const QPalette palette = paletteFor(appearance);
+    QTextDocument document;
+    showRichText(document, text, palette.color(QPalette::Base));
+    EXPECT_EQ(document.toPlainText(), "plain\nbold 20\nblue");
+    const auto format = [&](int block) { return document.findBlockByNumber(block).begin().fragment().charFormat(); };
+    EXPECT_EQ(format(0).fontWeight(), QFont::Normal);
+    EXPECT_EQ(format(1).fontWeight(), QFont::Bold);
+    EXPECT_TRUE(format(1).fontItalic());
+    EXPECT_EQ(format(1).intProperty(QTextFormat::FontPixelSize), 20);
+    EXPECT_EQ(document.lastBlock().blockFormat().alignment(), Qt::AlignHCenter);
+    EXPECT_GE(contrast(format(2).foreground().color(), palette.color(QPalette::Base)), 4.5);
+    for (const auto role : {QPalette::WindowText, QPalette::PlaceholderText}) {
+      EXPECT_GE(contrast(palette.color(role), palette.color(QPalette::Window)), 4.5) << role;
+    }
+  }
+}
+
+class OpenPanelTest : public WindowTest {
+ protected:
+  OpenPanelTest() {
+    for (const char* const folder : {"/Applications/Tools/Plug-Ins", "/Applications/App.app/Contents",
+                                     "/Applications/Flat.plugin", "/Library/.hidden"}) {
+      fs::create_directories(machine_.onVolume(folder));
+    }
+    writeFile(machine_.onVolume("/Applications/file"), "");
+    fs::create_directory_symlink("/", machine_.onVolume("/Applications/link"));
+  }
+
+  std::optional<std::string> choose(const std::string& start, const std::function<void(QDialog&)>& act) {
+    meanwhile([act] {
+      auto* const dialogue = find<QDialog>("openPanel");
+      act(*dialogue);
+      if (dialogue->isVisible()) dialogue->reject();
+    });
+    return toolkit().runOpenPanel({.title = "Title",
+                                   .message = "Message",
+                                   .prompt = "Choose",
+                                   .startFolder = start,
+                                   .shouldShowFilename = [this](const std::string& path) {
+                                     return !machine_.platform.files.exists(path + "/Contents");
+                                   }});
+  }
+  static QStringList shown(const QTreeWidgetItem& item) {
+    QStringList names;
+    for (int i = 0; i < item.childCount(); ++i) names += item.child(i)->text(0);
+    return names;
+  }
+};
+
+TEST_F(OpenPanelTest, ShowsTheFoldersThatTheCallerLets) {
+  const auto chosen = choose("/Applications/Tools", [](QDialog& dialogue) {
+    auto& tree = *dialogue.findChild<QTreeWidget*>("folders");
+    ASSERT_NE(tree.currentItem(), nullptr);
+    EXPECT_EQ(tree.currentItem()->text(0), "Tools");
+    EXPECT_EQ(shown(*tree.currentItem()->parent()), QStringList{"Tools"}) << "no files, links or packages";
+    tree.setFocus();
+    QTest::keyClick(&tree, Qt::Key_Right);
+    QTest::keyClick(&tree, Qt::Key_Down);
+    QTest::keyClick(&tree, Qt::Key_Return);
+  });
+  EXPECT_EQ(chosen, "/Applications/Tools/Plug-Ins");
+}
+
+TEST_F(OpenPanelTest, TakesAPathFromTheKeyboardAndNeverLeavesTheVolume) {
+  const auto type = [](const char* path) {
+    return [path](QDialog& dialogue) {
+      auto& line = *dialogue.findChild<QLineEdit*>("path");
+      line.selectAll();
+      QTest::keyClicks(&line, path);
+      QTest::keyClick(&line, Qt::Key_Return);
+    };
+  };
+  EXPECT_EQ(choose("/nowhere/at/all", type("/Library/../../../Library/")), "/Library");
+  EXPECT_EQ(choose("/", type("/Applications/App.app")), std::nullopt);
+  EXPECT_EQ(choose("/", type("/Applications/Flat.plugin")), std::nullopt);
+  EXPECT_EQ(choose("/", type("/Applications/file")), std::nullopt);
+  EXPECT_EQ(choose("/", type("Library")), std::nullopt);
+  EXPECT_EQ(choose("/", [](QDialog& dialogue) { QTest::keyClick(&dialogue, Qt::Key_Escape); }), std::nullopt);
+}
+
+}  // namespace
