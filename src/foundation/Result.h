@@ -2,7 +2,7 @@
 
 #include <cstdint>
 #include <map>
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -19,13 +19,17 @@ struct Error {
   std::string domain;
   std::int32_t code = 0;
   std::map<std::string, std::string, std::less<>> userInfo = {};
+  std::string subject = {};  ///< what the error is about, mostly a path; may be empty
 
-  /// An error of the file system about `subject` (mostly a path).
+  /// An error of the file system about `subject`.
   static Error posix(std::errc code, std::string_view subject);
 
   [[nodiscard]] bool is(std::errc posixCode) const;
 
-  /// One line for the log: the localized description, or domain and code where there is none.
+  /// Why, without the subject: the localized description, the system's words, or domain and code.
+  [[nodiscard]] std::string reason() const;
+
+  /// One line for the log: the subject, if there is one, and the reason.
   [[nodiscard]] std::string description() const;
 };
 
@@ -48,17 +52,17 @@ class [[nodiscard]] Result {
   std::variant<T, Error> content_;
 };
 
-/// Success, or the error.
+/// Success, or the error. Success costs nothing.
 class [[nodiscard]] Status {
  public:
   Status() = default;
-  Status(Error error) : error_(std::move(error)) {}
+  Status(Error error) : error_(std::make_shared<const Error>(std::move(error))) {}
 
-  [[nodiscard]] explicit operator bool() const { return !error_.has_value(); }
+  [[nodiscard]] explicit operator bool() const { return error_ == nullptr; }
   [[nodiscard]] const Error& error() const { return *error_; }
 
  private:
-  std::optional<Error> error_;
+  std::shared_ptr<const Error> error_;
 };
 
 /// Says at the call that a failure is ignored on purpose; the reason stands in a comment beside it.

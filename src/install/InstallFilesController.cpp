@@ -1,8 +1,23 @@
 #include "install/InstallFilesController.h"
 
+#include <algorithm>
+#include <set>
 #include <utility>
 
-#include "install/launching/OneLineTasksWithOutput.h"
+#include "foundation/Format.h"
+#include "foundation/Path.h"
+#include "install/DestinationFolders.h"
+#include "install/UpgradeRules.h"
+#include "install/tasks/AnalyticsIdentifier.h"
+#include "install/tasks/ApplicationRegistration.h"
+#include "install/tasks/EarlierInstalls.h"
+#include "install/tasks/ExternalEditors.h"
+#include "install/tasks/FileErrorReporting.h"
+#include "install/tasks/InstalledPathsLog.h"
+#include "install/tasks/ManifestCleaning.h"
+#include "payload/InstallerTexts.h"
+
+// The page.
 
 void InstallFilesController::didEnterWithModel(std::shared_ptr<SetupStepModel> model, std::shared_ptr<View> withView,
                                                SetupMainController* withMainController, std::int32_t direction) {
@@ -17,7 +32,7 @@ void InstallFilesController::didEnterWithModel(std::shared_ptr<SetupStepModel> m
     installComplete_ = !fileOpErrorOccurred_;
     setUIText(localized("done"));
     setInProgress(false);
-    authorization_.reset();
+    tools_.release();
     mainController_->nextView(this);
   });
 }
@@ -29,77 +44,122 @@ void InstallFilesController::didProceed(std::int32_t delta) {
   if (delta < 0) installComplete_ = false;
 }
 
-void InstallFilesController::install(const HostList& hosts, bool shouldConfigureLumatraExternalEditors) {
-  setInstallComplete(false);
-  setInProgress(true);
-  authDenied_ = fileOpErrorOccurred_ = installComplete_ = false;
-  installedPaths_.clear();  // the log tells of this install alone
-  failedPaths_.clear();
+// The sequence.
 
+void InstallFilesController::install(const HostList& hosts, bool shouldConfigureLumatraExternalEditors) {
+  begin();
   if (!obtainAuthorization()) {
     platform_.log.write("SFAuthorization permit with rights error");
     setUIText(localized("auth_error"));
-    setInstallComplete(false);
     fileOpErrorOccurred_ = true;
     return;
   }
+  if (!lockVolume()) return;
 
-  planProgress(hosts);
-  installFiles();
-  if (shouldConfigureLumatraExternalEditors) configureLumatraExternalEditors();
-  cleanManifests();
-  runLsregister();
-  for (const auto& host : hosts) {
-    if (fileOpErrorOccurred_ || authDenied_) break;
-    installFiles(*host);
+  const InstallPlan plan = planner().plan(hosts);
+  logSkippedEntries(platform_, plan);
+  installer_.install(plan);
+  noteShortage();
+  const bool isUnchanged = authDenied() || report_.shortage || report_.interruption;
+  if (!isUnchanged) {
+    registerApplications(plan);
+    if (shouldConfigureLumatraExternalEditors) configureLumatraExternalEditors();
+    cleanManifests();
+    runLsregister();
+    logInstalledPaths();
   }
-  logInstalledPaths();
-  endProgress();
+  installer_.finish();
+  noteUnreadable();
+  tools_.unlockVolume();
 }
 
-void InstallFilesController::planProgress(const HostList& hosts) {
-  progress_.start(platform_.files.bytesCopied());
-  if (mainController_ == nullptr) return;
-  for (const PlannedCopy& package : hostIndependentPackages()) planProgressOf(package.source);
-  for (const ProductFolder& folder : productFolders()) {
-    for (const std::string& source : folder.sources) planProgressOf(source);
+void InstallFilesController::noteUnreadable() {
+  // A host that could not be read was not found, and a text that could not be read is empty.
+  for (const Error& error : platform_.files.unreadable()) {
+    platform_.log.write(error.description());
+    report_.unreadable.push_back({error.subject, error});
+    fileOpErrorOccurred_ = true;
   }
-  for (const auto& host : hosts) {
-    for (const auto& [from, to] : payloadOf(*host)) {
-      for (const PlannedCopy& copy : hostFilesFrom(from, to).copies) planProgressOf(copy.source);
+}
+
+void InstallFilesController::begin() {
+  setInstallComplete(false);
+  setInProgress(true);
+  tools_.clearDenied();
+  fileOpErrorOccurred_ = installComplete_ = false;
+  report_ = {};  // the log tells of this install alone
+  shownProgress_ = 0;
+}
+
+void InstallFilesController::run(const InstallPlan& plan) {
+  const bool isPartOfInstall = tools_.isVolumeLocked();
+  if (!isPartOfInstall && !lockVolume()) return;
+  installer_.install(plan);
+  noteShortage();
+  registerApplications(plan);
+  installer_.finish();
+  if (!isPartOfInstall) tools_.unlockVolume();
+}
+
+bool InstallFilesController::lockVolume() {
+  const auto waiting = [&, isShown = false]() mutable {
+    const std::string text = platform_.bundles.mainBundle().localizedString(
+        "waiting_for_installer", "Waiting for another installer to finish…", "Localizable");
+    if (!std::exchange(isShown, true)) platform_.log.write(text);
+    setUIText(text);
+    return !platform_.interruptions.requested();
+  };
+  const Status locked = tools_.lockVolume(waiting);
+  if (locked) return true;
+  if (const auto signal = platform_.interruptions.requested()) {
+    report_.interruption = {*signal, /*wasBeforeCommit=*/true};
+  } else {
+    itemFailed(locked.error().subject, locked.error());
+  }
+  return false;
+}
+
+void InstallFilesController::registerApplications(const InstallPlan& plan) {
+  const std::set<std::string_view> installed(installedPaths().begin(), installedPaths().end());
+  for (const PlannedGroup& group : plan.groups()) {
+    for (const PlannedBatch& batch : group.batches) {
+      for (const PlannedItem& item : batch.items) {
+        if (item.isRegistered && installed.contains(item.target)) registerApplication(platform_, item.target);
+      }
     }
   }
-  showProgress();
-  platform_.files.setWhileBusy([this] {
-    showProgress();
-    platform_.runLoop.runUntilDate(RunLoop::Clock::now());
-  });
 }
 
-void InstallFilesController::planProgressOf(const std::string& source) {
-  if (progress_.isKnown(source)) {
-    progress_.planAgain(source);
-  } else {
-    progress_.plan(source, platform_.files.sizeOfItem(source));
-  }
+void InstallFilesController::noteShortage() {
+  if (!report_.shortage) return;
+  fileOpErrorOccurred_ = true;
+  const std::string text = shortageText(platform_, *report_.shortage);
+  platform_.log.write(text);
+  setUIText(text);
+  platform_.toolkit.runAlertPanel(fileErrorAlert(platform_, text));
 }
 
-void InstallFilesController::showProgress() {
-  announce({"installProgress"}, [] {});
+// What is shown meanwhile.
+
+void InstallFilesController::itemBegins(const PlannedItem& item) {
+  const std::string text = localized("installing_file") + lastPathComponent(item.source);
+  platform_.log.write(text);
+  setUIText(text);
+  if (item.fate == Fate::replaced) platform_.log.write("removing existing file...");
 }
 
-void InstallFilesController::endProgress() {
-  platform_.files.setWhileBusy({});
-  progress_.finishAll();
-  showProgress();
+void InstallFilesController::itemFailed(const std::string& path, const Error& reason) {
+  platform_.log.write(reason.description());
+  report_.failures.push_back({path, reason});
+  fileOpErrorOccurred_ = true;
+  platform_.log.write(formatted("Could not install file: %@", path));
+  platform_.toolkit.runAlertPanel(fileErrorAlert(platform_, "", path));
 }
 
-bool InstallFilesController::obtainAuthorization() {
-  if (authorization_ != nullptr) return true;
-  auto authorization = platform_.authorizations.createAuthorization();
-  if (!authorization->obtain(Authorization::extendRights)) return false;
-  authorization_ = std::move(authorization);
-  return true;
+void InstallFilesController::progressed(const InstallProgress& progress) {
+  if (mainController_ == nullptr) return;
+  announce({"installProgress"}, [&] { shownProgress_ = std::max(shownProgress_, progress.fraction()); });
+  platform_.runLoop.runUntilDate(RunLoop::Clock::now());
 }
 
 void InstallFilesController::setInProgress(bool inProgress) {
@@ -131,23 +191,6 @@ std::string InstallFilesController::localized(std::string_view key) const {
   return platform_.bundles.mainBundle().localizedString(key);
 }
 
-bool InstallFilesController::runTool(const std::string& tool, const std::vector<std::string>& arguments) {
-  return mayGoOnAfter(
-      OneLineTasksWithOutput::stringByLaunchingPath(tool, arguments, *authorization_, /*wait=*/true).error);
+HostList InstallFilesController::selectedHosts() const {
+  return mainController_ == nullptr ? HostList{} : mainController_->selectedHosts();
 }
-
-bool InstallFilesController::runToolWithoutOutput(const std::string& tool, const std::vector<std::string>& arguments) {
-  return mayGoOnAfter(OneLineTasksWithOutput::authorizedLaunchPath(tool, arguments, *authorization_, /*wait=*/true));
-}
-
-bool InstallFilesController::mayGoOnAfter(const std::optional<Error>& error) {
-  if (!error || !isFatalAuthCode(error->code)) return true;
-  authDenied_ = true;
-  return false;
-}
-
-void InstallFilesController::runToolIgnoringResult(const std::string& tool, const std::vector<std::string>& arguments) {
-  static_cast<void>(OneLineTasksWithOutput::stringByLaunchingPath(tool, arguments, *authorization_, /*wait=*/true));
-}
-
-std::string InstallFilesController::ownerText() const { return platform_.user.shortName() + ":admin"; }

@@ -2,28 +2,14 @@
 
 #include <algorithm>
 
-void InstallProgress::start(std::uint64_t bytesCopiedBefore) {
-  *this = {};
-  before_ = bytesCopiedBefore;
-}
-
-void InstallProgress::plan(const std::string& source, std::uint64_t size) {
-  constexpr std::uint64_t handingOver = 500'000;
-  weights_[source] = size + handingOver;
-  planAgain(source);
-}
-
-void InstallProgress::finish(const std::string& source) {
-  const auto found = weights_.find(source);
-  if (found != weights_.end()) finished_ += found->second;
-}
-
-double InstallProgress::fraction(std::uint64_t bytesCopied) {
-  if (isOver_) return 1;
-  const std::uint64_t done = std::max(finished_, bytesCopied - before_);
-  if (planned_ > 0) {
-    const double fraction = static_cast<double>(done) / static_cast<double>(planned_);
-    shown_ = std::clamp(fraction, shown_, 1.0);
-  }
-  return shown_;
+double InstallProgress::fraction() const {
+  constexpr double bytesOfAFile = 50'000;
+  constexpr double staged = 0.9;
+  constexpr double flushed = 0.97;
+  if (phase == Phase::done) return 1;
+  if (phase == Phase::cleaningUp) return flushed;
+  if (phase == Phase::flushing) return staged;
+  const double all = static_cast<double>(planned.bytes) + bytesOfAFile * static_cast<double>(planned.files);
+  const double done = static_cast<double>(copied.bytes) + bytesOfAFile * static_cast<double>(copied.files);
+  return all > 0 ? staged * std::min(done / all, 1.0) : 0;
 }

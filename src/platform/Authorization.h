@@ -4,7 +4,11 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "foundation/Result.h"
+#include "platform/Transaction.h"
 
 /// Result of a privileged launch, in the system's numbering; 0 is success.
 using LaunchStatus = std::int32_t;
@@ -12,6 +16,9 @@ inline constexpr LaunchStatus launchSucceeded = 0;
 inline constexpr LaunchStatus errAuthorizationDenied = -60005;
 inline constexpr LaunchStatus errAuthorizationCanceled = -60006;
 inline constexpr LaunchStatus errAuthorizationToolExecuteFailure = -60031;
+
+/// Domain of errors whose code is a LaunchStatus.
+inline constexpr std::string_view authorizationErrorDomain = "NSOSStatusErrorDomain";
 
 /// Reading end of a launched tool's standard output.
 class CommunicationsPipe {
@@ -47,6 +54,11 @@ class Authorization {
   /// set only when the launch succeeded.
   virtual LaunchStatus executeWithPrivileges(const std::string& toolPath, const std::vector<std::string>& arguments,
                                              std::unique_ptr<CommunicationsPipe>& pipe) = 0;
+
+  /// Begins a transaction on the target volume with these rights, and undoes or removes what an interrupted one left.
+  /// The user is asked for a password here or while items are staged. Fails with authorizationErrorDomain when there
+  /// are no rights to be had, and with device_or_resource_busy when another process holds the lock of the volume.
+  virtual Result<std::unique_ptr<Transaction>> beginTransaction() = 0;
 
   /// Reaps the child process that ends first, whichever it is; does nothing when the installer has no child.
   virtual void waitForAnyChild() = 0;

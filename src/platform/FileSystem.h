@@ -31,6 +31,20 @@ struct WalkedItem {
   std::string path;
   ItemType type = ItemType::other;
   bool isPackage = false;  ///< a folder that people see as one item: an application, a plug-in, a bundle
+  std::uint64_t size = 0;  ///< of a regular file, in bytes
+};
+
+/// The direct entries of a folder.
+struct FolderContents {
+  std::vector<WalkedItem> visible;
+  std::vector<std::string> hidden;  ///< paths
+};
+
+/// Who is told what on a walk. Both of the last may be left out.
+struct WalkHandlers {
+  std::function<void(const WalkedItem&)> visit;
+  std::function<void(const std::string& path)> hidden = {};
+  std::function<void(const Error&)> unreadable = {};  ///< of each folder that cannot be listed; the walk goes on
 };
 
 /// A file open for writing at its start. Closing it is its end of life.
@@ -45,19 +59,26 @@ class WritableFile {
   virtual void writeData(std::string_view data) = 0;
 };
 
-struct PlannedCopy {
-  std::string source;
-  std::string target;
+/// How much there is in an item and below it.
+struct TreeSize {
+  std::uint64_t bytes = 0;      ///< of content
+  std::uint64_t allocated = 0;  ///< bytes that the item takes on a disk, about
+  std::uint64_t files = 0;      ///< regular files
 };
 
-/// Copies that are going to be asked for. The plan holds as long as this object, which must not outlive its file
-/// system.
-class CopyPlan {
+/// Room on one file system.
+struct DiskSpace {
+  std::uint64_t fileSystem = 0;  ///< tells file systems apart
+  std::uint64_t available = 0;   ///< bytes that this user may still write
+};
+
+/// Keeps other installers from changing the volume as long as it lives.
+class VolumeLock {
  public:
-  CopyPlan() = default;
-  CopyPlan(const CopyPlan&) = delete;
-  CopyPlan& operator=(const CopyPlan&) = delete;
-  virtual ~CopyPlan() = default;
+  VolumeLock() = default;
+  VolumeLock(const VolumeLock&) = delete;
+  VolumeLock& operator=(const VolumeLock&) = delete;
+  virtual ~VolumeLock() = default;
 };
 
 /// The disk. Paths are those of the target volume, or lie inside the installer's own bundle, which is never changed: a
@@ -65,7 +86,7 @@ class CopyPlan {
 /// and never lead out of it. A path that does not start with "/" leads nowhere.
 ///
 /// Changes are made with the rights of this process. Files and folders that it creates belong to the logged-in user and
-/// to the group of the folder that they are in, also when it runs as root; a copy belongs to whom the process runs as.
+/// to the group of the folder that they are in, also when it runs as root. Items are installed by a Transaction.
 class FileSystem {
  public:
   FileSystem() = default;
@@ -86,18 +107,26 @@ class FileSystem {
   virtual Result<std::vector<std::string>> contentsOfDirectory(const std::string& path) const = 0;
 
   /// Visits everything below the folder except hidden items and what lies in packages: a folder before its content,
-  /// entries in ascending byte order. Links are visited, not followed. What cannot be read is passed over. The visitor
-  /// may change the folder's content.
-  virtual void walk(const std::string& folder, const std::function<void(const WalkedItem&)>& visit) const = 0;
+  /// entries in ascending byte order. Links are visited, not followed. A handler may change the folder's content.
+  virtual void walk(const std::string& folder, const WalkHandlers& handlers) const = 0;
+
+  /// The same for a walk that passes over what cannot be listed.
+  void walk(const std::string& folder, const std::function<void(const WalkedItem&)>& visit) const {
+    walk(folder, WalkHandlers{.visit = visit});
+  }
 
   /// The direct entries as walk() shows them.
-  [[nodiscard]] virtual std::vector<WalkedItem> visibleEntries(const std::string& folder) const = 0;
+  virtual Result<FolderContents> entriesOf(const std::string& folder) const = 0;
+  /// The visible ones; none when the folder cannot be listed.
+  [[nodiscard]] std::vector<WalkedItem> visibleEntries(const std::string& folder) const {
+    return entriesOf(folder).valueOr({}).visible;
+  }
 
   /// The bytes of a regular file, at most `limit` of them from its start. Never waits for a writer.
   virtual Result<std::string> readFile(const std::string& path, std::size_t limit) const = 0;
 
-  /// Makes the file with this content, all of it or none: the name changes over to a complete file. Replaces a file or
-  /// a link of that name; fails when a folder has it.
+  /// Creates the file with this content, all of it or none: the name changes over to a complete file, which is on the
+  /// medium by then. Replaces a file or a link of that name; fails when a folder has it.
   virtual Status createFile(const std::string& path, std::string_view content, std::uint32_t permissions) = 0;
 
   /// Opens an existing regular file to be written from its start; what is in it stays until it is overwritten. A link
@@ -115,30 +144,26 @@ class FileSystem {
   /// of a folder's content may be gone.
   virtual Status removeItem(const std::string& path) = 0;
 
-  /// Copies an item with everything below it to a name that is free: permissions, modification times, extended
-  /// attributes and holes in files are kept, links are copied as links. All or nothing: the copy is built under a
-  /// hidden name beside the target and renamed when it is complete, so that neither a failure nor the end of this
-  /// process leaves half of it under the target's name. Fails with file_exists when the name is taken.
-  virtual Status copyItem(const std::string& source, const std::string& target) = 0;
+  /// Sizes of the item and of everything below it. Fails when part of it cannot be read.
+  virtual Result<TreeSize> sizeOfItem(const std::string& path) const = 0;
 
-  /// copyItem() to a name that is taken, by whatever kind of item. At every moment the target is the whole old item or
-  /// the whole new one; after a failure it is the old one. Fails with permission_denied or operation_not_permitted when
-  /// this process may not remove the old item.
-  virtual Status replaceItem(const std::string& source, const std::string& target) = 0;
+  /// Room for an item at the path, whose folder need not exist.
+  virtual Result<DiskSpace> spaceFor(const std::string& path) const = 0;
 
-  /// Bytes of content copied so far, at their turn or ahead of it.
-  [[nodiscard]] virtual std::uint64_t bytesCopied() const = 0;
+  /// Whether a copy from `source` to `target` may share its blocks and need no room.
+  [[nodiscard]] virtual bool mayShareBlocks(const std::string& source, const std::string& target) const = 0;
 
-  /// Bytes of content of the item and of everything below it, of what can be read.
-  [[nodiscard]] virtual std::uint64_t sizeOfItem(const std::string& path) const = 0;
+  /// What could not be looked at so far, for another reason than that there is nothing: whoever asked took it for
+  /// missing. Stays when a later look succeeds. A walk with a handler for this tells the handler instead.
+  [[nodiscard]] virtual std::vector<Error> unreadable() const = 0;
 
-  /// Has `handler` called on this thread every few hundredths of a second while copyItem(), replaceItem() or
-  /// removeItem() take longer than that; an empty one ends it. The handler may ask for anything but changes.
-  virtual void setWhileBusy(std::function<void()> handler) = 0;
+  /// Whether items could be installed into the folder, which need not exist, with administrator rights where those
+  /// reach.
+  virtual Status checkTargetFolder(const std::string& path) const = 0;
+  /// Whether the item could be removed with such rights. Looks at everything below it.
+  virtual Status checkReplaceable(const std::string& path) const = 0;
 
-  /// Says which copies copyItem() and replaceItem() are about to be asked for, in this order; some may be left out. The
-  /// file system may then build them ahead of their turn, under their hidden names. Only that makes a difference: what
-  /// a copy that is asked for does, and how it fails, is the same with and without a plan, and one that is not asked
-  /// for leaves nothing behind.
-  [[nodiscard]] virtual std::unique_ptr<CopyPlan> planCopies(std::vector<PlannedCopy> copies) = 0;
+  /// Takes the lock of the volume. Fails with device_or_resource_busy when another installer has it. There is one lock
+  /// in a process at a time.
+  virtual Result<std::unique_ptr<VolumeLock>> tryLock() = 0;
 };

@@ -7,6 +7,7 @@
 #include "platform/FileSystem.h"
 #include "platform/Folders.h"
 #include "platform/Identifiers.h"
+#include "platform/Interruptions.h"
 #include "platform/LaunchServices.h"
 #include "platform/Log.h"
 #include "platform/MetadataQuery.h"
@@ -41,4 +42,5 @@ struct Platform {
   Log& log;
   User& user;
   Clock& clock;
+  Interruptions& interruptions;
 };

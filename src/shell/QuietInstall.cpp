@@ -2,44 +2,86 @@
 
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "foundation/Format.h"
 #include "foundation/Path.h"
 #include "foundation/Text.h"
 #include "hosts/HostsModel.h"
 #include "install/InstallFilesController.h"
+#include "install/tasks/FileErrorReporting.h"
 #include "payload/InstallerTexts.h"
 #include "payload/PlugInFilesModel.h"
 
 namespace {
 
+/// The summary of an install, for people and for scripts.
 class Summary {
  public:
   Summary(SystemPlatform& system, std::ostream& output) : system_(system), output_(output) {}
 
   void write(const HostList& hosts, const InstallFilesController& controller) {
-    const bool succeeded = !controller.authDenied() && !controller.fileOpErrorOccurred();
+    const InstallReport& report = controller.report();
+    const bool isInterrupted = report.interruption && report.interruption->wasBeforeCommit;
+    const bool succeeded = !controller.authDenied() && !controller.fileOpErrorOccurred() && !isInterrupted;
     line(formatted(succeeded ? text("quiet_succeeded", "%1$@ was installed on %2$@")
                              : text("quiet_failed", "%1$@ was not installed completely on %2$@"),
                    productName(platform()), system_.shownPath("/")));
-    list(text("quiet_hosts", "Hosts found: %@"), hosts.size());
+    writeHosts(hosts);
+    writeItems(report);
+    count(text("quiet_failures", "Failures: %@"), report.failures.size());
+    list(report.failures);
+    if (controller.authDenied()) line("  " + text("quiet_denied", "Administrator rights were refused."));
+    if (report.shortage) line("  " + shortageText(platform(), *report.shortage));
+    const bool isUnexplained =
+        controller.fileOpErrorOccurred() && report.failures.empty() && report.unreadable.empty() && !report.shortage;
+    if (isUnexplained) line("  " + platform().bundles.mainBundle().localizedString("auth_error"));
+    writeRest(report);
+  }
+
+ private:
+  void writeHosts(const HostList& hosts) {
+    count(text("quiet_hosts", "Hosts found: %@"), hosts.size());
     for (const auto& host : hosts) {
       const std::string folder = joinPath({host->plugInPath()});
       line("  " + host->hostName() + (folder.empty() ? "" : "  (" + folder + ")"));
     }
-    list(text("quiet_items", "Items installed: %@"), controller.installedPaths().size());
-    list(text("quiet_failures", "Failures: %@"), controller.failedPaths().size());
-    for (const std::string& path : controller.failedPaths()) line("  " + path);
-    if (controller.authDenied()) line("  " + text("quiet_denied", "Administrator rights were refused."));
-    if (controller.fileOpErrorOccurred() && controller.failedPaths().empty()) {
-      line("  " + platform().bundles.mainBundle().localizedString("auth_error"));
+  }
+
+  void writeItems(const InstallReport& report) {
+    const std::size_t items = report.installedPaths.size();
+    const std::size_t places = report.placeCount();
+    if (items == places) return count(text("quiet_items", "Items installed: %@"), items);
+    line(formatted(text("quiet_items_places", "Items installed: %1$@, in %2$@ places"), std::to_string(items),
+                   std::to_string(places)));
+  }
+
+  void writeRest(const InstallReport& report) {
+    if (!report.unreadable.empty()) {
+      count(text("quiet_unreadable", "Could not be read: %@"), report.unreadable.size());
+      list(report.unreadable);
     }
-    if (controller.isLogWritten()) {
+    if (!report.attributes.empty()) {
+      count(text("quiet_attributes", "Items without the right owner or mode: %@"), report.attributes.size());
+      list(report.attributes);
+    }
+    if (!report.leftBehind.empty()) {
+      count(text("quiet_left", "Hidden items that could not be removed: %@"), report.leftBehind.size());
+      list(report.leftBehind);
+    }
+    if (report.interruption) {
+      const std::string format = report.interruption->wasBeforeCommit
+                                     ? text("quiet_interrupted", "Stopped by signal %@. Nothing was changed.")
+                                     : text("quiet_completed", "Signal %@ came too late to stop.");
+      line(formatted(format, std::to_string(report.interruption->signal)));
+    }
+    if (report.isLogWritten) {
       line(formatted(text("quiet_log", "Log: %@"), system_.shownPath(PlugInFilesModel(platform()).installerLogPath())));
+    } else if (!report.installedPaths.empty()) {
+      line(text("quiet_no_log", "The log of installed paths could not be written."));
     }
   }
 
- private:
   [[nodiscard]] Platform& platform() { return system_.platform(); }
 
   /// A summary is worth having even where a maker's tables do not know it.
@@ -47,7 +89,13 @@ class Summary {
     return platform().bundles.mainBundle().localizedString(key, english, "Localizable");
   }
 
-  void list(const std::string& format, std::size_t count) { line(formatted(format, std::to_string(count))); }
+  void list(const std::vector<ReportedProblem>& problems) {
+    for (const auto& [path, reason] : problems) {
+      const std::string why = reason.reason();
+      line("  " + path + (why.empty() ? "" : ": " + why));
+    }
+  }
+  void count(const std::string& format, std::size_t number) { line(formatted(format, std::to_string(number))); }
   void line(const std::string& text) { output_ << onOneLine(text) << '\n'; }
 
   SystemPlatform& system_;
@@ -56,7 +104,7 @@ class Summary {
 
 }  // namespace
 
-void runQuietInstall(SystemPlatform& system, std::ostream& output) {
+QuietOutcome runQuietInstall(SystemPlatform& system, std::ostream& output) {
   Platform& platform = system.platform();
   InstallFilesController controller(platform);
   const HostsModel model(platform);
@@ -64,4 +112,5 @@ void runQuietInstall(SystemPlatform& system, std::ostream& output) {
   controller.install(hosts, /*shouldConfigureLumatraExternalEditors=*/true);
   Summary(system, output).write(hosts, controller);
   output.flush();
+  return {.signal = platform.interruptions.requested(), .isSummaryWritten = static_cast<bool>(output)};
 }

@@ -1,3 +1,4 @@
+#include <exception>
 #include <iostream>
 #include <string_view>
 #include <vector>
@@ -15,6 +16,10 @@ constexpr int statusOk = 0;
 constexpr int statusUsage = 64;
 constexpr int statusNoInput = 66;
 constexpr int statusUnavailable = 69;
+constexpr int statusSystem = 71;
+constexpr int statusOutput = 74;
+/// Of a program that a signal has ended, as shells tell it: this and the number of the signal.
+constexpr int statusSignal = 128;
 
 int complain(std::string_view what, int status) {
   std::cerr << "Installer: " << onOneLine(what) << '\n';
@@ -25,10 +30,7 @@ int complainOfWindow(const Error& error) {
   return complain("no window: " + error.description() + "; -quiet installs without one", statusUnavailable);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  const std::vector<std::string_view> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+int run(const std::vector<std::string_view>& arguments) {
   const CommandLine line = parseCommandLine(arguments);
   if (!line.problem.empty()) return complain(line.problem, statusUsage);
 
@@ -39,9 +41,22 @@ int main(int argc, char** argv) {
   }
 
   if (line.isQuiet) {
-    runQuietInstall(**system, std::cout);
-    return statusOk;
+    const auto [signal, isSummaryWritten] = runQuietInstall(**system, std::cout);
+    if (signal) return statusSignal + *signal;
+    return isSummaryWritten ? statusOk : complain("the summary cannot be written", statusOutput);
   }
   const Status shown = runWizard((*system)->platform());
-  return shown ? statusOk : complainOfWindow(shown.error());
+  if (!shown) return complainOfWindow(shown.error());
+  const auto signal = (*system)->platform().interruptions.requested();
+  return signal ? statusSignal + *signal : statusOk;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run({argv + (argc > 0 ? 1 : 0), argv + argc});
+  } catch (const std::exception& exception) {  // no memory, mostly
+    return complain(exception.what(), statusSystem);
+  }
 }

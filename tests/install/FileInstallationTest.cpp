@@ -24,8 +24,15 @@ class FileInstallationTest : public MachineTest {
     makeBundle(machine_.payload(name), info);
     return machine_.payload(name).string();
   }
+  void install(const std::shared_ptr<HostModel>& host) { controller_.installFiles(host); }
   void install(const Paths& sources, bool isBundle = false, bool alwaysInstall = true) {
     controller_.installSourceFiles(sources, "/T", isBundle, alwaysInstall);
+  }
+
+  [[nodiscard]] Paths failedPaths() const {
+    Paths paths;
+    for (const ReportedProblem& failure : controller_.report().failures) paths.push_back(failure.path);
+    return paths;
   }
 
   const std::string owner_ = machine_.account().name + ":admin";
@@ -33,22 +40,15 @@ class FileInstallationTest : public MachineTest {
   InstallFilesController controller_{platform_};
 };
 
-TEST_F(FileInstallationTest, ReplacesWhatIsThereAndHandsItOver) {
+TEST_F(FileInstallationTest, StagesAllFlushesAndPutsThemInPlaceInOneGo) {
   writeFile(on("/T/file/inside"), "a folder is in the way");
-  writeFile(on("/T/outside"), "kept");
-  fs::create_symlink("/T/outside", on("/T/link"));
-  fs::create_symlink("/nowhere", on("/T/dangling"));
-  const Paths installed = {"/T/file", "/T/link", "/T/dangling", "/T/plain"};
-  install({source("file"), source("link"), source("dangling"), source("plain")});
-  Paths launches;
-  for (const std::string& path : installed) {
-    launches.push_back("/usr/sbin/chown|-R|" + owner_ + "|" + path);
-    launches.push_back("/bin/chmod|-R|0775|" + path);
-    EXPECT_EQ(readFile(on(path)) + modeOf(on(path)), "new775") << path;
-  }
-  EXPECT_EQ(rights_.launches, launches);
+  const Paths installed = {"/T/file", "/T/plain"};
+  install({source("file"), source("plain")});
+  for (const std::string& path : installed) EXPECT_EQ(readFile(on(path)), "new") << path;
+  EXPECT_EQ(rights_.transaction.steps,
+            (Paths{"stage /T/file", "stage /T/plain", "flush", "commit 0 1", "flush", "finish"}));
   EXPECT_EQ(controller_.installedPaths(), installed);
-  EXPECT_EQ(readFile(on("/T/outside")), "kept");
+  EXPECT_EQ(log_.lines, (Paths{"Installing file", "removing existing file...", "Installing plain"}));
 }
 
 TEST_F(FileInstallationTest, ComparesBundlesByVersion) {
@@ -80,20 +80,11 @@ TEST_F(FileInstallationTest, ComparesFilesByDate) {
   fs::create_directories(on("/T/empty"));
   install(sources, /*isBundle=*/false, /*alwaysInstall=*/false);
   EXPECT_EQ(namesIn(on("/T")), "a empty equal newer older") << "nothing is added beside a file that is newer";
-  EXPECT_EQ(readFile(on("/T/newer")) + readFile(on("/T/older")), "oldnew");
-  EXPECT_EQ(readFile(on("/T/equal")) + readFile(on("/T/empty")), "newnew") << "an empty folder, however new";
+  const Texts contents = {{"newer", "old"}, {"older", "new"}, {"equal", "new"}, {"empty", "new"}};
+  for (const auto& [name, content] : contents) EXPECT_EQ(readFile(on("/T/" + name)), content) << name;
 }
 
-TEST_F(FileInstallationTest, FallsBackToTools) {
-  writeFile(on("/T/b"), "old");
-  files_.fail(Call::copyItem, std::errc::permission_denied, 2);
-  files_.fail(Call::replaceItem, std::errc::permission_denied);
-  install({source("a"), source("b")});
-  EXPECT_EQ(readFile(on("/T/a")) + readFile(on("/T/b")), "newnew");
-  EXPECT_EQ(rights_.launchesOf("/bin/rm"), Paths{"/bin/rm|-fR|/T/b"});
-  EXPECT_EQ(rights_.launchesOf("/bin/cp").front(), "/bin/cp|-R|" + machine_.payload("a").string() + "|/T/a");
-  EXPECT_FALSE(controller_.fileOpErrorOccurred());
-
+TEST_F(FileInstallationTest, MakesFoldersWithToolsWhereTheUserMayNot) {
   controller_.ensureDirExists("/New/Deep/Parent/Folder");
   files_.fail(Call::createDirectory, std::errc::permission_denied, 2);
   rights_.launches.clear();
@@ -105,52 +96,137 @@ TEST_F(FileInstallationTest, FallsBackToTools) {
   }
   EXPECT_EQ(rights_.launches, launches);
   for (const std::string top : {"/New", "/Other"}) {
-    EXPECT_EQ(modeOf(on(top + "/Deep/Parent/Folder")) + modeOf(on(top + "/Deep/Parent")), "775775") << top;
+    EXPECT_EQ(modeOf(on(top + "/Deep/Parent/Folder")), "775") << top;
+    EXPECT_EQ(modeOf(on(top + "/Deep/Parent")), "775") << top;
+    EXPECT_EQ(modeOf(on(top + "/Deep")), "755") << top;
   }
 }
 
 TEST_F(FileInstallationTest, ReportsEachFileThatFailsAndGoesOn) {
   writeFile(on("/T/b"), "old");
-  files_.fail(Call::copyItem, std::errc::no_space_on_device, 2);
-  files_.fail(Call::replaceItem, std::errc::no_space_on_device);
-  rights_.statusOfTool["/bin/cp"] = errAuthorizationToolExecuteFailure;
-  machine_.clock.whileSleeping = [&] {
-    if (machine_.clock.sleeps.size() == 32 + 20) writeFile(on("/T/late"), "new");
+  rights_.transaction.unstageable = {{"/T/a", std::errc::io_error}, {"/T/b", std::errc::permission_denied}};
+  rights_.transaction.uncommittable = {{"/T/late", std::errc::no_such_file_or_directory},
+                                       {"/T/never", std::errc::read_only_file_system}};
+  rights_.transaction.without = {{"/T/c", std::errc::operation_not_permitted}};
+  Paths order;
+  rights_.transaction.before = [&](const std::string& step) {
+    order.push_back(step + " " + std::to_string(machine_.toolkit.alerts.size()));
+    // The item appears after the 20th look.
+    if (step.starts_with("commit")) fs::rename(on("/T/late"), on("/T/hidden"));
   };
-  install({source("a"), source("late"), source("b"), source("c")});
+  writeFile(on("/T/late"), "old");
+  machine_.clock.whileSleeping = [&] {
+    if (machine_.clock.sleeps.size() == 20) fs::rename(on("/T/hidden"), on("/T/late"));
+  };
+  install({source("a"), source("b"), source("c"), source("late"), source("never")});
   EXPECT_TRUE(controller_.fileOpErrorOccurred());
-  EXPECT_EQ(controller_.failedPaths(), (Paths{"/T/a", "/T/b"}));
-  EXPECT_EQ(controller_.installedPaths(), (Paths{"/T/late", "/T/c"}));
+  EXPECT_EQ(failedPaths(), (Paths{"/T/a", "/T/b", "/T/never"}));
+  EXPECT_EQ(controller_.report().failures[1].reason.reason(), "Permission denied");
+  EXPECT_EQ(controller_.installedPaths(), (Paths{"/T/c", "/T/late"}));
+  EXPECT_EQ(controller_.report().attributes.front().path, "/T/c");
   EXPECT_EQ(readFile(on("/T/b")), "old") << "what could not be replaced stays";
-  EXPECT_EQ(rights_.launchesOf("/bin/rm"), Paths()) << "and is not removed for a full disk";
-  EXPECT_EQ(machine_.clock.sleeps, std::vector(32 + 20, std::chrono::microseconds(125)));
-  EXPECT_EQ(log_.count("Could not install file: /T/a") + log_.count("Took a delay to verify file late"), 2);
-  ASSERT_EQ(machine_.toolkit.alerts.size(), 2U);
+  EXPECT_EQ(order, (Paths{"stage /T/a 0", "stage /T/b 1", "stage /T/c 2", "stage /T/late 2", "stage /T/never 2",
+                          "flush 2", "commit 2 3 4 2", "flush 3", "finish 3"}))
+      << "alerts come while staging, and never between two commits";
+  EXPECT_EQ(log_.count("Could not install file: /T/a"), 1);
+  EXPECT_EQ(log_.count("Took a delay to verify file late"), 1);
   const Alert& alert = machine_.toolkit.alerts[0];
   EXPECT_EQ(alert.title + alert.message + alert.defaultButton + alert.alternateButton, "Title<|/T/a>Go on");
 }
 
-TEST_F(FileInstallationTest, StopsWhenThereAreNoRights) {
+TEST_F(FileInstallationTest, ChangesNothingWithoutRights) {
   for (const char* const name : {"a/1", "b/2"}) source("PHOTOSHOP_PLUGINS/" + std::string(name));
   const auto host = UnknownHostModel::initWithPlugInPath(platform_, "/Mine");
-  for (const std::string tool : {"/bin/cp", "/usr/sbin/chown", "/bin/chmod"}) {
-    fs::remove_all(on("/Mine"));
+  for (const LaunchStatus status : {-60005, -60006}) {
     InstallFilesController controller(platform_);
     EXPECT_TRUE(controller.obtainAuthorization());
-    rights_.statusOfTool = {{tool, -60005}};
-    if (tool == "/bin/cp") files_.fail(Call::copyItem, std::errc::permission_denied);
-    controller.installFiles(*host);
-    EXPECT_TRUE(controller.authDenied() && controller.installedPaths().empty()) << tool;
-    EXPECT_EQ(rights_.launchesOf(tool).size(), 1U) << "nothing is asked for twice";
-    EXPECT_EQ(namesIn(on("/Mine")), "a") << "and no folder made for what would have come after";
+    rights_.statusOfTransactions = status;
+    controller.installFiles(host);
+    EXPECT_TRUE(controller.authDenied());
+    EXPECT_EQ(controller.installedPaths(), Paths());
+    EXPECT_FALSE(controller.fileOpErrorOccurred());
+    EXPECT_FALSE(fs::exists(on("/Mine")));
   }
-  rights_.statusOfTool = {{"/bin/cp", -60006}};
-  files_.fail(Call::copyItem, std::errc::permission_denied);
-  install({source("1"), source("2")});
-  EXPECT_EQ(namesIn(on("/T")), "");
+  EXPECT_EQ(rights_.launches, Paths());
   EXPECT_TRUE(machine_.toolkit.alerts.empty());
   for (const int code : {5529, 5541}) EXPECT_FALSE(InstallFilesController::isFatalAuthCode(code));
-  EXPECT_TRUE(InstallFilesController::isFatalAuthCode(5540));
+  for (const int code : {5530, 5540}) EXPECT_TRUE(InstallFilesController::isFatalAuthCode(code));
+}
+
+TEST_F(FileInstallationTest, InstallsOneAfterTheOtherWhereAllTogetherDoNotFit) {
+  const Paths sources = {source("a"), source("b"), source("c")};
+  writeFile(on("/T/b"), "old");
+  // The room is found to be too small only when it is used up.
+  rights_.transaction.roomForItems = 1;
+  install(sources);
+  EXPECT_EQ(controller_.installedPaths(), (Paths{"/T/a", "/T/b", "/T/c"}));
+  EXPECT_EQ(
+      rights_.transaction.steps,
+      (Paths{"stage /T/a", "stage /T/b", "finish",  //
+             "stage /T/a", "flush",      "commit 0", "flush",    "finish", "stage /T/b", "flush", "commit 1", "flush",
+             "finish",     "stage /T/c", "flush",    "commit 2", "flush",  "finish",     "flush", "finish"}));
+  EXPECT_FALSE(controller_.fileOpErrorOccurred());
+
+  // And before anything is begun.
+  rights_.transaction = {};
+  files_.available = 10'000;
+  install(sources);
+  EXPECT_EQ(rights_.transaction.steps.front(), "stage /T/a");
+  EXPECT_EQ(rights_.transaction.steps[1], "flush") << "nothing else is staged first";
+
+  rights_.transaction = {};
+  files_.available = 5'000;
+  install(sources);
+  EXPECT_EQ(rights_.transaction.steps, Paths());
+  EXPECT_TRUE(controller_.fileOpErrorOccurred());
+  EXPECT_EQ(controller_.report().shortage->required, 8192U);
+  EXPECT_EQ(controller_.report().shortage->available, 5'000U);
+  EXPECT_EQ(machine_.toolkit.alerts.back().message, "There is not enough room: 1 MB are needed, 1 MB are available.");
+}
+
+TEST_F(FileInstallationTest, LeavesEverythingAsItWasWhenItIsAskedToEndInTime) {
+  writeFile(on("/T/a"), "old");
+  for (const std::string moment : {"stage /T/b", "flush", "commit 0 1"}) {
+    rights_.transaction = {};
+    machine_.interruptions.signal.reset();
+    rights_.transaction.before = [&](const std::string& step) {
+      if (step == moment) machine_.interruptions.signal = 15;
+    };
+    InstallFilesController controller(platform_);
+    EXPECT_TRUE(controller.obtainAuthorization());
+    controller.installSourceFiles({source("a"), source("b")}, "/T", /*isBundle=*/false, /*alwaysInstall=*/true);
+    const bool isTooLate = moment == "commit 0 1";
+    EXPECT_EQ(readFile(on("/T/a")), isTooLate ? "new" : "old") << moment;
+    EXPECT_EQ(controller.report().interruption->wasBeforeCommit, !isTooLate) << moment;
+    EXPECT_EQ(rights_.transaction.steps.back(), "finish") << moment;
+  }
+}
+
+TEST_F(FileInstallationTest, DoesNotCommitWhatIsNotOnTheMedium) {
+  writeFile(on("/T/a"), "old");
+  rights_.transaction.flushError = std::errc::io_error;
+  install({source("a")});
+  EXPECT_EQ(readFile(on("/T/a")), "old");
+  EXPECT_TRUE(controller_.fileOpErrorOccurred());
+  rights_.transaction.flushError.reset();
+  rights_.transaction.leftBehind = {"/T/.installing"};
+  install({source("a")});
+  EXPECT_EQ(controller_.report().leftBehind.back().path, "/T/.installing");
+}
+
+TEST_F(FileInstallationTest, WaitsForAnotherInstaller) {
+  files_.fail(Call::tryLock, std::errc::device_or_resource_busy, 3);
+  install({source("a")});
+  EXPECT_EQ(readFile(on("/T/a")), "new");
+  EXPECT_EQ(machine_.clock.sleeps.size(), 3U);
+  EXPECT_EQ(log_.count("Waiting for another installer to finish"), 1);
+
+  files_.fail(Call::tryLock, std::errc::device_or_resource_busy, 100);
+  machine_.clock.whileSleeping = [&] { machine_.interruptions.signal = 2; };
+  fs::remove(on("/T/a"));
+  install({source("a")});
+  EXPECT_FALSE(fs::exists(on("/T/a")));
+  EXPECT_EQ(controller_.report().interruption->signal, 2);
 }
 
 TEST_F(FileInstallationTest, SurvivesSourcesAndDestinationsOfAnyShape) {
@@ -172,7 +248,7 @@ TEST_F(FileInstallationTest, SurvivesSourcesAndDestinationsOfAnyShape) {
   const std::string before = modeOf("/etc/passwd");
   install({unreadable, machine_.payload("none"), machine_.payload("outside")});
   failed.insert(failed.end(), {"/T/Pipe.plugin", "/T/none"});
-  EXPECT_EQ(controller_.failedPaths(), failed);
+  EXPECT_EQ(failedPaths(), failed);
   EXPECT_EQ(fs::read_symlink(on("/T/outside")), "/etc/passwd");
   EXPECT_EQ(modeOf("/etc/passwd"), before) << "a link is handed over, not what it leads to";
   EXPECT_EQ(namesIn(on("/T")), "outside");
@@ -185,11 +261,11 @@ TEST_F(FileInstallationTest, CopiesAHostsPayloadToWhereItsFoldersAre) {
   }
   bundleSource("PHOTOSHOP_PLUGINS/Corvane/D.plugin");
   machine_.addPhotoshop("Adobe Photoshop CS6");
-  controller_.installFiles(*PhotoshopHostModel::initWithHostName(platform_, "Adobe Photoshop CS6"));
-  controller_.installFiles(*LightRoomHostModel::initWithHostName(platform_, "Adobe Lightroom"));
-  controller_.installFiles(*UnknownHostModel::initWithPlugInPath(platform_, "/Mine/"));
-  controller_.installFiles(*UnknownHostModel::initWithPlugInPath(platform_, ""));
-  controller_.installFiles(*ApertureHostModel::initWithHostName(platform_, "Aperture"));
+  install(PhotoshopHostModel::initWithHostName(platform_, "Adobe Photoshop CS6"));
+  install(LightRoomHostModel::initWithHostName(platform_, "Adobe Lightroom"));
+  install(UnknownHostModel::initWithPlugInPath(platform_, "/Mine/"));
+  install(UnknownHostModel::initWithPlugInPath(platform_, ""));
+  install(ApertureHostModel::initWithHostName(platform_, "Aperture"));
   const std::string photoshop = "/Applications/Adobe Photoshop CS6/";
   EXPECT_EQ(controller_.installedPaths(),
             (Paths{photoshop + "Presets/a.jsx", photoshop + "Plug-Ins/Corvane/D.plugin", photoshop + "Plug-Ins/deep/c",
@@ -205,7 +281,7 @@ TEST_F(FileInstallationTest, TouchesNoMakersFoldersWithoutAName) {
   for (const fs::path& file : {mine, theirs}) writeFile(file, "");
   controller_.install({}, /*shouldConfigureLumatraExternalEditors=*/true);
   EXPECT_TRUE(fs::exists(mine) && fs::exists(theirs));
-  EXPECT_FALSE(rights_.launches.empty()) << "the rest goes on";
+  EXPECT_FALSE(controller_.fileOpErrorOccurred()) << "the rest goes on";
 }
 
 }  // namespace

@@ -52,14 +52,16 @@ TEST_F(InstallSequenceTest, InstallsWithoutAWindow) {
   for (const std::string& path : controller_.installedPaths()) lines += path + "\n";
   EXPECT_EQ(log(), lines);
 
-  std::string tools;
+  // All items are put in place in one go; then come registration and the log.
+  const Paths& steps = machine_.authorizations.transaction.steps;
+  EXPECT_EQ(steps[6], "flush");
+  EXPECT_EQ(steps[7], "commit 0 1 2 3 4 5");
+  Paths tools;
   for (const std::string& launch : machine_.authorizations.launches) {
-    tools += fs::path(launch.substr(0, launch.find('|'))).filename().string() + " ";
+    tools.push_back(fs::path(launch.substr(0, launch.find('|'))).filename());
   }
-  // Packages, product folders, registration, hosts, log.
-  EXPECT_EQ(tools,
-            "chown chmod xattr chown chmod xattr chown chmod chown chmod lsregister "
-            "chown chmod chown chmod rm touch chown chmod ");
+  EXPECT_EQ(tools, (Paths{"lsregister", "rm", "touch", "chown", "chmod", "mv"}));
+  EXPECT_EQ(log_.count("Not installed: "), 4) << "each with the reason";
 }
 
 TEST_F(InstallSequenceTest, MovesOnByItselfFromThePage) {
@@ -70,7 +72,9 @@ TEST_F(InstallSequenceTest, MovesOnByItselfFromThePage) {
   std::vector<double> shown;
   main_.onProgress = [&] { shown.push_back(controller_.progress()); };
   machine_.authorizations.beforeLaunch = [&] {
-    EXPECT_FALSE(controller_.enableForward() || controller_.enableBackward() || controller_.canProceed(1));
+    EXPECT_FALSE(controller_.enableForward());
+    EXPECT_FALSE(controller_.enableBackward());
+    EXPECT_FALSE(controller_.canProceed(1));
   };
   enter();
   EXPECT_FALSE(wasInProgress || view_->isHidden);
@@ -96,39 +100,58 @@ TEST_F(InstallSequenceTest, MovesOnByItselfFromThePage) {
 TEST_F(InstallSequenceTest, EndsInFailureWithoutRights) {
   machine_.authorizations.canBeObtained = false;
   enter();
-  EXPECT_TRUE(machine_.authorizations.launches.empty() && !controller_.successfulInstall());
+  EXPECT_EQ(machine_.authorizations.launches, Paths());
+  EXPECT_FALSE(controller_.successfulInstall());
   EXPECT_EQ(log_.lines, Paths{"SFAuthorization permit with rights error"});
   EXPECT_NE(main_.announced.find("next"), std::string::npos);
 
   machine_.authorizations.canBeObtained = true;
-  machine_.authorizations.statusOfTool["/usr/sbin/chown"] = -60006;
+  machine_.authorizations.statusOfTransactions = -60006;
+  const fs::path manifest = machine_.inLibrary("Application Support/Corvane/manifest.xml");
+  writeFile(manifest, "");
   enter();
-  EXPECT_TRUE(controller_.authDenied() && controller_.installedPaths().empty() && !controller_.successfulInstall());
+  EXPECT_TRUE(controller_.authDenied());
+  EXPECT_FALSE(controller_.successfulInstall());
   EXPECT_FALSE(fs::exists(on(inPhotoshop_)));
-  EXPECT_EQ(machine_.authorizations.launchesOf("/usr/bin/xattr").size(), 2U) << "the packages are still gone through";
+  EXPECT_TRUE(fs::exists(manifest)) << "nothing is changed";
+  EXPECT_EQ(machine_.authorizations.launches, Paths());
   EXPECT_EQ(log(), "(no such file)");
 
-  machine_.authorizations.statusOfTool.clear();
+  machine_.authorizations.statusOfTransactions = launchSucceeded;
   enter();
   EXPECT_TRUE(controller_.successfulInstall()) << "tried again with everything cleared";
+  EXPECT_FALSE(fs::exists(manifest));
 }
 
 TEST_F(InstallSequenceTest, LogsWhatWasInstalledUpToAFailure) {
   writeFile(on(inPhotoshop_), "old");
-  files_.fail(Call::replaceItem, std::errc::io_error);
+  machine_.authorizations.transaction.unstageable = {{inPhotoshop_, std::errc::io_error}};
   enter();
-  EXPECT_TRUE(controller_.fileOpErrorOccurred() && !controller_.successfulInstall());
+  EXPECT_TRUE(controller_.fileOpErrorOccurred());
+  EXPECT_FALSE(controller_.successfulInstall());
   EXPECT_FALSE(fs::exists(on(inLightroom_))) << "no further host";
   EXPECT_EQ(machine_.toolkit.alerts.size(), 1U);
   const std::string failed = log();
-  EXPECT_TRUE(failed.starts_with(studio_ + "\n") && failed.find(inPhotoshop_) == std::string::npos) << failed;
+  EXPECT_TRUE(failed.starts_with(studio_ + "\n")) << failed;
+  EXPECT_EQ(failed.find(inPhotoshop_), std::string::npos) << failed;
 
+  machine_.authorizations.transaction.unstageable.clear();
   controller_.install({photoshop_}, false);
   const std::string whole = log();
   EXPECT_TRUE(whole.ends_with("/b\n" + inPhotoshop_ + "\n")) << "replaced, not added to: " << whole;
   fs::remove_all(machine_.payload(""));
   controller_.install({photoshop_}, false);
   EXPECT_EQ(log(), whole) << "kept when there is nothing to log";
+}
+
+TEST_F(InstallSequenceTest, FailsWhenPartOfThePayloadCannotBeListed) {
+  // A file where the payload's folder should be cannot be listed by anybody.
+  fs::remove_all(machine_.payload("PHOTOSHOP_PLUGINS"));
+  writeFile(machine_.payload("PHOTOSHOP_PLUGINS"), "");
+  controller_.install(main_.selected, false);
+  EXPECT_TRUE(controller_.fileOpErrorOccurred());
+  EXPECT_EQ(controller_.report().failures.front().path, machine_.payload("PHOTOSHOP_PLUGINS"));
+  EXPECT_FALSE(fs::exists(on(inLightroom_))) << "no further host";
 }
 
 }  // namespace

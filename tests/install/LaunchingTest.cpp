@@ -46,6 +46,7 @@ struct Scripted : Authorization {
     if (status == launchSucceeded) pipe = std::make_unique<Text>(output);
     return status;
   }
+  Result<std::unique_ptr<Transaction>> beginTransaction() override { return Error{}; }
   void waitForAnyChild() override { ++waits; }
 };
 
@@ -67,6 +68,7 @@ TEST(PrivilegedLaunch, DropsTheFirstBlockOfTheOutputAndHalfOfTheStatus) {
   EXPECT_EQ(rights.waits, 5) << "also after a launch that failed, and only when asked";
   rights.status = 0x10000;
   EXPECT_FALSE(authorizedLaunchPath("/bin/tool", {}, rights, /*wait=*/true)) << "the low half is zero";
+  EXPECT_EQ(stringByLaunchingPath("/bin/tool", {}, rights, /*wait=*/true).output, "") << "and there is no pipe";
 }
 
 }  // namespace

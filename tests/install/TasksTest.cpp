@@ -18,7 +18,8 @@ class TasksTest : public MachineTest {
 TEST_F(TasksTest, ListsTheNewestPhotoshopAndTheMakersApplications) {
   writeFile(on(list_), "old");
   controller_.configureLumatraExternalEditors();
-  EXPECT_TRUE(!fs::exists(on(list_)) && controller_.installedPaths().empty()) << "nothing to list";
+  EXPECT_FALSE(fs::exists(on(list_))) << "nothing to list";
+  EXPECT_EQ(controller_.installedPaths(), Paths());
 
   fs::create_directories(on(pelloria_));
   fs::create_directories(on("/Library/Application Support/Corvane/Dunmore 3/Corvane Dunmore 3.app"));
@@ -98,12 +99,29 @@ TEST_F(TasksTest, TellsOfErrorsAndAsksHowToGoOn) {
   EXPECT_EQ(log_.count("File  operation error: broken with file: /file"), 2);
   const Alert& alert = machine_.toolkit.alerts[0];
   EXPECT_EQ(alert.message + alert.defaultButton + alert.alternateButton, "<broken|/file>Go onStop");
+}
 
+TEST_F(TasksTest, KeepTheOldFileWhenTheNewOneCannotBeWritten) {
+  const std::string log = "/Library/Application Support/Corvane/Dunmore 3 Installer.log";
+  writeFile(on(log), "old");
+  writeFile(on(list_), "old");
   fs::create_directories(on(pelloria_));
+  files_.fail(Call::createFile, std::errc::read_only_file_system);
+  controller_.configureLumatraExternalEditors();
+  EXPECT_EQ(readFile(on(list_)), "old");
+  EXPECT_EQ(controller_.installedPaths(), Paths()) << "what was not written is not counted";
+
   controller_.configureLumatraExternalEditors();
   files_.fail(Call::writeData, std::errc::no_space_on_device);
   controller_.logInstalledPaths();
   EXPECT_EQ(log_.count("can't write to installer log file: no room"), 1);
+  EXPECT_EQ(readFile(on(log)), "old");
+  EXPECT_FALSE(controller_.report().isLogWritten);
+  EXPECT_EQ(namesIn(on(log).parent_path()), "Dunmore 3 Installer.log Lumatra X");
+
+  fs::remove_all(on(log).parent_path());
+  controller_.logInstalledPaths();
+  EXPECT_EQ(readFile(on(log)), list_ + "\n") << "the folder is made where it is missing";
 }
 
 TEST_F(TasksTest, GiveTheMachineItsIdentifierOnce) {
@@ -115,7 +133,7 @@ TEST_F(TasksTest, GiveTheMachineItsIdentifierOnce) {
   EXPECT_EQ(modeOf(on(file)), "664");
   controller_.installAnalytics();
   EXPECT_EQ(readFile(on(file)), identifier);
-  EXPECT_EQ(machine_.authorizations.launches.size(), 3U) << "no tool for what is there already";
+  EXPECT_EQ(machine_.authorizations.launchesOf("/usr/bin/touch").size(), 1U) << "no tool for what is there already";
   fs::remove(on(file));
   controller_.installAnalytics();
   EXPECT_NE(readFile(on(file)), identifier) << "another one for another machine";

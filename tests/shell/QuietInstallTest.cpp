@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <sstream>
 
+#include "platform/processes/Executables.h"
 #include "platform/rights/HelperAuthorization.h"
 #include "support/HelperProcess.h"
 
@@ -46,7 +47,10 @@ class QuietInstallTest : public testing::Test {
 
 TEST_F(QuietInstallTest, RefusesATargetThatIsNone) {
   writeFile(folder_.path() / "file", "");
-  for (const std::string& target : {volume_.string(), (folder_.path() / "file").string(), std::string()}) {
+  fs::create_directories(folder_.path() / "empty");
+  fs::create_directories(folder_.path() / "half/Applications");
+  for (const std::string name : {"volume", "file", "empty", "half", ""}) {
+    const std::string target = name.empty() ? "" : folder_.path() / name;
     const Outcome outcome = run("", "-quiet -target '" + target + "'");
     EXPECT_EQ(outcome.status, 66) << target;
     EXPECT_EQ(std::ranges::count(outcome.errors, '\n'), 1) << outcome.errors;
@@ -54,6 +58,10 @@ TEST_F(QuietInstallTest, RefusesATargetThatIsNone) {
   }
   EXPECT_EQ(run("", "-quiet -targte '" + volume_.string() + "'").status, 64);
   EXPECT_FALSE(fs::exists(volume_));
+  EXPECT_EQ(namesIn(folder_.path() / "empty"), "");
+  EXPECT_NE(run("", "-quiet -target '" + (folder_.path() / "half").string() + "'").errors.find("no folder \"Library\""),
+            std::string::npos);
+  EXPECT_EQ(run("", "-quiet").status, 66) << "the root of a Linux system is no Mac volume";
 }
 
 /// On a sample volume that is the user nobody's.
@@ -92,15 +100,16 @@ class QuietInstallAsRootTest : public QuietInstallTest {
 TEST_F(QuietInstallAsRootTest, InstallsForWhoCalledSudo) {
   const Outcome outcome = install();
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
-  EXPECT_TRUE(outcome.says("Hosts found: 4\n") && outcome.says("Failures: 0\n")) << outcome.output;
+  EXPECT_TRUE(outcome.says("Hosts found: 4\n")) << outcome.output;
+  EXPECT_TRUE(outcome.says("Failures: 0\n")) << outcome.output;
   EXPECT_TRUE(outcome.says(volume_.string() + log_));
 
   const std::size_t lines = expectHandedOver(65534);
-  EXPECT_TRUE(outcome.says("Items installed: " + std::to_string(lines) + "\n"));
+  EXPECT_TRUE(outcome.says("Items installed: " + std::to_string(lines) + ", in 28 places\n")) << outcome.output;
   EXPECT_EQ(modeOf(volume_.string() + log_), "644");
   for (const auto& entry : fs::recursive_directory_iterator(volume_ / "Users/nobody")) {
     EXPECT_TRUE(ownerOf(entry.path()).starts_with("65534:")) << entry.path();
-    EXPECT_EQ(entry.path().filename().string().find(".installing-"), std::string::npos) << entry.path();
+    EXPECT_EQ(entry.path().filename().string().find(".installing"), std::string::npos) << entry.path();
   }
   const std::string support = "/Users/nobody/Library/Application Support/Corvane/Pelloria 4/";
   EXPECT_EQ(installed(support + "manifest.xml"), "(no such file)");
@@ -130,10 +139,15 @@ TEST_F(QuietInstallAsRootTest, IsAnotherProductsWithAnotherPayload) {
 
 TEST_F(QuietInstallAsRootTest, SaysWhatFailed) {
   ::mkfifo((payload_ / "PHOTOSHOP_PLUGINS/Corvane/Dunmore 3.plugin/Contents/pipe").c_str(), 0600);
+  writeFile(payload_ / "PHOTOSHOP_PLUGINS/Corvane/\x1b[31mred", "");
   const Outcome outcome = install();
+  EXPECT_EQ(outcome.errors.find('\x1b'), std::string::npos) << "control characters are escaped";
   EXPECT_EQ(outcome.status, 0);
   EXPECT_TRUE(outcome.output.starts_with("Dunmore 3 was not installed completely on ")) << outcome.output;
-  EXPECT_TRUE(outcome.says("Failures: 1\n  /Applications/Adobe Photoshop CS6/Plug-Ins/Corvane/Dunmore 3.plugin\n"));
+  EXPECT_TRUE(
+      outcome.says("Failures: 1\n  /Applications/Adobe Photoshop CS6/Plug-Ins/Corvane/Dunmore 3.plugin: "
+                   "Operation not supported\n"))
+      << outcome.output;
   EXPECT_NE(outcome.errors.find("A file could not be installed: "), std::string::npos);
   EXPECT_EQ(installed(log_).find("CC 2019"), std::string::npos) << "no further host";
 }
@@ -148,6 +162,27 @@ TEST_F(QuietInstallAsRootTest, AsksNobodyWhereNobodyCanAnswer) {
       << outcome.output << outcome.errors;
   EXPECT_TRUE(outcome.says("Items installed: 0\n")) << outcome.output;
   EXPECT_EQ(namesIn(volume_ / "Library/Application Support"), "Adobe");
+  EXPECT_TRUE(fs::exists(volume_ / "Users/nobody/Library/Application Support/Corvane/Pelloria 4/manifest.xml"));
+}
+
+TEST_F(QuietInstallAsRootTest, TellsAFailureByItsStatus) {
+  EXPECT_EQ(run("SUDO_UID=65534", "-quiet -target '" + volume_.string() + "' >/dev/full; echo $? >" +
+                                      (folder_.path() / "status").string() + "; true")
+                .status,
+            0);
+  EXPECT_EQ(readFile(folder_.path() / "status"), "74\n") << "nobody can read the summary";
+  const std::string program = program_.string();
+  // Two at a time: the second waits for the first, which is held up.
+  const fs::path lock = folder_.path() / "lock";
+  const std::string script = "flock '" + volume_.string() +
+                             "' sleep 1 & sleep 0.2; SUDO_UID=65534 timeout -s TERM 0.4 '" + program +
+                             "' -quiet -target '" + volume_.string() + "' >'" + lock.string() + "' 2>&1; echo $? >>'" +
+                             lock.string() + "'; wait";
+  EXPECT_EQ(std::system(script.c_str()), 0);
+  const std::string said = readFile(lock);
+  EXPECT_NE(said.find("Waiting for another installer to finish"), std::string::npos) << said;
+  EXPECT_NE(said.find("Stopped by signal 15. Nothing was changed.\n"), std::string::npos) << said;
+  EXPECT_TRUE(said.ends_with("124\n") || said.ends_with("143\n")) << said;
 }
 
 /// As an account made for the purpose, which may use sudo, with a program that gives its password.
@@ -194,7 +229,9 @@ class QuietInstallAsUserTest : public QuietInstallAsRootTest {
     if (child == 0) {
       const bool isUser = ::setsid() > 0 && ::initgroups(name_.c_str(), id) == 0 && ::setgid(id) == 0 &&
                           ::setuid(id) == 0 && ::clearenv() == 0 && ::setenv(variable, value.c_str(), 1) == 0;
-      HelperAuthorization authorization(setup);
+      RecordingLog log;
+      const Volume opened(volume, bundle_);
+      HelperAuthorization authorization(opened, setup, log);
       std::unique_ptr<CommunicationsPipe> pipe;
       const auto launch = [&] {
         const auto status = authorization.executeWithPrivileges("/usr/bin/touch", {"/Applications/x"}, pipe);
@@ -219,11 +256,12 @@ class QuietInstallAsUserTest : public QuietInstallAsRootTest {
 TEST_F(QuietInstallAsUserTest, InstallsWithOnePrompt) {
   const Outcome outcome = installAnswering("echo secret");
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
-  EXPECT_TRUE(outcome.says("Hosts found: 4\n") && outcome.says("Failures: 0\n")) << outcome.output << outcome.errors;
+  EXPECT_TRUE(outcome.says("Hosts found: 4\n")) << outcome.output << outcome.errors;
+  EXPECT_TRUE(outcome.says("Failures: 0\n")) << outcome.output << outcome.errors;
   EXPECT_EQ(readFile(asked_), "asked\n");
   const std::string owner = std::to_string(*userNumber(name_)) + ":" + std::to_string(*groupNumber("admin"));
   const std::size_t lines = expectHandedOver(*userNumber(name_));
-  EXPECT_TRUE(lines > 20 && outcome.says("Items installed: " + std::to_string(lines) + "\n")) << outcome.output;
+  EXPECT_TRUE(outcome.says("Items installed: " + std::to_string(lines) + ", in 28 places\n")) << outcome.output;
   EXPECT_EQ(ownerOf(volume_.string() + log_) + " " + modeOf(volume_.string() + log_), owner + " 644");
 
   // Over what root owns now, once more.
@@ -284,8 +322,7 @@ class QuietInstallByPolkitTest : public QuietInstallAsUserTest {
 TEST_F(QuietInstallByPolkitTest, InstallsUnderADesktop) {
   const Outcome outcome = install("setsid -w setpriv --reuid=" + name_ + " --regid=" + name_ +
                                   " --init-groups --reset-env env DISPLAY=:77");
-  EXPECT_TRUE(outcome.says("Items installed: 33\n") && outcome.says("Failures: 0\n"))
-      << outcome.output << outcome.errors;
+  EXPECT_TRUE(outcome.says("Items installed: 33, in 28 places\n")) << outcome.output << outcome.errors;
   EXPECT_EQ(statusOfLaunches("DISPLAY", ":77", volume_), 0);
   EXPECT_EQ(statusOfLaunches("DISPLAY", ":77", folder_.path()), 5) << "nobody there to be asked";
 }

@@ -73,15 +73,17 @@ void HelperTest::SetUp() {
   ::chmod(on("/private/etc/secret").c_str(), 0600);
   handedOver_ = std::to_string(nobody) + ":" + std::to_string(*groupNumber("admin"));
   helper_.emplace(program_, on(""));
-  connection_.emplace(std::move(helper_->socket));
+  connection_ =
+      std::make_shared<HelperConnection>(std::move(helper_->socket), [this](int signal) { signal_ = signal; });
   ASSERT_TRUE(connection_->receiveReady());
 }
 
-LaunchStatus HelperTest::run(const std::string& tool, const std::vector<std::string>& arguments) {
-  std::unique_ptr<CommunicationsPipe> pipe;
-  const LaunchStatus status = connection_->launch({tool, arguments}, pipe);
-  connection_->waitForTool();
-  return status;
+std::string HelperTest::run(const std::string& tool, const std::vector<std::string>& arguments) {
+  const Packet reply = connection_->ask({tool, arguments});
+  if (reply.name != HelperSays::done) return "refused";
+  std::size_t position = 1;
+  const Status done = takeResult(reply, position);
+  return done ? "" : done.error().reason();
 }
 
 void HelperTest::makeOwnFolder(const std::string& path) {

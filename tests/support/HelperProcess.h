@@ -35,8 +35,8 @@ class HelperTest : public MachineTest {
  protected:
   void SetUp() override;
 
-  /// Launches and waits.
-  LaunchStatus run(const std::string& tool, const std::vector<std::string>& arguments);
+  /// Has the helper make a change. Returns why it could not be made, or "refused" when there is no such change.
+  std::string run(const std::string& tool, const std::vector<std::string>& arguments);
   /// A folder of the user's.
   void makeOwnFolder(const std::string& path);
 
@@ -44,5 +44,6 @@ class HelperTest : public MachineTest {
   std::string handedOver_;
   fs::path program_;
   std::optional<HelperProcess> helper_;
-  std::optional<HelperConnection> connection_;
+  std::shared_ptr<HelperConnection> connection_;
+  int signal_ = 0;  ///< that the helper told of
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -197,7 +198,89 @@ class RecordingWorkspace : public Workspace {
   std::weak_ptr<TerminationHandler> observer_;
 };
 
-/// Rights that are there unless a test takes them away. Tools run for real.
+/// A real transaction that notes its steps, and fails where a test wants it to.
+class RecordingTransaction : public Transaction {
+ public:
+  struct Script {
+    std::vector<std::string> steps = {};                  ///< "stage TARGET", "flush", "commit N N…", "finish"
+    std::map<std::string, std::errc> unstageable = {};    ///< by target
+    std::map<std::string, std::errc> uncommittable = {};  ///< by target
+    std::map<std::string, std::errc> without = {};        ///< by target: an attribute that cannot be set
+    std::function<void(const std::string& step)> before = [](const std::string&) {};
+    std::optional<std::errc> flushError = std::nullopt;
+    std::vector<std::string> leftBehind = {};
+    std::size_t roomForItems = SIZE_MAX;  ///< how many fit before the disk is full
+  };
+
+  RecordingTransaction(std::unique_ptr<Transaction> real, Script& script) : real_(std::move(real)), script_(script) {}
+
+  Status stage(std::span<const TransactionItem> items, TransactionObserver& observer) override {
+    struct Filter : TransactionObserver {
+      Filter(RecordingTransaction& o, TransactionObserver& t) : owner(o), told(t) {}
+      void willStage(std::size_t item) override {
+        owner.note("stage " + owner.targets_[item]);
+        told.willStage(item);
+      }
+      bool didStage(std::size_t item, const ItemResult& result) override {
+        ItemResult changed = result;
+        const std::string& target = owner.targets_[item];
+        if (const auto fault = owner.script_.unstageable.find(target); fault != owner.script_.unstageable.end()) {
+          changed.status = Error::posix(fault->second, target);
+        }
+        if (owner.staged_++ >= owner.script_.roomForItems) {
+          changed.status = Error::posix(std::errc::no_space_on_device, target);
+        }
+        if (const auto fault = owner.script_.without.find(target); fault != owner.script_.without.end()) {
+          changed.attributes = Error::posix(fault->second, target);
+        }
+        return told.didStage(item, changed);
+      }
+      bool whileBusy(const CopiedAmount& copied) override { return told.whileBusy(copied); }
+      RecordingTransaction& owner;
+      TransactionObserver& told;
+    };
+    for (const TransactionItem& item : items) targets_.emplace_back(item.target);
+    Filter filter(*this, observer);
+    return real_->stage(items, filter);
+  }
+  Status flush(TransactionObserver& observer) override {
+    note("flush");
+    if (script_.flushError) return Error::posix(*script_.flushError, "/");
+    return real_->flush(observer);
+  }
+  std::vector<Status> commit(std::span<const std::size_t> items) override {
+    std::string step = "commit";
+    for (const std::size_t item : items) step += " " + std::to_string(item);
+    note(step);
+    std::vector<Status> results = real_->commit(items);
+    for (std::size_t i = 0; i < items.size(); ++i) {
+      const std::string& target = targets_[items[i]];
+      const auto fault = script_.uncommittable.find(target);
+      if (fault != script_.uncommittable.end()) results[i] = Error::posix(fault->second, target);
+    }
+    return results;
+  }
+  std::vector<Error> finish(TransactionObserver& observer) override {
+    note("finish");
+    staged_ = 0;
+    std::vector<Error> left = real_->finish(observer);
+    for (const std::string& path : script_.leftBehind) left.push_back(Error::posix(std::errc::io_error, path));
+    return left;
+  }
+
+ private:
+  void note(const std::string& step) {
+    script_.before(step);
+    script_.steps.push_back(step);
+  }
+
+  std::unique_ptr<Transaction> real_;
+  Script& script_;
+  std::vector<std::string> targets_;
+  std::size_t staged_ = 0;
+};
+
+/// Rights that are there unless a test takes them away. Changes are made for real.
 class RecordingAuthorizations : public Authorizations {
  public:
   explicit RecordingAuthorizations(Authorizations& real) : real_(real) {}
@@ -205,6 +288,8 @@ class RecordingAuthorizations : public Authorizations {
   std::vector<std::string> launches;  ///< tool and arguments, joined by "|"
   bool canBeObtained = true;
   std::map<std::string, LaunchStatus> statusOfTool = {};  ///< tools that are not run
+  LaunchStatus statusOfTransactions = launchSucceeded;
+  RecordingTransaction::Script transaction;
   std::function<void()> beforeLaunch = [] {};
 
   [[nodiscard]] std::unique_ptr<Authorization> createAuthorization() override {
@@ -230,6 +315,15 @@ class RecordingAuthorizations : public Authorizations {
       if (status != owner.statusOfTool.end()) return status->second;
       return real->executeWithPrivileges(toolPath, arguments, pipe);
     }
+    Result<std::unique_ptr<Transaction>> beginTransaction() override {
+      owner.beforeLaunch();
+      if (owner.statusOfTransactions != launchSucceeded) {
+        return Error{.domain = std::string(authorizationErrorDomain), .code = owner.statusOfTransactions};
+      }
+      auto begun = real->beginTransaction();
+      if (!begun) return begun.error();
+      return std::unique_ptr<Transaction>(std::make_unique<RecordingTransaction>(std::move(*begun), owner.transaction));
+    }
     void waitForAnyChild() override { real->waitForAnyChild(); }
 
     RecordingAuthorizations& owner;
@@ -239,14 +333,28 @@ class RecordingAuthorizations : public Authorizations {
   Authorizations& real_;
 };
 
+/// A program that is asked to end when a test wants it to be.
+class RecordingInterruptions : public Interruptions {
+ public:
+  std::optional<int> signal;
+
+  [[nodiscard]] std::optional<int> requested() const override { return signal; }
+  [[nodiscard]] Observation observe(std::function<void()> handler) override {
+    observer = std::move(handler);
+    return nullptr;
+  }
+  std::function<void()> observer;
+};
+
 /// The real file system, whose next calls of one kind can be made to fail.
 class FaultyFileSystem : public PosixFileSystem {
  public:
   using PosixFileSystem::PosixFileSystem;
 
-  enum class Call { copyItem, replaceItem, createDirectory, writeData };
+  enum class Call { createDirectory, createFile, writeData, tryLock };
   /// The next calls fail with the error, so many of them.
   void fail(Call call, std::errc error, int times = 1) { faults_[call] = {error, times}; }
+  std::optional<std::uint64_t> available = std::nullopt;  ///< bytes; nothing: what there really is
 
   Result<std::unique_ptr<WritableFile>> openForWriting(const std::string& path) override {
     class BrokenFile : public WritableFile {
@@ -259,13 +367,18 @@ class FaultyFileSystem : public PosixFileSystem {
     const Status status = fault(Call::createDirectory, path);
     return status ? PosixFileSystem::createDirectory(path, permissions) : status;
   }
-  Status copyItem(const std::string& source, const std::string& target) override {
-    const Status status = fault(Call::copyItem, target);
-    return status ? PosixFileSystem::copyItem(source, target) : status;
+  Status createFile(const std::string& path, std::string_view content, std::uint32_t permissions) override {
+    const Status status = fault(Call::createFile, path);
+    return status ? PosixFileSystem::createFile(path, content, permissions) : status;
   }
-  Status replaceItem(const std::string& source, const std::string& target) override {
-    const Status status = fault(Call::replaceItem, target);
-    return status ? PosixFileSystem::replaceItem(source, target) : status;
+  Result<DiskSpace> spaceFor(const std::string& path) const override {
+    auto space = PosixFileSystem::spaceFor(path);
+    if (space && available) space->available = *available;
+    return space;
+  }
+  Result<std::unique_ptr<VolumeLock>> tryLock() override {
+    if (const Status status = fault(Call::tryLock, "/"); !status) return status.error();
+    return PosixFileSystem::tryLock();
   }
 
  private:

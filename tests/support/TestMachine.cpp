@@ -59,9 +59,7 @@ bool TestMachine::layOut() {
         inLibrary("Application Support/Adobe"), inBundle("Helpers")}) {
     fs::create_directories(folder);
   }
-  for (const char* const name : {"chmod", "cp", "launch", "xattr"}) {
-    fs::create_symlink(fs::path(HELPERS_FOLDER) / name, inBundle("Helpers") / name);
-  }
+  fs::create_symlink(fs::path(HELPERS_FOLDER) / "launch", inBundle("Helpers/launch"));
   writeFile(inBundle("Resources/en.lproj/installer.strings"),
             "company_name = Corvane; product_name = \"Dunmore 3\"; app_plist = \"com.corvane.dunmore3\";");
   writeFile(inBundle("Resources/en.lproj/Localizable.strings"), R"(

@@ -49,6 +49,7 @@ class TestMachine {
   [[nodiscard]] fs::path payload(const std::string& path) const { return inBundle("Resources/files") / path; }
   [[nodiscard]] const std::string& home() const { return home_; }
   [[nodiscard]] const UserAccount& account() const { return account_; }
+  [[nodiscard]] const Volume& volume() const { return system_.volume(); }
 
   /// A Photoshop that discovery finds: its application, and a Paths file in the user's preferences.
   void addPhotoshop(const std::string& name);
@@ -57,13 +58,12 @@ class TestMachine {
   TemporaryFolder folder_;
   fs::path volume_ = folder_.path() / "volume";
   fs::path bundle_ = folder_.path() / "Installer.app";
-  UserAccount account_ = loggedInUser();
+  UserAccount account_ = *loggedInUser();
   std::string home_ = "/Users/" + account_.name;
   bool isLaidOut_ = layOut();
-  LinuxPlatform system_{volume_, bundle_, account_,
+  LinuxPlatform system_{Volume(volume_, bundle_), bundle_, account_,
                         [](const WindowServices&) { return std::make_unique<ConsoleInterface>(); }};
   Platform& real_ = system_.platform();
-  Volume faultyVolume_{volume_, bundle_};
   PosixUser user_{account_, {"en"}};
 
   bool layOut();
@@ -74,7 +74,8 @@ class TestMachine {
   RecordingToolkit toolkit;
   RecordingWorkspace workspace;
   RecordingAuthorizations authorizations{real_.authorizations};
-  FaultyFileSystem files{faultyVolume_, user_};
+  RecordingInterruptions interruptions;
+  FaultyFileSystem files{system_.volume(), user_, [](const std::string&) { return false; }};
   Platform platform{.files = files,
                     .bundles = real_.bundles,
                     .folders = real_.folders,
@@ -91,7 +92,8 @@ class TestMachine {
                     .identifiers = real_.identifiers,
                     .log = log,
                     .user = real_.user,
-                    .clock = clock};
+                    .clock = clock,
+                    .interruptions = interruptions};
 };
 
 using Paths = std::vector<std::string>;

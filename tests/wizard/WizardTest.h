@@ -77,7 +77,7 @@ class WizardTest : public testing::Test {
   template <class Walk>
   void run(Walk walk) {
     LinuxPlatform system(
-        volume_, INSTALLER_BUNDLE, user_,
+        Volume(volume_, INSTALLER_BUNDLE), INSTALLER_BUNDLE, user_,
         [](const WindowServices& services) {
           std::string problem;
           return QtUserInterface::make(services, problem);
@@ -125,7 +125,7 @@ class WizardTest : public testing::Test {
       ::open((fs::temp_directory_path() / "installer-wizard-tests").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)};
   TemporaryFolder folder_;
   fs::path volume_ = folder_.path() / "Macintosh HD";
-  const UserAccount user_ = loggedInUser();
+  const UserAccount user_ = *loggedInUser();
   const std::string log_ = "/Library/Application Support/Corvane/Dunmore 3 Installer.log";
   const std::string filter_ = "/Corvane/Dunmore 3.plugin";
   const std::string ownFolder_ = "/Applications/Adobe Photoshop CS5/Plug-Ins";

@@ -19,24 +19,21 @@ std::string decodeOutput(const std::string& bytes) {
   return std::move(*text);
 }
 
-/// The error for a launch status. Its low 16 bits alone count, read as a signed number: callers compare with the codes
-/// that this gives, such as 5530 for a cancelled prompt.
-std::optional<Error> errorFromStatus(LaunchStatus status) {
-  const auto code = static_cast<std::int16_t>(static_cast<std::uint16_t>(static_cast<std::uint32_t>(status)));
-  if (code == 0) return std::nullopt;
-  return makeError(code);
-}
-
 std::optional<Error> launch(const std::string& path, const std::vector<std::string>& arguments,
                             Authorization& authorization, bool wait, std::unique_ptr<CommunicationsPipe>& pipe) {
   const LaunchStatus status = authorization.executeWithPrivileges(path, arguments, pipe);
   // Any child will do: one that was started without waiting may be the one that ends here, and this tool then still
   // runs.
   if (wait) authorization.waitForAnyChild();
-  return errorFromStatus(status);
+  const std::int32_t code = codeFromStatus(status);
+  return code == 0 ? std::nullopt : std::optional(makeError(code));
 }
 
 }  // namespace
+
+std::int32_t codeFromStatus(LaunchStatus status) {
+  return static_cast<std::int16_t>(static_cast<std::uint16_t>(static_cast<std::uint32_t>(status)));
+}
 
 LaunchResult stringByLaunchingPath(Platform& platform, const std::string& path,
                                    const std::vector<std::string>& arguments) {
@@ -66,7 +63,8 @@ LaunchResult stringByLaunchingPath(const std::string& path, const std::vector<st
   std::string text;
   std::array<char, 64> block{};
   bool isFirst = true;
-  while (const std::size_t length = pipe->read(block.data(), block.size())) {
+  // A status whose low half alone is zero counts as success and comes without a pipe.
+  while (const std::size_t length = pipe == nullptr ? 0 : pipe->read(block.data(), block.size())) {
     // The first block is dropped on purpose: it is where the system's launcher may put a greeting of its own.
     // A block that is not UTF-8 by itself (a character may be cut at its end) adds nothing.
     if (!isFirst) text += decodeUtf8({block.data(), length}).value_or("");

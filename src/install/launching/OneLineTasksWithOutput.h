@@ -21,6 +21,10 @@ inline constexpr std::int32_t wroteStandardError = -2;  ///< the text is under s
 
 inline constexpr std::string_view standardErrorKey = "standardError";
 
+/// The code of an error for a launch status: its low 16 bits, read as a signed number, such as 5530 for a cancelled
+/// prompt.
+[[nodiscard]] std::int32_t codeFromStatus(LaunchStatus status);
+
 struct LaunchResult {
   std::optional<std::string> output;  ///< text as the tool wrote it; nothing when the launch failed
   std::optional<Error> error;

@@ -1,19 +1,22 @@
+#include "install/tasks/AnalyticsIdentifier.h"
+
 #include <string>
 
 #include "foundation/Format.h"
 #include "foundation/Path.h"
-#include "install/InstallFilesController.h"
+#include "install/tasks/FileForUser.h"
 #include "payload/PlugInFilesModel.h"
 
-void InstallFilesController::installAnalytics() {
+void installAnalytics(Platform& platform, PrivilegedTools& tools) {
   const std::string path =
-      joinPath(PlugInFilesModel(platform_).companyAppSupportPath(), formatted("%@.guid", "entityresolver"));
+      joinPath(PlugInFilesModel(platform).companyAppSupportPath(), formatted("%@.guid", "entityresolver"));
   // Made once for good: whatever is there, an empty file included, is the machine's identifier.
-  if (platform_.files.exists(path)) return;
-  writeFileForUser({.path = path,
+  if (platform.files.exists(path)) return;
+  writeFileForUser(platform, tools,
+                   {.path = path,
                     .chmodTool = "/bin/chmod",
                     .mode = "0664",
                     .cannotOpen = "can't open guid file handle",
                     .cannotWrite = "can't write to guid file: %@"},
-                   platform_.identifiers.makeUuid() + "\n");
+                   platform.identifiers.makeUuid() + "\n");
 }

@@ -1,26 +1,27 @@
+#include "install/tasks/EarlierInstalls.h"
+
 #include <string>
 #include <vector>
 
 #include "foundation/Format.h"
-#include "install/InstallFilesController.h"
 #include "payload/PlugInFilesModel.h"
 
-void InstallFilesController::unInstallForHost(const HostModel& host) {
-  const PlugInFilesModel paths(platform_);
+void unInstallForHost(Platform& platform, PrivilegedTools& tools, const HostModel& host) {
+  const PlugInFilesModel paths(platform);
   std::vector<std::string> names;
   for (const std::string& folder : {paths.getPlugInDirInBundle(), paths.getAutoLayerDirInBundle()}) {
-    const auto entries = platform_.files.contentsOfDirectory(folder).valueOr({});
+    const auto entries = platform.files.contentsOfDirectory(folder).valueOr({});
     names.insert(names.end(), entries.begin(), entries.end());
   }
 
-  const auto query = platform_.metadataQueries.makeQuery();
+  const auto query = platform.metadataQueries.makeQuery();
   for (const std::string& name : names) {
     const Value value(name);
     query->setPredicate(Predicate::parse("(kMDItemFSName LIKE %@)", {&value, 1}));
     query->setSearchScopes({host.plugInPath()});
     if (!query->startQuery()) continue;
     do {
-      platform_.runLoop.runBeforeDate(RunLoop::Clock::now());
+      platform.runLoop.runBeforeDate(RunLoop::Clock::now());
     } while (query->isGathering());
     const std::size_t count = query->resultCount();
     query->stopQuery();
@@ -28,8 +29,8 @@ void InstallFilesController::unInstallForHost(const HostModel& host) {
       const std::string found = query->valueOfAttribute(kMDItemFSName, i);
       const std::string path = query->valueOfAttribute(kMDItemPath, i);
       // A name with "*" or "?" in it finds others, too, and those are not ours to remove.
-      if (found == name && !runTool("/bin/rm", {"-fR", path})) return;
-      platform_.log.write(formatted("found %@ at %@", found, path));
+      if (found == name && !tools.run("/bin/rm", {"-fR", path})) return;
+      platform.log.write(formatted("found %@ at %@", found, path));
     }
   }
 }

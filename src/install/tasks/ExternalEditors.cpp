@@ -1,3 +1,5 @@
+#include "install/tasks/ExternalEditors.h"
+
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
@@ -6,7 +8,7 @@
 
 #include "foundation/Path.h"
 #include "hosts/PhotoshopHostModel.h"
-#include "install/InstallFilesController.h"
+#include "install/DestinationFolders.h"
 #include "payload/PlugInFilesModel.h"
 
 namespace {
@@ -37,31 +39,34 @@ std::shared_ptr<PhotoshopHostModel> newestPhotoshop(const HostList& hosts) {
 
 }  // namespace
 
-void InstallFilesController::configureLumatraExternalEditors() {
-  const std::string folder = PlugInFilesModel(platform_).appSupportPathForProduct("Lumatra X");
+std::optional<std::string> configureLumatraExternalEditors(Platform& platform, PrivilegedTools& tools,
+                                                           const HostList& foundHosts) {
+  const std::string folder = PlugInFilesModel(platform).appSupportPathForProduct("Lumatra X");
   const std::string list = joinPath(folder, "ExternalEditors.csv");
-  // One that cannot be removed is replaced further down, or stays when there is nothing to list.
-  if (platform_.files.isTaken(list)) ignore(platform_.files.removeItem(list));
-  ensureDirExists(folder);
-  if (authDenied_) return;
+  ensureDirExists(platform, tools, folder);
+  if (tools.isDenied()) return std::nullopt;
 
   std::string text;
-  // Without a window nobody knows the found hosts here, and the list has no Photoshop.
-  if (mainController_ != nullptr) {
-    if (const auto photoshop = newestPhotoshop(mainController_->foundHosts())) {
-      const std::string app = joinPath(photoshop->appPath(), lastPathComponent(photoshop->appPath()) + ".app");
-      text += editorLine(app, photoshop->hostName(), "9");
-    }
+  if (const auto photoshop = newestPhotoshop(foundHosts)) {
+    const std::string app = joinPath(photoshop->appPath(), lastPathComponent(photoshop->appPath()) + ".app");
+    text += editorLine(app, photoshop->hostName(), "9");
   }
   constexpr const char* pelloria = "/Applications/Corvane Pelloria 4.app";
-  if (platform_.files.exists(pelloria)) text += editorLine(pelloria, "Pelloria 4", "4");
+  if (platform.files.exists(pelloria)) text += editorLine(pelloria, "Pelloria 4", "4");
   constexpr const char* dunmore = "/Library/Application Support/Corvane/Dunmore 3/Corvane Dunmore 3.app";
-  if (platform_.files.exists(dunmore)) text += editorLine(dunmore, "Dunmore 3", "4");
-  if (text.empty()) return;
+  if (platform.files.exists(dunmore)) text += editorLine(dunmore, "Dunmore 3", "4");
+  if (text.empty()) {
+    // An old list would name editors that are gone. One that cannot be removed does no more harm than before.
+    if (platform.files.isTaken(list)) ignore(platform.files.removeItem(list));
+    return std::nullopt;
+  }
 
-  // Not worth failing an install for: without a list Lumatra X offers no editors, which is what it did before.
-  const Status created = platform_.files.createFile(list, text, 0644);
-  if (created) static_cast<void>(giveToUser(list));
-  if (!created) platform_.log.write(created.error().description());
-  installedPaths_.push_back(list);
+  // Not worth failing an install for: without a new list Lumatra X offers the editors that it offered before.
+  const Status created = platform.files.createFile(list, text, 0644);
+  if (!created) {
+    platform.log.write(created.error().description());
+    return std::nullopt;
+  }
+  static_cast<void>(giveToUser(platform, tools, list));
+  return list;
 }

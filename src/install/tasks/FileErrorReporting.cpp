@@ -1,30 +1,56 @@
+#include "install/tasks/FileErrorReporting.h"
+
 #include "foundation/Format.h"
-#include "install/InstallFilesController.h"
+#include "foundation/Text.h"
+#include "payload/InstallerTexts.h"
 
-bool InstallFilesController::fileManager(const FileSystem& /*manager*/,
-                                         const Value::Dictionary& shouldProceedAfterError) {
-  fileOpErrorOccurred_ = true;
-  const std::string error = entryOf(shouldProceedAfterError, "Error").text();
-  const std::string path = entryOf(shouldProceedAfterError, "Path").text();
-  failedPaths_.push_back(path);
-  // The two blanks are the message that support staff look for.
-  platform_.log.write(formatted("File  operation error: %@ with file: %@", error, path));
-  Alert alert = fileErrorAlert(error, path);
-  alert.alternateButton = localized("install_error_stop");
-  return platform_.toolkit.runAlertPanel(alert) == AlertAnswer::defaultButton;
+namespace {
+
+/// Megabytes, rounded up, as people read them.
+std::string megabytes(std::uint64_t bytes) {
+  constexpr std::uint64_t megabyte = 1'000'000;
+  return std::to_string((bytes + megabyte - 1) / megabyte) + " MB";
 }
 
-void InstallFilesController::showFileErrorUI(const std::string& path) { reportFailedFile(path); }
-
-void InstallFilesController::reportFailedFile(const std::string& path) {
-  fileOpErrorOccurred_ = true;
-  failedPaths_.push_back(path);
-  platform_.log.write(formatted("Could not install file: %@", path));
-  platform_.toolkit.runAlertPanel(fileErrorAlert("", path));
+const char* textOf(SkippedEntry::Reason reason) {
+  switch (reason) {
+    case SkippedEntry::Reason::hidden: return "it is hidden";
+    case SkippedEntry::Reason::notPartOfProduct: return "it is in no bundle and in no folder of the product";
+    case SkippedEntry::Reason::lightroomOnly: return "Lightroom was not selected";
+    case SkippedEntry::Reason::noFileOrFolder: break;
+  }
+  return "it is neither a file nor a bundle";
 }
 
-Alert InstallFilesController::fileErrorAlert(const std::string& errorText, const std::string& path) const {
-  return {.title = localized("install_error_title"),
-          .message = formatted(localized("install_error_format_string"), errorText, path),
-          .defaultButton = localized("install_error_proceed")};
+}  // namespace
+
+Alert fileErrorAlert(const Platform& platform, const std::string& errorText, const std::string& path) {
+  const Bundle& bundle = platform.bundles.mainBundle();
+  return fileErrorAlert(platform, formatted(bundle.localizedString("install_error_format_string"), errorText, path));
+}
+
+Alert fileErrorAlert(const Platform& platform, const std::string& message) {
+  const Bundle& bundle = platform.bundles.mainBundle();
+  return {.title = bundle.localizedString("install_error_title"),
+          .message = message,
+          .defaultButton = bundle.localizedString("install_error_proceed")};
+}
+
+Error errorWithText(const std::string& text) {
+  return {.domain = "FileError", .userInfo = {{std::string(Error::localizedDescriptionKey), text}}};
+}
+
+std::string shortageText(const Platform& platform, const SpaceShortage& shortage) {
+  const std::string format = platform.bundles.mainBundle().localizedString(
+      "no_space", "There is not enough room: %1$@ are needed, %2$@ are available.", "Localizable");
+  return formatted(format, megabytes(shortage.required), megabytes(shortage.available));
+}
+
+void logSkippedEntries(const Platform& platform, const InstallPlan& plan) {
+  if (companyName(platform).empty()) {
+    platform.log.write("The strings table has no company_name: product folders are not installed");
+  }
+  for (const SkippedEntry& entry : plan.skipped()) {
+    platform.log.write(formatted("Not installed: %@ (%@)", entry.path, textOf(entry.reason)));
+  }
 }

@@ -1,23 +1,33 @@
+#include "install/tasks/FileForUser.h"
+
 #include "foundation/Exception.h"
 #include "foundation/Format.h"
-#include "install/InstallFilesController.h"
+#include "foundation/Path.h"
 
-bool InstallFilesController::writeFileForUser(const FileForUser& file, std::string_view text) {
-  // Whether the tools did their work shows when the file is opened, with the user's own rights.
-  runToolIgnoringResult("/usr/bin/touch", {file.path});
-  runToolIgnoringResult("/usr/sbin/chown", {"-R", ownerText(), file.path});
-  runToolIgnoringResult(file.chmodTool, {"-R", file.mode, file.path});
+bool writeFileForUser(Platform& platform, PrivilegedTools& tools, const FileForUser& file, std::string_view content) {
+  // Written under another name: whatever happens meanwhile, the file of this name is whole.
+  const std::string fresh = joinPath(deletingLastPathComponent(file.path), "." + lastPathComponent(file.path) + ".new");
+  tools.runIgnoringResult("/bin/rm", {"-fR", fresh});
+  tools.runIgnoringResult("/usr/bin/touch", {fresh});
+  tools.runIgnoringResult("/usr/sbin/chown", {"-R", tools.ownerText(), fresh});
+  tools.runIgnoringResult(file.chmodTool, {"-R", file.mode, fresh});
 
-  const auto opened = platform_.files.openForWriting(file.path);
+  // Whether the tools did their work shows now, with the user's own rights.
+  const auto opened = platform.files.openForWriting(fresh);
   if (!opened) {
-    platform_.log.write(file.cannotOpen);
+    platform.log.write(file.cannotOpen);
     return false;
   }
   try {
-    (*opened)->writeData(text);
-    return true;
+    (*opened)->writeData(content);
   } catch (const Exception& exception) {
-    platform_.log.write(formatted(file.cannotWrite, exception.what()));
+    platform.log.write(formatted(file.cannotWrite, exception.what()));
+    tools.runIgnoringResult("/bin/rm", {"-fR", fresh});
     return false;
   }
+  tools.runIgnoringResult("/bin/mv", {"-f", fresh, file.path});
+  if (!platform.files.isTaken(fresh)) return true;
+  platform.log.write(file.cannotOpen);
+  tools.runIgnoringResult("/bin/rm", {"-fR", fresh});
+  return false;
 }

@@ -1,19 +1,21 @@
-#include <string>
+#include "install/tasks/InstalledPathsLog.h"
 
-#include "install/InstallFilesController.h"
+#include "foundation/Path.h"
+#include "install/DestinationFolders.h"
+#include "install/tasks/FileForUser.h"
 #include "payload/PlugInFilesModel.h"
 
-void InstallFilesController::logInstalledPaths() {
-  isLogWritten_ = false;
-  if (installedPaths_.empty()) return;
-  const std::string path = PlugInFilesModel(platform_).installerLogPath();
+bool logInstalledPaths(Platform& platform, PrivilegedTools& tools, const std::vector<std::string>& paths) {
+  if (paths.empty()) return false;
+  const std::string log = PlugInFilesModel(platform).installerLogPath();
   std::string text;
-  for (const std::string& installed : installedPaths_) text.append(installed).append("\n");
-  runToolIgnoringResult("/bin/rm", {"-fR", path});
-  isLogWritten_ = writeFileForUser({.path = path,
-                                    .chmodTool = "/usr/sbin/chmod",
-                                    .mode = "0644",
-                                    .cannotOpen = "can't open installer log file for writing",
-                                    .cannotWrite = "can't write to installer log file: %@"},
-                                   text);
+  for (const std::string& path : paths) text.append(path).append("\n");
+  ensureDirExists(platform, tools, deletingLastPathComponent(log));
+  return writeFileForUser(platform, tools,
+                          {.path = log,
+                           .chmodTool = "/usr/sbin/chmod",
+                           .mode = "0644",
+                           .cannotOpen = "can't open installer log file for writing",
+                           .cannotWrite = "can't write to installer log file: %@"},
+                          text);
 }

@@ -1,9 +1,10 @@
+#include "install/tasks/ManifestCleaning.h"
+
 #include <string>
 #include <string_view>
 
 #include "foundation/Path.h"
 #include "foundation/Text.h"
-#include "install/InstallFilesController.h"
 #include "payload/InstallerTexts.h"
 
 namespace {
@@ -13,18 +14,18 @@ constexpr std::string_view manifestFolders;
 
 }  // namespace
 
-void InstallFilesController::cleanManifests() {
-  const std::string company = companyName(platform_);
+void cleanManifests(Platform& platform) {
+  const std::string company = companyName(platform);
   if (company.empty()) {
     // Without the name, the manifests of every maker would go.
-    platform_.log.write("The strings table has no company_name: manifests are not cleaned");
+    platform.log.write("The strings table has no company_name: manifests are not cleaned");
     return;
   }
-  const std::string base = joinPath(platform_.folders.userApplicationSupport(), company);
+  const std::string base = joinPath(platform.folders.userApplicationSupport(), company);
   for (const std::string_view folder : split(manifestFolders, ';')) {
-    platform_.files.walk(joinPath(base, folder), [&](const WalkedItem& item) {
+    platform.files.walk(joinPath(base, folder), [&](const WalkedItem& item) {
       if (item.type != ItemType::regularFile || lastPathComponent(item.path) != "manifest.xml") return;
-      ignore(platform_.files.removeItem(item.path));  // a stale manifest costs the application some time, no more
+      ignore(platform.files.removeItem(item.path));  // a stale manifest costs the application some time, no more
     });
   }
 }

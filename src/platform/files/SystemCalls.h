@@ -4,29 +4,51 @@
 #include <sys/types.h>
 
 #include <cstdint>
-#include <string>
+#include <string_view>
 #include <system_error>
 
 #include "foundation/Result.h"
 #include "platform/FileSystem.h"
 #include "platform/posix/FileDescriptor.h"
 
-// What Linux and macOS both can, each in its own words. Results are 0 or an errno value unless stated.
+// What Linux and macOS both can do, each with calls of its own. Results are 0 or an errno value unless stated.
 
 /// Opens a folder as a starting point for other calls; needs only the right to search it.
 [[nodiscard]] FileDescriptor openFolderHandle(int folder, const char* name, bool followLink);
 
-/// Copies `length` bytes at `offset` of one open file to the same place in another. EIO when the source is shorter.
+/// Copies `length` bytes at `offset` of one open file to the same place in another. Shares the blocks where the file
+/// system can. EIO when the source is shorter.
 [[nodiscard]] int copyFileRange(int source, int target, std::int64_t offset, std::int64_t length);
 
-/// Copies the extended attributes of one open item to another. Succeeds when either side has no such thing.
-[[nodiscard]] int copyExtendedAttributes(int source, int target);
+/// Copies the extended attributes of one open item to another, without the download-quarantine mark when
+/// `losesQuarantine`. Succeeds when either side supports none.
+[[nodiscard]] int copyExtendedAttributes(int source, int target, bool losesQuarantine);
 
-/// Lets two items change names in one step. EINVAL or ENOSYS when the file system cannot.
-[[nodiscard]] int exchangeItems(int folder, const char* name, const char* otherName);
+/// Exchanges two items in one step. See isMissingOperation().
+[[nodiscard]] int exchangeItems(int folder, const char* name, int otherFolder, const char* otherName);
 
-/// Renames unless the new name is taken (EEXIST).
-[[nodiscard]] int renameToFreeName(int folder, const char* name, const char* newName);
+/// Renames unless the new name is taken (EEXIST). See isMissingOperation().
+[[nodiscard]] int renameToFreeName(int folder, const char* name, int newFolder, const char* newName);
+
+/// Whether the error of the two calls above means that the file system lacks the operation.
+[[nodiscard]] bool isMissingOperation(int error);
+
+/// A mounted file system: names in one can be exchanged with names in the same one only.
+struct MountedFileSystem {
+  std::uint64_t device = 0;
+  std::uint64_t mount = 0;
+  [[nodiscard]] bool operator==(const MountedFileSystem&) const = default;
+};
+Result<MountedFileSystem> fileSystemOf(int item);
+
+/// Whether a copy between the two open items may share blocks and need no space.
+[[nodiscard]] bool mayShareBlocks(int item, int otherItem);
+
+/// Writes everything that the file system of the item holds in memory to the medium. The item must be open for reading.
+[[nodiscard]] int flushFileSystem(int item);
+
+/// Whether the item is marked as immutable or append-only, so that not even root can remove it.
+[[nodiscard]] bool isImmutable(int folder, const char* name);
 
 /// Modification time of the item.
 [[nodiscard]] inline timespec modificationTime(const struct stat& status) {
@@ -46,4 +68,10 @@
 /// errno as an Error about `subject`.
 [[nodiscard]] inline Error systemError(int number, std::string_view subject) {
   return Error::posix(static_cast<std::errc>(number), subject);
+}
+
+/// Success for 0, else the errno value as an Error about `subject`.
+[[nodiscard]] inline Status systemStatus(int number, std::string_view subject) {
+  if (number == 0) return {};
+  return systemError(number, subject);
 }

@@ -1,13 +1,16 @@
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/sendfile.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/vfs.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -91,7 +94,7 @@ int copyFileRange(int source, int target, std::int64_t offset, std::int64_t leng
   return error;
 }
 
-int copyExtendedAttributes(int source, int target) {
+int copyExtendedAttributes(int source, int target, bool losesQuarantine) {
   std::array<char, 4096> few{};
   ssize_t length = ::flistxattr(source, few.data(), few.size());
   std::string names;
@@ -114,6 +117,7 @@ int copyExtendedAttributes(int source, int target) {
     rest.remove_prefix(std::min(name.size() + 1, rest.size()));
     // The other namespaces belong to this system (labels, access control) and not to the file's content.
     if (!name.starts_with("user.") && !name.starts_with("com.apple.")) continue;
+    if (losesQuarantine && name.ends_with("com.apple.quarantine")) continue;
     const ssize_t size = ::fgetxattr(source, name.c_str(), nullptr, 0);
     if (size < 0) return errno;
     value.resize(static_cast<std::size_t>(size));
@@ -126,10 +130,49 @@ int copyExtendedAttributes(int source, int target) {
   return 0;
 }
 
-int exchangeItems(int folder, const char* name, const char* otherName) {
-  return ::syscall(SYS_renameat2, folder, name, folder, otherName, RENAME_EXCHANGE) != 0 ? errno : 0;
+int exchangeItems(int folder, const char* name, int otherFolder, const char* otherName) {
+  return ::syscall(SYS_renameat2, folder, name, otherFolder, otherName, RENAME_EXCHANGE) != 0 ? errno : 0;
 }
 
-int renameToFreeName(int folder, const char* name, const char* newName) {
-  return ::syscall(SYS_renameat2, folder, name, folder, newName, RENAME_NOREPLACE) != 0 ? errno : 0;
+int renameToFreeName(int folder, const char* name, int newFolder, const char* newName) {
+  return ::syscall(SYS_renameat2, folder, name, newFolder, newName, RENAME_NOREPLACE) != 0 ? errno : 0;
+}
+
+bool isMissingOperation(int error) { return error == EINVAL || error == ENOSYS || error == ENOTSUP; }
+
+namespace {
+
+/// Extended status without the wait for a network; nothing when it cannot be had.
+std::optional<struct statx> extendedStatus(int folder, const char* name, unsigned mask) {
+  struct statx status {};
+  constexpr int flags = AT_SYMLINK_NOFOLLOW | AT_EMPTY_PATH | AT_NO_AUTOMOUNT;
+  if (::statx(folder, name, flags, mask, &status) != 0) return std::nullopt;
+  return status;
+}
+
+}  // namespace
+
+Result<MountedFileSystem> fileSystemOf(int item) {
+  const auto status = extendedStatus(item, "", STATX_BASIC_STATS | STATX_MNT_ID);
+  if (!status) return systemError(errno, "");
+  return MountedFileSystem{.device = (std::uint64_t{status->stx_dev_major} << 32U) | status->stx_dev_minor,
+                           .mount = status->stx_mnt_id};
+}
+
+bool mayShareBlocks(int item, int otherItem) {
+  constexpr std::array<long, 4> sharing = {0x58465342, 0x9123683E, 0x7461636F,
+                                           0xCA451A4E};  // xfs, btrfs, ocfs2, bcachefs
+  struct statfs status {};
+  struct stat one {};
+  struct stat other {};
+  if (::fstatfs(item, &status) != 0 || ::fstat(item, &one) != 0 || ::fstat(otherItem, &other) != 0) return false;
+  const auto type = static_cast<long>(status.f_type);
+  return one.st_dev == other.st_dev && std::ranges::find(sharing, type) != sharing.end();
+}
+
+int flushFileSystem(int item) { return ::syncfs(item) != 0 ? errno : 0; }
+
+bool isImmutable(int folder, const char* name) {
+  const auto status = extendedStatus(folder, name, 0);
+  return status && (status->stx_attributes & (STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND)) != 0;
 }

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <limits.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <array>
@@ -61,15 +62,11 @@ std::string Volume::pathOf(const Walk& walk, std::string path) {
   return joinPath(path, walk.last);
 }
 
-Volume::Volume(std::string root, std::string bundlePath) : root_(std::move(root)), bundlePath_(std::move(bundlePath)) {}
+Volume::Volume(std::string root, std::string bundlePath)
+    : Volume(openFolderHandle(AT_FDCWD, root.c_str(), /*followLink=*/true), root, std::move(bundlePath)) {}
 
 Volume::Volume(FileDescriptor rootHandle, std::string root, std::string bundlePath)
     : rootHandle_(std::move(rootHandle)), root_(std::move(root)), bundlePath_(std::move(bundlePath)) {}
-
-FileDescriptor Volume::openRoot() const {
-  if (!rootHandle_) return openFolderHandle(AT_FDCWD, root_.c_str(), /*followLink=*/true);
-  return FileDescriptor(::fcntl(rootHandle_.get(), F_DUPFD_CLOEXEC, 0));
-}
 
 bool Volume::isInBundle(const std::string& path) const { return isAtOrBelow(path, bundlePath_); }
 
@@ -78,7 +75,7 @@ Result<Volume::Walk> Volume::walk(const std::string& path, LastLink lastLink, Pu
   if (path.find('\0') != std::string::npos) return Error::posix(std::errc::invalid_argument, path);
 
   Walk walk;
-  walk.folders.push_back(openRoot());
+  walk.folders.emplace_back(::fcntl(rootHandle_.get(), F_DUPFD_CLOEXEC, 0));
   if (!walk.folders.back()) return systemError(errno, root_);
 
   std::vector<std::string> pending;
@@ -146,4 +143,28 @@ Result<std::string> Volume::realPath(const std::string& path, LastLink lastLink,
   const auto walked = walk(path, lastLink, purpose);
   if (!walked) return walked.error();
   return realPathOf(*walked);
+}
+
+bool Volume::isDanglingLink(const std::string& path) const {
+  const auto itself = find(path, LastLink::keep, Purpose::look);
+  if (!itself || !readLink(itself->folder.get(), itself->name)) return false;
+  const auto target = find(path, LastLink::follow, Purpose::look);
+  struct stat status {};
+  return !target || ::fstatat(target->folder.get(), target->name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0;
+}
+
+Result<std::shared_ptr<FileDescriptor>> Volume::tryLock() const {
+  // The helper has a copy of the descriptor: closing this one would not unlock.
+  const auto unlock = [](FileDescriptor* lock) {
+    ::flock(lock->get(), LOCK_UN);
+    delete lock;
+  };
+  std::shared_ptr<FileDescriptor> lock(
+      new FileDescriptor(::openat(rootHandle_.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)), unlock);
+  if (!*lock) return systemError(errno, root_);
+  const bool isLocked = ::flock(lock->get(), LOCK_EX | LOCK_NB) == 0;
+  if (!isLocked && errno == EWOULDBLOCK) return Error::posix(std::errc::device_or_resource_busy, root_);
+  if (!isLocked && errno != ENOLCK && errno != ENOTSUP && errno != EINVAL) return systemError(errno, root_);
+  lock_ = lock;
+  return lock;
 }

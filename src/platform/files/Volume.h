@@ -1,12 +1,14 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "foundation/Result.h"
 #include "platform/posix/FileDescriptor.h"
 
-/// The target volume: where its paths lie on this system. Nothing else knows.
+/// The target volume: where its paths lie on this system. Nothing else knows. Its root is opened once: whatever becomes
+/// of the path of the root, this is the folder that is meant.
 ///
 /// Links on the volume are resolved as the system booted from it would: an absolute one starts at the volume's root,
 /// and
@@ -16,17 +18,27 @@ class Volume {
   /// What to do about a link as the last component of a path; links before it are always followed.
   enum class LastLink { keep, follow };
 
-  /// A name in an open folder, for the *at() calls.
-  struct Place {
-    FileDescriptor folder;
-    std::string name;      ///< "." for the root itself
+  /// A name in a folder that somebody holds open, for the *at() calls.
+  struct Spot {
+    int folder;
+    const char* name;
     std::string resolved;  ///< the item's path on the volume, without links but perhaps the last
   };
 
-  /// `root` is the volume's folder, `bundlePath` the installer's bundle; both real and without links.
+  /// A name in an open folder.
+  struct Place {
+    FileDescriptor folder;
+    std::string name;      ///< "." for the root itself
+    std::string resolved;  ///< as in Spot
+
+    [[nodiscard]] Spot spot() const { return {folder.get(), name.c_str(), resolved}; }
+  };
+
+  /// `root` is the volume's folder, `bundlePath` the installer's bundle; both real and without links. A root that
+  /// cannot be opened fails every call below.
   Volume(std::string root, std::string bundlePath);
 
-  /// The same for a root that is open already: whatever is done to its path, this is the folder that is meant.
+  /// The same for a root that is open already.
   Volume(FileDescriptor rootHandle, std::string root, std::string bundlePath);
 
   [[nodiscard]] const std::string& root() const { return root_; }
@@ -43,14 +55,28 @@ class Volume {
   /// Whether the path is one of the installer's own bundle.
   [[nodiscard]] bool isInBundle(const std::string& path) const;
 
+  /// Whether the path leads to a link whose own target does not exist.
+  [[nodiscard]] bool isDanglingLink(const std::string& path) const;
+
+  /// Takes the lock that installers of all users exclude each other with, for as long as the result is open: an
+  /// exclusive flock(2) on the root. Fails with device_or_resource_busy when another process holds it. Succeeds without
+  /// a lock on a file system that has none.
+  Result<std::shared_ptr<FileDescriptor>> tryLock() const;
+
+  /// The lock that this process holds through tryLock(); null when it holds none.
+  [[nodiscard]] std::shared_ptr<FileDescriptor> heldLock() const { return lock_.lock(); }
+
+  /// The open root, for its owner and number.
+  [[nodiscard]] int rootHandle() const { return rootHandle_.get(); }
+
  private:
   struct Walk;
   Result<Walk> walk(const std::string& path, LastLink lastLink, Purpose purpose) const;
   [[nodiscard]] static std::string pathOf(const Walk& walk, std::string path);
   [[nodiscard]] std::string realPathOf(const Walk& walk) const;
-  [[nodiscard]] FileDescriptor openRoot() const;
 
-  FileDescriptor rootHandle_;  ///< none when the root is looked up by its path each time
+  FileDescriptor rootHandle_;
+  mutable std::weak_ptr<FileDescriptor> lock_;
   std::string root_;
   std::string bundlePath_;
 };

@@ -2,7 +2,6 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -13,6 +12,7 @@
 
 #include "foundation/Path.h"
 #include "platform/files/SystemCalls.h"
+#include "platform/files/VolumeCheck.h"
 
 namespace {
 
@@ -73,20 +73,23 @@ std::unique_ptr<UserInterface> loadWindow(const std::string& bundlePath, const W
 
 }  // namespace
 
-LinuxPlatform::LinuxPlatform(const std::string& volumeRoot, const std::string& bundlePath, UserAccount user,
+LinuxPlatform::LinuxPlatform(Volume volume, const std::string& bundlePath, UserAccount user,
                              const MakeInterface& makeInterface, Surface surface)
     : user_(std::move(user), preferredLanguages()),
-      volume_(volumeRoot, bundlePath),
-      files_(volume_, user_),
-      folders_(files_, homeOnVolume(volumeRoot, user_.account())),
+      volume_(std::move(volume)),
+      places_(volume_, homeOnVolume(volume_.root(), user_.account()), user_.account().id),
+      files_(volume_, user_, [this](const std::string& resolved) { return places_.reach(resolved); }),
+      folders_(files_, homeOnVolume(volume_.root(), user_.account())),
       bundles_(bundlePath, files_, user_, log_),
       preferences_(files_, folders_, log_),
       applicationsFolder_(applicationsFolderIn(folders_.homeDirectory())),
-      tools_(volume_, user_, joinPath(bundlePath, "Contents/Helpers"), applicationsFolder_),
-      authorizations_(tools_, {joinPath(bundlePath, "Contents/Helpers"), volumeRoot, surface,
-                               [this, surface] {  // a window goes on being painted
-                                 if (surface == Surface::window) platform_.runLoop.runUntilDate(RunLoop::Clock::now());
-                               }}),
+      authorizations_(volume_, user_.account(), places_, applicationsFolder_,
+                      {joinPath(bundlePath, "Contents/Helpers"), volume_.root(), surface,
+                       [this, surface] {  // a window goes on being painted
+                         if (surface == Surface::window) platform_.runLoop.runUntilDate(RunLoop::Clock::now());
+                       },
+                       SignalInterruptions::note},
+                      log_),
       interface_(makeInterface({files_, bundles_, user_, log_})),
       tasks_(interface_->runLoop(), notifications_),
       desktopEntries_(volume_, files_, bundles_, applicationsFolder_),
@@ -109,7 +112,10 @@ LinuxPlatform::LinuxPlatform(const std::string& volumeRoot, const std::string& b
                 .identifiers = identifiers_,
                 .log = log_,
                 .user = user_,
-                .clock = clock_} {}
+                .clock = clock_,
+                .interruptions = interruptions_} {
+  interruptions_.setRunLoop(interface_->runLoop());
+}
 
 std::string LinuxPlatform::shownPath(const std::string& path) const { return joinPath(volume_.root(), path); }
 
@@ -118,10 +124,11 @@ Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& ta
   const auto unusable = [&](int number) { return systemError(number, "cannot install into \"" + target + "\""); };
   const auto root = realPath(target);
   if (!root) return unusable(errno);
-  struct stat status {};
-  if (::stat(root->c_str(), &status) != 0) return unusable(errno);
-  if (!S_ISDIR(status.st_mode)) return unusable(ENOTDIR);
-  if (::access(root->c_str(), R_OK | X_OK) != 0) return unusable(errno);
+  FileDescriptor handle(::open(root->c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (!handle || ::access(root->c_str(), X_OK) != 0) return unusable(errno);
+  auto user = loggedInUser();
+  if (!user) return user.error();
+  if (Status volume = checkMacVolume(handle.get(), user->id, target); !volume) return volume.error();
   const auto bundle = ownBundle();
   if (!bundle) return Error::posix(std::errc::no_such_file_or_directory, "the bundle that the program should lie in");
   std::string problem;
@@ -131,7 +138,8 @@ Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& ta
     if (made == nullptr) made = std::make_unique<ConsoleInterface>();
     return made;
   };
-  auto system = std::make_unique<LinuxPlatform>(*root, *bundle, loggedInUser(), makeInterface, surface);
+  auto system = std::make_unique<LinuxPlatform>(Volume(std::move(handle), *root, *bundle), *bundle, std::move(*user),
+                                                makeInterface, surface);
   if (!problem.empty()) return noWindow(problem);
   return std::unique_ptr<SystemPlatform>(std::move(system));
 }

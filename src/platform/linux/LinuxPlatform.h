@@ -17,10 +17,11 @@
 #include "platform/processes/DesktopEntries.h"
 #include "platform/processes/FolderQuery.h"
 #include "platform/processes/PosixTasks.h"
+#include "platform/processes/SignalInterruptions.h"
 #include "platform/propertylist/BundleOnDisk.h"
 #include "platform/propertylist/PropertyListPreferences.h"
 #include "platform/rights/LinuxAuthorization.h"
-#include "platform/rights/SystemTools.h"
+#include "platform/rights/Places.h"
 #include "platform/window/WindowModule.h"
 
 /// Linux, installing into a Mac volume.
@@ -29,25 +30,27 @@ class LinuxPlatform : public SystemPlatform {
   /// Makes the interface to the person, which must not be null.
   using MakeInterface = std::function<std::unique_ptr<UserInterface>(const WindowServices& services)>;
 
-  /// Both paths are real and without links.
-  LinuxPlatform(const std::string& volumeRoot, const std::string& bundlePath, UserAccount user,
-                const MakeInterface& makeInterface, Surface surface = Surface::console);
+  /// The path is real and without links.
+  LinuxPlatform(Volume volume, const std::string& bundlePath, UserAccount user, const MakeInterface& makeInterface,
+                Surface surface = Surface::console);
 
   [[nodiscard]] Platform& platform() override { return platform_; }
   [[nodiscard]] std::string shownPath(const std::string& path) const override;
+  [[nodiscard]] const Volume& volume() const { return volume_; }
 
  private:
   PosixUser user_;
   SystemLog log_;
   Volume volume_;
+  Places places_;
   PosixFileSystem files_;
   MacFolders folders_;
   BundlesOnDisk bundles_;
   PropertyListPreferences preferences_;
   std::string applicationsFolder_;
-  SystemTools tools_;
   LinuxAuthorizations authorizations_;
   std::unique_ptr<UserInterface> interface_;
+  SignalInterruptions interruptions_;
   NotificationCenter notifications_;
   PosixTasks tasks_;
   DesktopEntries desktopEntries_;

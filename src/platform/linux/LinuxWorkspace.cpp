@@ -46,7 +46,7 @@ LinuxWorkspace::LinuxWorkspace(const Volume& volume, const FileSystem& files, co
       user_(user),
       log_(log),
       system_("/", bundles.mainBundle().bundlePath()),
-      systemFiles_(system_, user),
+      systemFiles_(system_, user, [](const std::string&) { return false; }),
       session_(std::move(session)),
       urlOpener_(std::move(urlOpener)),
       watch_(std::make_shared<ApplicationWatch>(

@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <charconv>
 #include <cstdlib>
 #include <string_view>
@@ -38,11 +40,19 @@ std::optional<uid_t> callerOfElevation() {
 
 }  // namespace
 
-UserAccount loggedInUser() {
+Result<UserAccount> loggedInUser() {
   const uid_t id = callerOfElevation().value_or(::getuid());
-  if (const passwd* const entry = ::getpwuid(id)) return {id, entry->pw_gid, entry->pw_name, entry->pw_dir};
+  errno = 0;
+  if (const passwd* const entry = ::getpwuid(id)) {
+    return UserAccount{id, entry->pw_gid, entry->pw_name, entry->pw_dir};
+  }
+  // Some of these the C library gives for an account that there is not.
+  constexpr std::array unknown = {0, ENOENT, ESRCH, EBADF, EPERM};
+  if (std::ranges::find(unknown, errno) == unknown.end()) {
+    return Error::posix(static_cast<std::errc>(errno), "the account of the user");
+  }
   // An account that the database does not know, as containers have them: its number serves as its name.
-  return {id, ::getgid(), std::to_string(id), "/"};
+  return UserAccount{id, ::getgid(), std::to_string(id), "/"};
 }
 
 std::string homeOnVolume(const std::string& volumeRoot, const UserAccount& account) {

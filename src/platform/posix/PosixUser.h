@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "foundation/Result.h"
 #include "platform/User.h"
 
 /// An entry of the system's user database.
@@ -17,8 +18,9 @@ struct UserAccount {
   std::string home;  ///< on this system
 };
 
-/// Who runs this process, or who called sudo or pkexec when that made it root.
-[[nodiscard]] UserAccount loggedInUser();
+/// Who runs this process, or who called sudo or pkexec when that made it root. Fails when the database of accounts
+/// cannot be read.
+Result<UserAccount> loggedInUser();
 
 /// The user's home folder as a path of the volume with this root: their own on the running system, else one of their
 /// name in the volume's folder of users.

@@ -2,7 +2,7 @@
 
 #include "platform/Log.h"
 
-/// Standard error and syslog.
+/// Standard error, and syslog where the system has one.
 class SystemLog : public Log {
  public:
   SystemLog();
@@ -11,4 +11,7 @@ class SystemLog : public Log {
   ~SystemLog() override;
 
   void write(std::string_view message) override;
+
+ private:
+  bool hasSyslog_;
 };

@@ -103,25 +103,23 @@ Result<Client> clientOf(int socket) {
   return client;
 }
 
-AsClient::AsClient(const Client& client) {
-  require(::setgroups(client.groups.size(), client.groups.data()) == 0);
-  require(::setegid(client.account.group) == 0);
-  require(::seteuid(client.account.id) == 0);
-}
-
-AsClient::~AsClient() {
-  require(::seteuid(0) == 0);
-  require(::setegid(0) == 0);
-  require(::setgroups(0, nullptr) == 0);
-}
+// The C library's calls would change all threads at once, those that copy among them.
 
 void becomeClient(const Client& client) {
-  const uid_t user = client.account.id;
-  const gid_t group = client.account.group;
-  require(::setgroups(client.groups.size(), client.groups.data()) == 0);
-  require(::setresgid(group, group, group) == 0);
-  require(::setresuid(user, user, user) == 0);
+  constexpr int unchanged = -1;
+  require(::syscall(SYS_setgroups, client.groups.size(), client.groups.data()) == 0);
+  require(::syscall(SYS_setresgid, unchanged, client.account.group, unchanged) == 0);
+  require(::syscall(SYS_setresuid, unchanged, client.account.id, unchanged) == 0);
 }
+
+AsHelper::AsHelper(const Client& client) : client_(client) {
+  constexpr int unchanged = -1;
+  require(::syscall(SYS_setresuid, unchanged, 0, unchanged) == 0);
+  require(::syscall(SYS_setresgid, unchanged, 0, unchanged) == 0);
+  require(::syscall(SYS_setgroups, 0, nullptr) == 0);
+}
+
+AsHelper::~AsHelper() { becomeClient(client_); }
 
 bool confineProcess() {
   const rlimit none{0, 0};

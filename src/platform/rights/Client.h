@@ -18,19 +18,22 @@ struct Client {
 /// know, and when sudo or pkexec says that somebody else called it.
 [[nodiscard]] Result<Client> clientOf(int socket);
 
-/// The process acts with the rights of the client while the object lives, and with its own afterwards. The process has
-/// one thread when it is made and when it goes; threads made in between have the client's rights. A process that cannot
-/// change sides ends.
-class AsClient {
- public:
-  explicit AsClient(const Client& client);
-  ~AsClient();
-  AsClient(const AsClient&) = delete;
-  AsClient& operator=(const AsClient&) = delete;
-};
-
-/// Becomes the client for good; ends the process if that cannot be done.
+/// Gives this thread the rights of the client, and those that it starts from now on. Keeps those of the helper at hand
+/// for AsHelper. A process that cannot change sides ends.
 void becomeClient(const Client& client);
+
+/// This thread has the rights of the helper while the object lives, and those of the client again afterwards. Other
+/// threads keep theirs.
+class AsHelper {
+ public:
+  explicit AsHelper(const Client& client);
+  ~AsHelper();
+  AsHelper(const AsHelper&) = delete;
+  AsHelper& operator=(const AsHelper&) = delete;
+
+ private:
+  const Client& client_;
+};
 
 /// Gives up, for this process and all that it starts, whatever the helper does not need: every capability but those for
 /// other people's files and for becoming the client, programs that gain rights, being looked into. False when the

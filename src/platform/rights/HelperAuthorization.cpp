@@ -1,34 +1,42 @@
 #include "platform/rights/HelperAuthorization.h"
 
-#include <sys/wait.h>
-
-#include <cerrno>
 #include <utility>
 #include <variant>
+
+#include "platform/rights/HelperTransaction.h"
+#include "platform/rights/NoOutput.h"
 
 bool HelperAuthorization::obtain(std::uint32_t flags) {
   return (flags & extendRights) != 0 && !askingCommand(askingMeans(), setup_.surface).empty();
 }
 
+LaunchStatus HelperAuthorization::start() {
+  if (helper_ != nullptr || failure_ != launchSucceeded) return failure_;
+  auto started = startHelper(setup_, askingMeans());
+  if (auto* const connection = std::get_if<HelperConnection>(&started)) {
+    helper_ = std::make_shared<HelperConnection>(std::move(*connection));
+  } else {
+    failure_ = std::get<LaunchStatus>(started);
+  }
+  return failure_;
+}
+
 LaunchStatus HelperAuthorization::executeWithPrivileges(const std::string& toolPath,
                                                         const std::vector<std::string>& arguments,
                                                         std::unique_ptr<CommunicationsPipe>& pipe) {
-  if (!helper_ && failure_ == launchSucceeded) {
-    auto started = startHelper(setup_, askingMeans());
-    if (auto* const connection = std::get_if<HelperConnection>(&started)) {
-      helper_.emplace(std::move(*connection));
-    } else {
-      failure_ = std::get<LaunchStatus>(started);
-    }
-  }
-  return helper_ ? helper_->launch({toolPath, arguments}, pipe) : failure_;
+  if (const LaunchStatus status = start(); status != launchSucceeded) return status;
+  const Packet reply = helper_->ask({toolPath, arguments});
+  if (reply.name != HelperSays::done) return errAuthorizationToolExecuteFailure;
+  std::size_t position = 1;
+  if (const Status done = takeResult(reply, position); !done) log_.write(done.error().description());
+  pipe = std::make_unique<NoOutput>();
+  return launchSucceeded;
 }
 
-void HelperAuthorization::waitForAnyChild() {
-  if (helper_ && helper_->hasTools()) {
-    helper_->waitForTool();
-    return;
+Result<std::unique_ptr<Transaction>> HelperAuthorization::beginTransaction() {
+  if (const LaunchStatus status = start(); status != launchSucceeded) {
+    return Error{.domain = std::string(authorizationErrorDomain), .code = status};
   }
-  while (::wait(nullptr) < 0 && errno == EINTR) {
-  }
+  const auto lock = volume_.heldLock();
+  return HelperTransaction::begin(helper_, lock != nullptr ? lock->get() : -1);
 }

@@ -1,54 +1,43 @@
 #include "platform/rights/HelperConnection.h"
 
-#include <charconv>
-#include <utility>
+#include <poll.h>
 
-#include "platform/processes/Pipe.h"
-#include "platform/rights/ToolOutput.h"
+bool HelperConnection::receiveReady() {
+  const auto packet = receive();
+  return packet && packet->name == HelperSays::ready;
+}
 
-bool HelperConnection::receiveReady() { return receiveAnswer() == HelperSays::ready; }
-
-LaunchStatus HelperConnection::launch(const Request& request, std::unique_ptr<CommunicationsPipe>& pipe) {
-  const auto messages = messagesFor(request);
-  auto output = makePipe();
-  if (messages.empty() || !output) return errAuthorizationToolExecuteFailure;
+bool HelperConnection::send(const Packet& packet, int descriptor) {
+  const auto messages = messagesFor(packet);
+  if (messages.empty()) return false;
   for (const std::string& message : messages) {
     const bool isLast = &message == &messages.back();
-    if (!socket_.send(message, isLast ? output->writing.get() : -1)) return errAuthorizationToolExecuteFailure;
+    if (!socket_.send(message, isLast ? descriptor : -1)) {
+      isGone_ = true;
+      return false;
+    }
   }
-  if (receiveAnswer() != HelperSays::started) return errAuthorizationToolExecuteFailure;
-  running_.insert(++started_);
-  pipe = std::make_unique<ToolOutput>(std::move(output->reading));
-  return launchSucceeded;
+  return true;
 }
 
-void HelperConnection::waitForTool() {
-  if (!hasTools()) return;
-  std::set<unsigned> tools = running_;
-  tools.insert(ended_.begin(), ended_.end());
-  const unsigned last = *tools.rbegin();
-  while (running_.contains(last)) static_cast<void>(receiveAny());
-  ended_.erase(last);
-}
-
-std::string HelperConnection::receiveAnswer() {
-  std::string said = receiveAny();
-  while (said.starts_with(HelperSays::ended)) said = receiveAny();
-  return said;
-}
-
-std::string HelperConnection::receiveAny() {
-  Message message = socket_.receive();
-  if (message.kind != Message::Kind::whole) {
-    ended_.merge(running_);
-    return {};
+std::optional<Packet> HelperConnection::receive(int milliseconds) {
+  while (!isGone_) {
+    pollfd polled{socket_.descriptor(), POLLIN, 0};
+    if (milliseconds >= 0 && ::poll(&polled, 1, milliseconds) <= 0) return std::nullopt;
+    const Message message = socket_.receive();
+    const auto state = message.kind == Message::Kind::whole ? reader_.add(message.bytes) : PacketReader::State::broken;
+    if (state == PacketReader::State::broken) isGone_ = true;
+    if (state != PacketReader::State::complete) continue;
+    std::size_t position = 0;
+    Packet packet = reader_.packet();
+    const int signal = packet.name == HelperSays::done ? static_cast<int>(takeNumber(packet, position)) : 0;
+    if (signal != 0 && wasInterrupted_) wasInterrupted_(signal);
+    return packet;
   }
-  if (message.bytes.starts_with(HelperSays::ended)) noteEnd(message.bytes);
-  return std::move(message.bytes);
+  return std::nullopt;
 }
 
-void HelperConnection::noteEnd(const std::string& said) {
-  unsigned number = 0;
-  std::from_chars(said.data() + HelperSays::ended.size(), said.data() + said.size(), number);
-  if (running_.erase(number) != 0) ended_.insert(number);
+Packet HelperConnection::ask(const Packet& packet, int descriptor) {
+  if (!send(packet, descriptor)) return {};
+  return receive().value_or(Packet{});
 }

@@ -1,41 +1,41 @@
 #pragma once
 
-#include <memory>
-#include <set>
-#include <string>
+#include <functional>
+#include <optional>
 
-#include "platform/Authorization.h"
+#include "platform/rights/HelperSays.h"
 #include "platform/rights/MessageSocket.h"
-#include "platform/rights/Request.h"
 
 /// The installer's side of the conversation with its helper. Closing it ends the helper.
 class HelperConnection {
  public:
-  explicit HelperConnection(MessageSocket socket) : socket_(std::move(socket)) {}
+  /// `wasInterrupted` is called with the signal that asks the helper to end.
+  HelperConnection(MessageSocket socket, std::function<void(int)> wasInterrupted)
+      : socket_(std::move(socket)), wasInterrupted_(std::move(wasInterrupted)) {}
 
-  /// Reads the helper's first message, which proves that it has rights. Waits for it; false when the helper has gone.
+  /// Reads the helper's first packet, which proves that it has rights. Waits for it; false when the helper has gone.
   [[nodiscard]] bool receiveReady();
 
-  /// As Authorization::executeWithPrivileges(). A helper that is gone is a launch that failed.
-  [[nodiscard]] LaunchStatus launch(const Request& request, std::unique_ptr<CommunicationsPipe>& pipe);
+  /// Sends a packet, with a descriptor if there is one. Returns false when the helper has gone, or when the packet is
+  /// too large to be sent.
+  [[nodiscard]] bool send(const Packet& packet, int descriptor = -1);
 
-  /// Whether there are tools whose end nobody has waited for, running or not.
-  [[nodiscard]] bool hasTools() const { return !running_.empty() || !ended_.empty(); }
+  /// Waits for the next packet, for at most so many milliseconds (-1: as long as it takes). Returns nothing when none
+  /// has come; see isGone().
+  [[nodiscard]] std::optional<Packet> receive(int milliseconds = -1);
 
-  /// Waits for the end of one of them: the one that was launched last. All end with the helper.
-  void waitForTool();
+  /// send() and receive(); a helper that has gone gives an empty packet.
+  [[nodiscard]] Packet ask(const Packet& packet, int descriptor = -1);
 
+  /// Ends the conversation.
+  void close() { socket_.close(); }
+
+  [[nodiscard]] bool isGone() const { return isGone_; }
   [[nodiscard]] int descriptor() const { return socket_.descriptor(); }
 
  private:
-  /// The next message that is not about the end of a tool; empty when the helper is gone.
-  std::string receiveAnswer();
-  [[nodiscard]] std::string receiveAny();
-  void noteEnd(const std::string& said);
-
   MessageSocket socket_;
-  // Numbers of tools.
-  unsigned started_ = 0;
-  std::set<unsigned> running_;
-  std::set<unsigned> ended_;
+  PacketReader reader_;
+  std::function<void(int)> wasInterrupted_;
+  bool isGone_ = false;
 };

@@ -16,9 +16,9 @@
 #include <utility>
 
 #include "foundation/Path.h"
+#include "platform/processes/Executables.h"
 #include "platform/processes/Pipe.h"
 #include "platform/rights/AskingReport.h"
-#include "platform/rights/SystemTools.h"
 
 namespace {
 
@@ -151,7 +151,7 @@ std::variant<HelperConnection, LaunchStatus> startHelper(const HelperSetup& setu
   sockets->helpers.close();
   report->writing.close();
 
-  HelperConnection connection{MessageSocket(std::move(sockets->ours))};
+  HelperConnection connection(MessageSocket(std::move(sockets->ours)), setup.wasInterrupted);
   const bool isAnswered = isFirstMessageThere(connection.descriptor(), report->reading.get(), setup.whileAsking) &&
                           connection.receiveReady();
   if (isAnswered) return connection;

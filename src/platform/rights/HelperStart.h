@@ -15,7 +15,8 @@ struct HelperSetup {
   std::string helpersFolder;  ///< of the installer's bundle
   std::string volumeRoot;     ///< real and without links
   Surface surface = Surface::console;
-  std::function<void()> whileAsking = {};  ///< called now and then while the user is asked; may be empty
+  std::function<void()> whileAsking = {};        ///< called now and then while the user is asked; may be empty
+  std::function<void(int)> wasInterrupted = {};  ///< called with the signal that asks the helper to end; may be empty
 };
 
 /// How this process could ask for a password.

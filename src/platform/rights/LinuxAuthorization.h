@@ -3,18 +3,25 @@
 #include <memory>
 
 #include "platform/Authorization.h"
+#include "platform/Log.h"
+#include "platform/rights/HelperElevation.h"
 #include "platform/rights/HelperStart.h"
-#include "platform/rights/SystemTools.h"
+#include "platform/rights/Operations.h"
 
-/// Administrator rights: root runs the tools itself, and everybody else has one helper run them, which the system asks
-/// a password for.
+/// Administrator rights: root makes privileged changes itself, and everybody else has one helper make them, which the
+/// system asks a password for.
 class LinuxAuthorizations : public Authorizations {
  public:
-  LinuxAuthorizations(const SystemTools& tools, HelperSetup setup) : tools_(tools), setup_(std::move(setup)) {}
+  /// `applicationsFolder` holds the entries of registered applications.
+  LinuxAuthorizations(const Volume& volume, const UserAccount& user, Places places,
+                      const std::string& applicationsFolder, HelperSetup setup, Log& log);
 
   [[nodiscard]] std::unique_ptr<Authorization> createAuthorization() override;
 
  private:
-  const SystemTools& tools_;
+  const Volume& volume_;
+  RootElevation elevation_;
+  Operations operations_;
   HelperSetup setup_;
+  Log& log_;
 };

@@ -60,7 +60,7 @@ bool MessageSocket::send(std::string_view bytes, int descriptor) const {
 
 Message MessageSocket::receive() const {
   // Kept from one message to the next: clearing it for each would cost more than receiving.
-  static thread_local std::array<char, mostMessageBytes> buffer;
+  static thread_local std::array<char, maxMessageBytes> buffer;
   iovec content{buffer.data(), buffer.size()};
   ControlData control;
   msghdr header{};

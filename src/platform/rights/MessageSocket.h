@@ -6,8 +6,8 @@
 
 #include "platform/posix/FileDescriptor.h"
 
-/// The most that one message holds.
-inline constexpr std::size_t mostMessageBytes = std::size_t{64} * 1024;
+/// Limit of one message.
+inline constexpr std::size_t maxMessageBytes = std::size_t{64} * 1024;
 
 /// What came over a MessageSocket.
 struct Message {

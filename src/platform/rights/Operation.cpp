@@ -7,8 +7,6 @@
 #include <cstddef>
 #include <string_view>
 
-#include "foundation/Text.h"
-
 namespace {
 
 using Kind = Operation::Kind;
@@ -26,35 +24,32 @@ struct Form {
 
 constexpr std::array<Form, 10> forms = {{
     {"/bin/rm", {"-fR"}, Kind::remove},
-    {"/bin/mkdir", {"-m775", "-p"}, Kind::makeFolder, 0775},
+    {"/bin/mkdir", {"-m775", "-p"}, Kind::makeFolders},
     {"/usr/sbin/chown", {"-R", ownerOption}, Kind::handOver},
     {"/bin/chmod", {"-R", "0775"}, Kind::setMode, 0775},
     {"/bin/chmod", {"-R", "0664"}, Kind::setMode, 0664},
     {"/usr/sbin/chmod", {"-R", "0644"}, Kind::setMode, 0644},
-    {"/usr/bin/touch", {}, Kind::touch},
+    {"/usr/bin/touch", {}, Kind::makeFile},
+    {"/bin/mv", {"-f"}, Kind::replace},
     {"/usr/bin/xattr", {"-dr", "com.apple.quarantine"}, Kind::removeQuarantineMark},
-    {"/bin/cp", {"-R"}, Kind::copy},
     {"/System/Library/Frameworks/CoreServices.framework/Versions/A/Frameworks/LaunchServices.framework/Versions/A/"
      "Support/lsregister",
      {"-apps"},
      Kind::updateApplications},
 }};
 
-bool isAbsolute(const std::string& path) { return path.starts_with('/') && path.size() < PATH_MAX; }
-
-bool goesUp(const std::string& path) {
-  const auto components = split(path, '/');
-  return std::ranges::find(components, "..") != components.end();
+bool isAbsolute(const std::string& path) {
+  return path.starts_with('/') && path.size() < PATH_MAX && path.find('\0') == std::string::npos;
 }
 
-/// How many options the form has, when the request has them all; nothing when it is no request of this form.
-std::optional<std::size_t> optionsOf(const Form& form, const Request& request, const std::string& owner) {
-  if (request.tool != form.tool) return std::nullopt;
+/// How many options the form has, when the launch has them all; nothing when it is no launch of this form.
+std::optional<std::size_t> optionsOf(const Form& form, const Packet& launch, const std::string& owner) {
+  if (launch.name != form.tool) return std::nullopt;
   std::size_t count = 0;
   for (const std::string_view option : form.options) {
     if (option.empty()) break;
-    if (count == request.arguments.size()) return std::nullopt;
-    if (request.arguments[count] != (option == ownerOption ? std::string_view(owner) : option)) return std::nullopt;
+    if (count == launch.texts.size()) return std::nullopt;
+    if (launch.texts[count] != (option == ownerOption ? std::string_view(owner) : option)) return std::nullopt;
     ++count;
   }
   return count;
@@ -63,21 +58,21 @@ std::optional<std::size_t> optionsOf(const Form& form, const Request& request, c
 /// Whether the operation has as many paths as it needs, and all of them can be paths.
 bool isComplete(const Operation& operation) {
   if (operation.kind == Kind::updateApplications) return operation.paths.empty();
+  if (operation.kind == Kind::replace && operation.paths.size() != 2) return false;
   return !operation.paths.empty() && std::ranges::all_of(operation.paths, isAbsolute);
 }
 
 }  // namespace
 
-std::optional<Operation> operationFor(const Request& request, const std::string& userName) {
+std::optional<Operation> operationFor(const Packet& launch, const std::string& userName) {
   const std::string owner = userName + ":admin";
   for (const Form& form : forms) {
-    const auto options = optionsOf(form, request, owner);
+    const auto options = optionsOf(form, launch, owner);
     if (!options) continue;
     Operation operation{form.kind, form.mode};
-    operation.paths.assign(request.arguments.begin() + static_cast<std::ptrdiff_t>(*options), request.arguments.end());
+    operation.paths.assign(launch.texts.begin() + static_cast<std::ptrdiff_t>(*options), launch.texts.end());
     if (!isComplete(operation)) return std::nullopt;
-    if (form.kind == Kind::copy) {
-      if (operation.paths.size() != 2 || goesUp(operation.paths.front())) return std::nullopt;
+    if (form.kind == Kind::replace) {
       operation.source = operation.paths.front();
       operation.paths.erase(operation.paths.begin());
     }

@@ -6,7 +6,7 @@
 #include <atomic>
 #include <thread>
 
-#include "platform/processes/Pipe.h"
+#include "platform/rights/HelperTransaction.h"
 #include "support/HelperProcess.h"
 
 namespace {
@@ -31,8 +31,22 @@ class RightsAttackTest : public HelperTest {
     run("/bin/chmod", {"-R", "0775", path});
     run("/usr/bin/touch", {path + "/new", path});
     run("/bin/mkdir", {"-m775", "-p", path + "/a/b"});
-    run("/bin/cp", {"-R", machine_.inBundle("Resources/en.lproj"), path + "/copy"});
+    run("/bin/mv", {"-f", "/Applications/Own/mine", path});
+    install(machine_.inBundle("Resources/en.lproj"), path + "/copy");
     run("/bin/rm", {"-fR", path});
+  }
+
+  /// Whether the helper installs the item.
+  bool install(const std::string& source, const std::string& target) {
+    const auto lock = *machine_.volume().tryLock();
+    const auto transaction = HelperTransaction::begin(connection_, lock->get());
+    struct Observer : TransactionObserver {
+      void willStage(std::size_t /*item*/) override {}
+      bool didStage(std::size_t /*item*/, const ItemResult& /*result*/) override { return true; }
+      bool whileBusy(const CopiedAmount& /*copied*/) override { return true; }
+    } observer;
+    return transaction && (*transaction)->stage({{{source, target}}}, observer) &&
+           (*transaction)->commit({{0}}).front();
   }
 
   const fs::path own_ = on("/Applications/Own");
@@ -83,18 +97,37 @@ TEST_F(RightsAttackTest, NothingThatBelongsToOthersIsHandedOver) {
 TEST_F(RightsAttackTest, OnlyWhatTheUserCanReadIsCopied) {
   const fs::path payload = machine_.payload("X");
   fs::create_directories(payload / "inner");
-  const auto copiedFrom = [&](const fs::path& source) {
-    run("/bin/cp", {"-R", source, "/Applications/copy"});
-    const bool isThere = fs::exists(fs::symlink_status(on("/Applications/copy")));
-    run("/bin/rm", {"-fR", "/Applications/copy"});
-    return isThere;
-  };
-  EXPECT_TRUE(copiedFrom(payload));
+  EXPECT_TRUE(install(payload, "/Applications/copy"));
   fs::create_hard_link(on("/private/etc/secret"), payload / "inner/hard");
-  EXPECT_FALSE(copiedFrom(payload));
-  EXPECT_FALSE(copiedFrom(payload / "inner/hard"));
-  EXPECT_FALSE(copiedFrom("/Applications/Own")) << "outside the bundle";
-  EXPECT_EQ(namesIn(on("/Applications")), "Own") << "and no half copy is left";
+  for (const fs::path& source : {payload, payload / "inner/hard", payload / "../../../../../volume/private/etc",
+                                 fs::path("/Applications/Own"), fs::path("/etc/hostname")}) {
+    EXPECT_FALSE(install(source, "/Applications/other")) << source;
+  }
+  EXPECT_EQ(namesIn(on("/Applications")), "Own copy") << "and no half copy is left";
+}
+
+TEST_F(RightsAttackTest, StagedItemsExchangedForLinksLeadNowhereElse) {
+  const fs::path area = on("/Library/Application Support/.installing");
+  for (int i = 0; i < 200; ++i) writeFile(machine_.payload("files") / std::to_string(i), "x");
+  std::atomic<bool> isOver = false;
+  // The user owns the folder of staged items, and replaces what is in it while the helper works.
+  std::thread attacker([&] {
+    while (!isOver) {
+      std::error_code ignored;
+      for (const auto& entry : fs::directory_iterator(area / "0", ignored)) {
+        fs::remove_all(entry.path(), ignored);
+        fs::create_directory_symlink("/private/etc", entry.path(), ignored);
+      }
+      fs::remove(area / "0.to", ignored);
+      fs::create_symlink("/private/etc", area / "0.to", ignored);
+    }
+  });
+  for (int i = 0; i < 200; ++i) {
+    install(machine_.payload("files") / std::to_string(i), "/Applications/Own/" + std::to_string(i));
+  }
+  isOver = true;
+  attacker.join();
+  EXPECT_EQ(outside(), untouched_);
 }
 
 TEST_F(RightsAttackTest, FoldersExchangedWhileToolsRunLeadNowhereElse) {
@@ -121,31 +154,28 @@ TEST_F(RightsAttackTest, FoldersExchangedWhileToolsRunLeadNowhereElse) {
 TEST_F(RightsAttackTest, TheVolumeStaysTheOneThatItWas) {
   const fs::path aside = on("").parent_path() / "aside";
   fs::rename(on(""), aside);
-  fs::create_directories(on("/Applications/Own"));
+  for (const char* const folder : {"/Applications/Own", "/Library/Application Support"})
+    fs::create_directories(on(folder));
   run("/usr/bin/touch", {"/Applications/x"});
   EXPECT_EQ(namesIn(aside / "Applications") + "|" + namesIn(on("/Applications")), "Own x|Own");
 }
 
 TEST_F(RightsAttackTest, GarbageEndsTheHelper) {
-  const auto pipe = makePipe();
   const FileDescriptor file(::open("/dev/null", O_RDWR | O_CLOEXEC));
-  const std::string good = messagesFor({"/usr/bin/touch", {"/Applications/x"}}).front();
-  const std::string full = "p" + std::string(mostMessageBytes - 1, 'x');
+  const std::string full = "p" + std::string(maxMessageBytes - 1, 'x');
   const std::pair<std::vector<std::string>, int> attempts[] = {
-      {{"garbage"}, pipe->writing.get()},
-      {{good}, -1},
-      {{good}, file.get()},
-      {{full + "more"}, pipe->writing.get()},
+      {{"garbage"}, -1},
+      {{full}, file.get()},  // a descriptor before the end
+      {{full + "more"}, -1},
       {std::vector<std::string>(40, full), -1},
   };
   for (const auto& [messages, descriptor] : attempts) {
     HelperProcess helper(program_, on(""));
-    ASSERT_EQ(helper.socket.receive().bytes, HelperSays::ready);
+    ASSERT_EQ(helper.socket.receive().bytes, messagesFor({std::string(HelperSays::ready)}).front());
     for (const std::string& message : messages) static_cast<void>(helper.socket.send(message, descriptor));
     EXPECT_EQ(helper.socket.receive().kind, Message::Kind::end) << messages.front().substr(0, 10);
     EXPECT_EQ(helper.end(), 1) << messages.front().substr(0, 10);
   }
-  EXPECT_FALSE(fs::exists(on("/Applications/x")));
 }
 
 }  // namespace

@@ -19,8 +19,9 @@ TEST(OperationTest, IsOnlyWhatTheInstallerLaunches) {
       {"/bin/chmod", {"-R", "4775", "/x"}},
       {"/bin/chmod", {"-R", "0777", "/x"}},
       {"/usr/bin/xattr", {"-dr", "security.capability", "/x"}},
-      {"/bin/cp", {"-R", "/a", "/x", "/y"}},
-      {"/bin/cp", {"-R", "/a/../b", "/x"}},
+      {"/bin/cp", {"-R", "/a", "/x"}},
+      {"/bin/mv", {"-f", "/a"}},
+      {"/bin/mv", {"-f", "/a", "/b", "/c"}},
   };
   for (const auto& [tool, arguments] : others) {
     EXPECT_FALSE(operationFor({tool, arguments}, "u")) << tool << testing::PrintToString(arguments);

@@ -19,7 +19,9 @@
 #include <utility>
 
 #include "platform/files/SystemCalls.h"
+#include "platform/files/VolumeCheck.h"
 #include "platform/processes/DesktopEntries.h"
+#include "platform/rights/HelperElevation.h"
 #include "platform/rights/HelperService.h"
 
 namespace {
@@ -40,29 +42,18 @@ FileDescriptor takeConnection() {
   return connection;
 }
 
-/// Whether the folder is laid out like a volume already. In any other folder of root's, which programs may read for
-/// what root put there, this would make the client's own items.
-bool looksLikeVolume(int folder) {
-  for (const char* const name : {"Applications", "Library"}) {
-    struct stat status {};
-    if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode)) return true;
-  }
-  return false;
-}
-
 /// The volume's root, as far as the client can get there. It must be the client's or root's: a folder of somebody
 /// else's is theirs, whatever lies in it.
-Result<FileDescriptor> openVolume(const std::string& root, const Client& client) {
+Result<FileDescriptor> openVolume(const std::string& root, uid_t client) {
   open_how how{};
   how.flags = O_PATH | O_DIRECTORY | O_CLOEXEC;
   how.resolve = RESOLVE_NO_SYMLINKS;
-  const AsClient asClient(client);
   FileDescriptor folder(static_cast<int>(::syscall(SYS_openat2, AT_FDCWD, root.c_str(), &how, sizeof how)));
   struct stat status {};
   if (!folder || ::fstat(folder.get(), &status) != 0) return systemError(errno, root);
-  const bool isRoots = status.st_uid == 0 && (root == "/" || looksLikeVolume(folder.get()));
-  const bool mayBe = root.starts_with('/') && (isRoots || status.st_uid == client.account.id);
+  const bool mayBe = root.starts_with('/') && (status.st_uid == 0 || status.st_uid == client);
   if (!mayBe) return Error::posix(std::errc::operation_not_permitted, root);
+  if (Status volume = checkMacVolume(folder.get(), client, root); !volume) return volume.error();
   return folder;
 }
 
@@ -84,17 +75,22 @@ int main(int argc, char** argv) {
   static_cast<void>(std::signal(SIGCHLD, SIG_DFL));
   if (::chdir("/") != 0) return complain("no root folder");
 
+  const std::string bundle = ownBundle();
   MessageSocket connection(takeConnection());
   const auto client = clientOf(connection.descriptor());
   ::clearenv();
   if (!client) return complain(client.error().description());
-  auto volumeRoot = openVolume(argv[1], *client);
-  if (!volumeRoot) return complain(volumeRoot.error().description());
-  const Volume volume(std::move(*volumeRoot), argv[1], ownBundle());
-  const HelperWork work(volume, *client, applicationsFolderIn(homeOnVolume(volume.root(), client->account)));
   if (!confineProcess()) return complain("the system does not let rights be given up");
+  becomeClient(*client);
 
-  const bool isAtEnd = HelperService(std::move(connection), work, client->account.name).serve();
-  // Nothing to clean up, and nothing in the way of ending at once.
+  auto volumeRoot = openVolume(argv[1], client->account.id);
+  if (!volumeRoot) return complain(volumeRoot.error().description());
+  const Volume volume(std::move(*volumeRoot), argv[1], bundle);
+  const std::string home = homeOnVolume(volume.root(), client->account);
+  const gid_t group = groupNumber("admin").value_or(client->account.group);
+  HelperElevation elevation(*client, {client->account.id, group}, Places(volume, home, client->account.id));
+  const Operations operations(volume, elevation, client->account, applicationsFolderIn(home));
+  const bool isAtEnd = HelperService(std::move(connection), volume, elevation, operations).serve();
+  // Nothing in the way of ending at once.
   std::_Exit(isAtEnd ? EXIT_SUCCESS : EXIT_FAILURE);
 }

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "foundation/Result.h"
+
+/// An item, and why it is not as it should be.
+struct ReportedProblem {
+  std::string path;
+  Error reason;
+};
+
+/// Room that an install would have needed and did not find.
+struct SpaceShortage {
+  std::uint64_t required = 0;  ///< bytes
+  std::uint64_t available = 0;
+};
+
+/// How an install was cut short from outside.
+struct Interruption {
+  int signal = 0;
+  bool wasBeforeCommit = true;  ///< nothing was changed; else everything that was staged is in place
+};
+
+/// What an install did, as far as it was seen on the disk.
+struct InstallReport {
+  std::vector<std::string> installedPaths = {};  ///< in order; one for each place in the plan
+  std::vector<std::size_t> hostsOfPaths = {};    ///< for each of them: 0 for none, else the host's position plus 1
+  std::vector<ReportedProblem> failures = {};    ///< items that are not installed, in order
+  std::vector<ReportedProblem> attributes = {};  ///< installed items with an owner, mode or time that could not be set
+  std::vector<ReportedProblem> leftBehind = {};  ///< hidden items that could not be removed
+  std::vector<ReportedProblem> unreadable = {};  ///< what could not be looked at, so that something may be missing
+  std::optional<SpaceShortage> shortage = std::nullopt;
+  std::optional<Interruption> interruption = std::nullopt;
+  bool isLogWritten = false;
+
+  /// Paths that were installed, each counted once.
+  [[nodiscard]] std::size_t placeCount() const;
+};

@@ -1,0 +1,8 @@
+#pragma once
+
+#include "install/PrivilegedTools.h"
+#include "platform/Platform.h"
+
+/// Gives the machine its identifier for usage statistics, a random UUID in a file, unless there is one. The maker's
+/// folder must be there.
+void installAnalytics(Platform& platform, PrivilegedTools& tools);

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "hosts/HostModel.h"
+#include "install/PrivilegedTools.h"
+#include "platform/Platform.h"
+
+/// Lists the editors that Lumatra X offers: the newest Photoshop among the hosts and the maker's applications that are
+/// present. The list is replaced in one step; where there is nothing to list, it is removed. Returns the path of the
+/// list when it was written.
+std::optional<std::string> configureLumatraExternalEditors(Platform& platform, PrivilegedTools& tools,
+                                                           const HostList& foundHosts);

@@ -1,0 +1,71 @@
+#include "platform/rights/HelperElevation.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "platform/files/FolderListing.h"
+#include "platform/files/Moves.h"
+#include "platform/files/SystemCalls.h"
+#include "platform/files/TreeRemoval.h"
+#include "platform/rights/OwnItems.h"
+
+namespace {
+
+Status refuse(const Volume::Spot& place) { return Error::posix(std::errc::operation_not_permitted, place.resolved); }
+
+}  // namespace
+
+bool HelperElevation::covers(const std::string& resolved) const { return places_.reach(resolved); }
+
+Status HelperElevation::makeFolder(const Volume::Spot& place, mode_t mode) {
+  const int folder = place.folder;
+  const char* const name = place.name;
+  const AsHelper helper(client_);
+  if (!places_.cover(place.resolved)) {
+    // The places themselves, and what holds them, are everybody's: they stay root's.
+    if (!places_.holdOne(place.resolved)) return refuse(place);
+    return systemStatus(::mkdirat(folder, name, 0755) != 0 ? errno : 0, place.resolved);
+  }
+  if (::mkdirat(folder, name, 0700) != 0) return systemError(errno, place.resolved);
+  const FileDescriptor made(::openat(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  struct stat status {};
+  if (!made || ::fstat(made.get(), &status) != 0) return systemError(errno, place.resolved);
+  // Whoever may rename in the folder may have put another one in its place. Only an empty one of root's is handed over.
+  const auto entries = listFolder(made.get());
+  const bool isTheOne = status.st_uid == 0 && (status.st_mode & 0777U) == 0700 && entries && entries->empty();
+  if (!isTheOne) return refuse(place);
+  // The mode first: without the right to keep it, the set-group-id bit can be set for a group of one's own only.
+  if (::fchmod(made.get(), mode) != 0) return systemError(errno, place.resolved);
+  return systemStatus(::fchown(made.get(), ownership_.user, ownership_.group) != 0 ? errno : 0, place.resolved);
+}
+
+Status HelperElevation::move(const Volume::Spot& from, const Volume::Spot& to, Move how) {
+  if (!places_.cover(from.resolved) || !places_.cover(to.resolved)) return refuse(to);
+  const AsHelper helper(client_);
+  return moveItem(from, to, how);
+}
+
+Status HelperElevation::remove(const Volume::Spot& place) {
+  if (!places_.cover(place.resolved)) return refuse(place);
+  const AsHelper helper(client_);
+  return removeTree(place.folder, place.name);
+}
+
+Status HelperElevation::handOver(const Volume::Spot& place) {
+  if (!places_.cover(place.resolved)) return refuse(place);
+  const AsHelper helper(client_);
+  return handOverOwnItems(place.folder, place.name, ownership_.user, ownership_.group);
+}
+
+Status HelperElevation::makeFile(const Volume::Spot& place) {
+  if (!places_.cover(place.resolved)) return refuse(place);
+  const AsHelper helper(client_);
+  // Only what was not there before: an old file of somebody else's is theirs.
+  constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  const FileDescriptor made(::openat(place.folder, place.name, flags, 0644));
+  const bool isMade = made && ::fchown(made.get(), ownership_.user, ownership_.group) == 0;
+  return systemStatus(isMade ? 0 : errno, place.resolved);
+}
