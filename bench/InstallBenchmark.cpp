@@ -1,22 +1,23 @@
-// Measures the quiet install against its peers on the same payloads, in one run:
+// Measures the quiet install against `cp -R` followed by `sync -f`, on the same payloads, in one run:
 //
-//   install-benchmark [FOLDER [ROUNDS]]
+//   tests/isolated build-bench/bench/install-benchmark [ROUNDS]
 //
-// FOLDER is where everything is laid out and removed again; in memory (/dev/shm, the default) the figures are those of
-// the programs and not of a disk. Each round runs every peer once; what is printed are medians of the rounds, as ratios
-// to cp -R and to the floor, in Markdown. Needs root: the install and its peers change owners.
+// Everything is laid out in memory, where the figures are those of the programs and not of a disk, and on xfs, which
+// can share blocks, in a file in memory. Each round runs both once, one after the other; what is printed are medians of
+// the rounds, in Markdown. Needs root; the rows of a user need the account that tests/isolated makes.
 
+#include <grp.h>
+#include <pwd.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iomanip>
 #include <iostream>
-#include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -24,118 +25,131 @@
 
 namespace {
 
-void makePackage(const fs::path& source, const fs::path& folder, const fs::path& package) {
-  fs::create_directories(folder / "DEBIAN");
-  fs::create_directories(folder / "Plug-Ins");
-  std::ofstream(folder / "DEBIAN/control") << "Package: bench\nVersion: 1\nArchitecture: all\nMaintainer: bench\n"
-                                              "Description: bench\n";
-  fs::copy(source, folder / "Plug-Ins/Corvane", fs::copy_options::recursive | fs::copy_options::copy_symlinks);
-  run({"dpkg-deb", "-Znone", "-b", folder, package});
-  fs::remove_all(folder);
-}
+constexpr const char* userName = "installer-trial";
 
-struct Peer {
-  std::string name;
-  std::function<Run()> once;
-  std::vector<double> times = {};
+struct Scenario {
+  std::string title;
+  std::function<void(const fs::path& folder)> makePayload;
+  bool isByUser = false;
+  bool isOnXfs = false;
+};
+
+struct Figures {
+  double copying = 0;     ///< ms
+  double installing = 0;  ///< ms
+  double ratio = 0;       ///< median of the rounds' ratios
   long peakKilobytes = 0;
 };
 
-/// `isDone` tells after each run whether it did its work.
-void measure(const std::string& title, std::vector<Peer> peers, int rounds, const std::function<void()>& cleanUp,
-             const std::function<bool()>& isDone) {
-  for (int round = 0; round < rounds; ++round) {
-    for (Peer& peer : peers) {
-      cleanUp();
-      const Run result = peer.once();
-      if (!isDone()) {
-        std::cerr << peer.name << " did not do its work\n";
-        std::exit(1);
-      }
-      peer.times.push_back(result.milliseconds);
-      peer.peakKilobytes = std::max(peer.peakKilobytes, result.peakKilobytes);
-    }
-  }
-  cleanUp();
-  std::map<std::string, double> medians;
-  for (const Peer& peer : peers) medians[peer.name] = median(peer.times);
-  const auto ratio = [&](const std::string& name, const std::string& to) {
-    std::ostringstream text;
-    if (medians.contains(to)) text << std::fixed << std::setprecision(2) << medians[name] / medians[to];
-    return text.str();
-  };
-  std::cout << "\n| " << title << " | ms | to cp -R | to the floor | peak MB |\n|---|---:|---:|---:|---:|\n";
-  for (const Peer& peer : peers) {
-    std::cout << "| " << peer.name << " | " << std::fixed << std::setprecision(0) << medians[peer.name] << " | "
-              << ratio(peer.name, "cp -R") << " | " << ratio(peer.name, "floor") << " | " << std::setprecision(1)
-              << static_cast<double>(peer.peakKilobytes) / 1024 << " |\n";
-  }
+/// Runs the command as the user, without a terminal.
+std::vector<std::string> asUser(std::vector<std::string> command) {
+  command.insert(command.begin(), {"setpriv", std::string("--reuid=") + userName, std::string("--regid=") + userName,
+                                   "--init-groups", "--reset-env", "--"});
+  return command;
 }
 
-std::vector<Peer> peersFor(const fs::path& folder, const fs::path& installer) {
+Figures measure(const Scenario& scenario, const fs::path& folder, int rounds) {
+  const fs::path payload = folder / "payload";
+  fs::remove_all(payload);
+  scenario.makePayload(payload);
+  const fs::path program = makeInstaller(INSTALLER_BUNDLE, folder / "Measured.app", payload);
+  const fs::path source = folder / "Measured.app/Contents/Resources/files/PHOTOSHOP_PLUGINS/Corvane";
   const fs::path volume = folder / "volume";
-  const fs::path target = volume / "Plug-Ins/Corvane";
-  const fs::path source = installer.parent_path().parent_path() / "Resources/files/PHOTOSHOP_PLUGINS/Corvane";
-  makePackage(source, folder / "package", folder / "bench.deb");
-  std::vector<Peer> peers;
-  peers.push_back({"cp -R", [=] { return run({"cp", "-R", source, target}); }});
-  peers.push_back({"rsync -a", [=] { return run({"rsync", "-a", source.string() + "/", target}); }});
-  peers.push_back({"dpkg -i", [=] {
-                     fs::remove_all(folder / "dpkg");
-                     fs::create_directories(folder / "dpkg/info");
-                     fs::create_directories(folder / "dpkg/updates");
-                     std::ofstream(folder / "dpkg/status").flush();
-                     return run({"dpkg", "--admindir=" + (folder / "dpkg").string(), "--instdir=" + volume.string(),
-                                 "--force-script-chrootless", "-i", folder / "bench.deb"});
-                   }});
-  peers.push_back({"floor", [=] { return run({INSTALL_FLOOR, source, target}); }});
-  const std::string script =
-      "mkdir -p \"$2\"; for f in \"$1\"/*; do t=\"$2/${f##*/}\"; cp -R \"$f\" \"$t\"; "
-      "chown -R 0:80 \"$t\"; chmod -R 0775 \"$t\"; done";
-  peers.push_back({"shell script", [=] { return run({"sh", "-c", script, "sh", source, target}); }});
-  peers.push_back({"**Installer -quiet**", [=] { return run({installer, "-quiet", "-target", volume}); }});
-  return peers;
+  const auto items = std::distance(fs::directory_iterator(source), {});
+  std::vector<double> copying;
+  std::vector<double> installing;
+  std::vector<double> ratios;
+  Figures figures;
+  for (int round = 0; round < rounds; ++round) {
+    const fs::path copies = folder / "copies";
+    fs::remove_all(copies);
+    fs::create_directories(copies);
+    const std::string copy =
+        "cp -R '" + source.string() + "' '" + copies.string() + "' && sync -f '" + copies.string() + "'";
+    copying.push_back(run({"sh", "-c", copy}).milliseconds);
+    fs::remove_all(copies);
+
+    fs::remove_all(volume);
+    makeVolume(volume, scenario.isByUser ? userName : "root");
+    std::vector<std::string> install = {program, "-quiet", "-target", volume};
+    if (scenario.isByUser) install = asUser(std::move(install));
+    const Run installed = run(install);
+    installing.push_back(installed.milliseconds);
+    figures.peakKilobytes = std::max(figures.peakKilobytes, installed.peakKilobytes);
+    ratios.push_back(installing.back() / copying.back());
+    if (std::distance(fs::directory_iterator(volume / installedItems), {}) != items) {
+      std::cerr << scenario.title << ": not all items were installed\n";
+      std::exit(1);
+    }
+  }
+  fs::remove_all(folder / "Measured.app");
+  fs::remove_all(volume);
+  figures.copying = median(copying);
+  figures.installing = median(installing);
+  figures.ratio = median(ratios);
+  return figures;
+}
+
+/// Mounts xfs with shared blocks from a file in memory; false where that cannot be had.
+bool mountXfs(const fs::path& folder) {
+  fs::create_directories(folder);
+  const std::string image = "'" + folder.string() + ".img'";
+  const std::string make = "truncate -s 2G " + image + " && mkfs.xfs -q -m reflink=1 " + image + " && mount -o loop " +
+                           image + " '" + folder.string() + "'";
+  return std::system((make + " 2>/dev/null").c_str()) == 0 && ::chmod(folder.c_str(), 0755) == 0;
+}
+
+void measureNothing(const fs::path& folder, int rounds) {
+  const fs::path program = makeInstaller(INSTALLER_BUNDLE, folder / "Nothing.app", {});
+  const fs::path volume = folder / "empty";
+  fs::create_directories(volume / "Applications");
+  fs::create_directories(volume / "Library");
+  std::vector<double> times;
+  for (int round = 0; round < 3 * rounds; ++round) {
+    times.push_back(run({program, "-quiet", "-target", volume}).milliseconds);
+  }
+  std::cout << "\nNothing to install: " << std::setprecision(1) << median(times) << " ms\n";
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  const fs::path folder = fs::path(argc > 1 ? argv[1] : "/dev/shm") / "installer-benchmark";
-  const int rounds = argc > 2 ? std::atoi(argv[2]) : 15;
+  const int rounds = argc > 1 ? std::atoi(argv[1]) : 11;
   if (::getuid() != 0 || rounds < 1) {
-    std::cerr << "usage, as root: install-benchmark [FOLDER [ROUNDS]]\n";
+    std::cerr << "usage, as root: install-benchmark [ROUNDS]\n";
     return 64;
   }
   ::unsetenv("SUDO_UID");
-  const auto cleanUp = [&] {
-    fs::remove_all(folder / "volume");
-    makeVolume(folder / "volume");
+  const auto bundles = [](const fs::path& folder) { makeBundles(folder, 15); };
+  const std::vector<Scenario> scenarios = {
+      {"1,000 loose files of 4 KB", [](const fs::path& folder) { makeLooseFiles(folder, 1000); }},
+      {"the same by a user", [](const fs::path& folder) { makeLooseFiles(folder, 1000); }, /*isByUser=*/true},
+      {"5,000 loose files of 4 KB", [](const fs::path& folder) { makeLooseFiles(folder, 5000); }},
+      {"15 bundles, 900 files, 207 MB", bundles},
+      {"1,000 bundles of 10 small files", [](const fs::path& folder) { makeSmallBundles(folder, 1000, 10); }},
+      {"one bundle of 20,000 small files", [](const fs::path& folder) { makeSmallBundles(folder, 1, 20'000); }},
+      {"15 bundles, 207 MB, on xfs", bundles, /*isByUser=*/false, /*isOnXfs=*/true},
   };
-
-  fs::remove_all(folder);
-  fs::create_directories(folder);
-  makeBundles(folder / "bundles", 40);
-  auto peers = peersFor(folder, makeInstaller(INSTALLER_BUNDLE, folder / "Bundles.app", folder / "bundles"));
-  std::erase_if(peers, [](const Peer& peer) { return peer.name == "shell script"; });
-  const auto hasItems = [&](std::ptrdiff_t items) {
-    return [=] { return std::distance(fs::directory_iterator(folder / "volume/Plug-Ins/Corvane"), {}) == items; };
-  };
-  measure("40 bundles, 2,400 files, 551 MB", peers, rounds, cleanUp, hasItems(40));
-  fs::remove_all(folder / "Bundles.app");
-
-  makeLooseFiles(folder / "loose", 1000);
-  peers = peersFor(folder, makeInstaller(INSTALLER_BUNDLE, folder / "Loose.app", folder / "loose"));
-  measure("1,000 loose files of 4 KB", peers, rounds, cleanUp, hasItems(1000));
-
-  const fs::path nothing = makeInstaller(INSTALLER_BUNDLE, folder / "Nothing.app", {});
-  const fs::path empty = folder / "empty volume";
-  fs::create_directories(empty);
-  measure(
-      "nothing to do",
-      {{"**Installer -quiet**",
-        [&] {
-          return run({nothing, "-quiet", "-target", empty});
-        }}},
-      rounds, [] {}, [] { return true; });
-  fs::remove_all(folder);
+  const fs::path memory = "/dev/shm/installer-benchmark";
+  fs::remove_all(memory);
+  fs::create_directories(memory);
+  ::chmod(memory.c_str(), 0755);
+  const bool hasXfs = mountXfs(memory / "xfs");
+  const bool hasUser = ::getpwnam(userName) != nullptr;
+  std::cout
+      << "| payload | cp -R and sync -f, ms | Installer -quiet, ms | ratio | peak MB |\n|---|---:|---:|---:|---:|\n";
+  for (const Scenario& scenario : scenarios) {
+    std::cout << "| " << scenario.title << " | ";
+    if ((scenario.isByUser && !hasUser) || (scenario.isOnXfs && !hasXfs)) {
+      std::cout << "not measured | | | |\n";
+      continue;
+    }
+    const Figures figures = measure(scenario, scenario.isOnXfs ? memory / "xfs" : memory, rounds);
+    std::cout << std::fixed << std::setprecision(1) << figures.copying << " | " << figures.installing << " | "
+              << std::setprecision(2) << figures.ratio << " | " << std::setprecision(1)
+              << static_cast<double>(figures.peakKilobytes) / 1024 << " |" << std::endl;
+  }
+  measureNothing(memory, rounds);
+  if (hasXfs) ::umount2((memory / "xfs").c_str(), MNT_DETACH);
+  fs::remove_all(memory);
 }

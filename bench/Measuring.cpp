@@ -83,6 +83,18 @@ void makeLooseFiles(const fs::path& folder, int count) {
   for (int i = 0; i < count; ++i) writeFile(folder / ("preset " + std::to_string(i)), 4096, random);
 }
 
+void makeSmallBundles(const fs::path& folder, int count, int files) {
+  std::mt19937_64 random(3);
+  for (int bundle = 0; bundle < count; ++bundle) {
+    const fs::path contents = folder / ("Small " + std::to_string(bundle) + ".plugin") / "Contents";
+    for (int i = 0; i < files; ++i) {
+      const fs::path place = contents / "Resources" / std::to_string(i / 500);
+      if (i % 500 == 0) fs::create_directories(place);
+      writeFile(place / std::to_string(i), 1024 + random() % 2048, random);
+    }
+  }
+}
+
 fs::path makeInstaller(const fs::path& bundle, const fs::path& folder, const fs::path& payload) {
   fs::copy(bundle, folder, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
   const fs::path files = folder / "Contents/Resources/files";
@@ -95,12 +107,12 @@ fs::path makeInstaller(const fs::path& bundle, const fs::path& folder, const fs:
   return folder / "Contents/MacOS/Installer";
 }
 
-void makeVolume(const fs::path& volume) {
+void makeVolume(const fs::path& volume, const std::string& user) {
   fs::create_directories(volume / "Applications/Adobe Photoshop CS6/Adobe Photoshop CS6.app");
   fs::create_directories(volume / "Library/Application Support");
-  fs::create_directories(volume / "Plug-Ins");
-  const fs::path preferences = volume / "Users/root/Library/Preferences";
+  fs::create_directories((volume / installedItems).parent_path());
+  const fs::path preferences = volume / "Users" / user / "Library/Preferences";
   fs::create_directories(preferences);
-  constexpr char paths[] = "/Applications/Adobe Photoshop CS6\0/Plug-Ins";
+  constexpr char paths[] = "/Applications/Adobe Photoshop CS6\0/Applications/Adobe Photoshop CS6/Plug-Ins";
   std::ofstream(preferences / "Adobe Photoshop CS6 Paths", std::ios::binary).write(paths, sizeof paths);
 }

@@ -36,5 +36,10 @@ void makeLooseFiles(const fs::path& folder, int count);
 /// The installer with another payload, which is moved into it; an empty path for none. Yields the program.
 fs::path makeInstaller(const fs::path& bundle, const fs::path& folder, const fs::path& payload);
 
-/// A volume with one Photoshop, whose plug-ins go to "/Plug-Ins/Corvane".
-void makeVolume(const fs::path& volume);
+/// So many bundles of so many files of 1 to 3 KB each.
+void makeSmallBundles(const fs::path& folder, int count, int files);
+
+/// Where the payload goes on the volume that makeVolume() makes.
+inline constexpr const char* installedItems = "Applications/Adobe Photoshop CS6/Plug-Ins/Corvane";
+/// A volume with one Photoshop, which the user's preferences tell of.
+void makeVolume(const fs::path& volume, const std::string& user = "root");

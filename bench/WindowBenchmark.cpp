@@ -157,7 +157,7 @@ class Benchmark {
   }
   [[nodiscard]] std::string volume() const { return folder_ / "volume"; }
   void expectItems(std::ptrdiff_t count) const {
-    if (std::distance(fs::directory_iterator(volume() + "/Plug-Ins/Corvane"), {}) == count) return;
+    if (std::distance(fs::directory_iterator(volume() + "/" + installedItems), {}) == count) return;
     std::cerr << "not everything was installed\n";
     std::exit(1);
   }
