@@ -194,7 +194,7 @@ TEST_P(TransactionTest, ReplacesItemsOfAnyKindAndMakesFolders) {
 TEST_P(TransactionTest, ChangesNothingBeforeTheCommit) {
   writeFile(on("/Applications/X.app/old"), "old");
   const std::string source = makeSource("X.app");
-  for (const std::size_t stopAfter : {0, 2}) {
+  for (const std::size_t stopAfter : {std::size_t(0), std::size_t(2)}) {
     const auto transaction = begin();
     Noting noting;
     noting.stopAfter = stopAfter;
