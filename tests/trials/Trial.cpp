@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 #include <set>
 #include <thread>
@@ -143,7 +144,9 @@ void Trial::waitForHelper(const fs::path& volume) {
   const auto isAtWork = [&] {
     for (const auto& entry : fs::directory_iterator("/proc")) {
       if (entry.path().filename().string().find_first_not_of("0123456789") != std::string::npos) continue;
-      const std::string command = readFile(entry.path() / "cmdline");
+      std::string command;  // stays empty when the process ends meanwhile
+      std::ifstream file(entry.path() / "cmdline");
+      std::getline(file, command);
       if (command.find("Helpers/rights") != std::string::npos && command.find(volume.string()) != std::string::npos) {
         return true;
       }
