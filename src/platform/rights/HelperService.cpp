@@ -213,8 +213,6 @@ Packet HelperService::finish() {
 Packet HelperService::done() const { return {std::string(HelperSays::done), {std::to_string(signal_)}}; }
 
 bool HelperService::send(const Packet& packet) const {
-  for (const std::string& message : messagesFor(packet)) {
-    if (!socket_.send(message)) return false;
-  }
-  return true;
+  const auto messages = messagesFor(packet);
+  return !messages.empty() && std::ranges::all_of(messages, [this](const auto& text) { return socket_.send(text); });
 }

@@ -10,7 +10,21 @@ namespace {
 
 /// The signal comes before the results.
 constexpr std::size_t firstResult = 1;
-constexpr int observedEvery = 30;  // milliseconds
+constexpr int observedEvery = 30;       // milliseconds
+constexpr std::size_t maxItems = 1000;  // of a request
+
+/// How many of the items, one at least, one request to stage has room for.
+std::size_t countForOneRequest(std::span<const TransactionItem> items) {
+  constexpr std::size_t room = maxPacketBytes / 2;
+  std::size_t count = 0;
+  std::size_t bytes = 0;
+  while (count < std::min(items.size(), maxItems)) {
+    bytes += items[count].source.size() + items[count].target.size();
+    if (bytes > room) break;
+    ++count;
+  }
+  return std::max<std::size_t>(count, 1);
+}
 
 Status resultOf(const Packet& reply) {
   std::size_t position = firstResult;
@@ -82,9 +96,8 @@ HelperTransaction::~HelperTransaction() {
 }
 
 Status HelperTransaction::stage(std::span<const TransactionItem> items, TransactionObserver& observer) {
-  constexpr std::size_t itemsAtOnce = 1000;
   while (!items.empty()) {
-    const auto some = items.first(std::min(items.size(), itemsAtOnce));
+    const auto some = items.first(countForOneRequest(items));
     items = items.subspan(some.size());
     Packet packet{std::string(InstallerSays::stage)};
     for (const auto& [source, target, losesQuarantine] : some) {
@@ -119,12 +132,15 @@ Packet HelperTransaction::ask(std::string_view step, TransactionObserver& observ
 Status HelperTransaction::flush(TransactionObserver& observer) { return resultOf(ask(InstallerSays::flush, observer)); }
 
 std::vector<Status> HelperTransaction::commit(std::span<const std::size_t> items) {
-  Packet packet{std::string(InstallerSays::commit)};
-  for (const std::size_t item : items) packet.texts.push_back(std::to_string(item));
-  const Packet reply = helper_->ask(packet);
   std::vector<Status> results;
-  std::size_t position = firstResult;
-  while (results.size() < items.size()) results.push_back(takeResult(reply, position));
+  while (results.size() < items.size()) {
+    const auto some = items.subspan(results.size(), std::min(items.size() - results.size(), maxItems));
+    Packet packet{std::string(InstallerSays::commit)};
+    for (const std::size_t item : some) packet.texts.push_back(std::to_string(item));
+    const Packet reply = helper_->ask(packet);
+    std::size_t position = firstResult;
+    for (std::size_t i = 0; i < some.size(); ++i) results.push_back(takeResult(reply, position));
+  }
   return results;
 }
 
