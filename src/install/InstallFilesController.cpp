@@ -29,7 +29,7 @@ void InstallFilesController::didEnterWithModel(std::shared_ptr<SetupStepModel> m
 
   install(mainController_->selectedHosts(), mainController_->shouldConfigureLumatraExternalEditors());
   announce({"successfulInstall"}, [this] {
-    installComplete_ = !fileOpErrorOccurred_;
+    installComplete_ = !fileOpErrorOccurred_ && !report_.wasCutShort();
     setUIText(localized("done"));
     setInProgress(false);
     tools_.release();
@@ -60,8 +60,8 @@ void InstallFilesController::install(const HostList& hosts, bool shouldConfigure
   logSkippedEntries(platform_, plan);
   installer_.install(plan);
   noteShortage();
-  const bool isUnchanged = authDenied() || report_.shortage || report_.interruption;
-  if (!isUnchanged) {
+  const bool isStopped = authDenied() || report_.shortage || report_.wasCutShort();
+  if (!isStopped || !installedPaths().empty()) {
     registerApplications(plan);
     if (shouldConfigureLumatraExternalEditors) configureLumatraExternalEditors();
     cleanManifests();
@@ -80,6 +80,7 @@ void InstallFilesController::noteUnreadable() {
     report_.unreadable.push_back({error.subject, error});
     fileOpErrorOccurred_ = true;
   }
+  platform_.files.forgetUnreadable();  // the next install tells of what is unreadable then
 }
 
 void InstallFilesController::begin() {
@@ -112,7 +113,7 @@ bool InstallFilesController::lockVolume() {
   const Status locked = tools_.lockVolume(waiting);
   if (locked) return true;
   if (const auto signal = platform_.interruptions.requested()) {
-    report_.interruption = {*signal, /*wasBeforeCommit=*/true};
+    report_.interruption = {*signal, Interruption::Moment::beforeChanges};
   } else {
     itemFailed(locked.error().subject, locked.error());
   }

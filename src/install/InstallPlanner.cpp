@@ -89,6 +89,7 @@ void InstallPlanner::addHostIndependent(PlannedGroup& group, const HostList& sel
   for (const ProductFolder& folder : payload_.productFolders(part)) {
     const std::string target = replacingOccurrences(folder.path, mirror, "");
     PlannedBatch batch{.alwaysInstall = true};
+    batch.items.reserve(folder.items.size());
     for (const WalkedItem& item : folder.items) {
       batch.items.push_back(planItem(item, joinPath(target, lastPathComponent(item.path))));
     }
@@ -113,6 +114,7 @@ void InstallPlanner::addHost(PlannedGroup& group, const HostModel& host) {
 
 void InstallPlanner::addHostFiles(PlannedGroup& group, const std::string& from, const std::string& to) {
   PayloadPart part = payload_.filesBelow(from);
+  group.batches.reserve(group.batches.size() + part.items.size());
   for (const WalkedItem& item : part.items) {
     const std::string target = joinPath({replacingOccurrences(item.path, from, to)});
     PlannedBatch batch{.isBundle = item.isPackage, .alwaysInstall = true};

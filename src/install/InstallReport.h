@@ -20,10 +20,15 @@ struct SpaceShortage {
   std::uint64_t available = 0;
 };
 
-/// How an install was cut short from outside.
+/// How the program was asked to end during an install.
 struct Interruption {
+  enum class Moment {
+    beforeChanges,  ///< nothing was changed
+    betweenItems,   ///< items were installed one at a time, and some are in place
+    tooLate,        ///< the install was completed
+  };
   int signal = 0;
-  bool wasBeforeCommit = true;  ///< nothing was changed; else everything that was staged is in place
+  Moment moment = Moment::beforeChanges;
 };
 
 /// What an install did, as far as it was seen on the disk.
@@ -38,6 +43,10 @@ struct InstallReport {
   std::optional<Interruption> interruption = std::nullopt;
   bool isLogWritten = false;
 
+  /// Whether the install ended before all items were attempted.
+  [[nodiscard]] bool wasCutShort() const {
+    return interruption && interruption->moment != Interruption::Moment::tooLate;
+  }
   /// Paths that were installed, each counted once.
   [[nodiscard]] std::size_t placeCount() const;
 };

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -63,15 +64,22 @@ class ItemInstaller {
   /// Stages the items. False when staging has to stop altogether: rights were refused, the room is used up, or the
   /// program is asked to end.
   [[nodiscard]] bool stage(Members members);
-  [[nodiscard]] bool begin(const std::string& firstTarget);
+  [[nodiscard]] Status begin();
+  /// Gives the staged items their places, group by group up to the first failure.
   void commit();
+  [[nodiscard]] std::vector<ReportedProblem> commitGroup(std::span<const Member> group);
   /// Looks for the item for some milliseconds: a file system may be slow to show it.
   [[nodiscard]] bool appearsInTime(const PlannedItem& item);
   /// The staged items whose places still may change.
   [[nodiscard]] Members stillWanted() const;
   void discard();
+  /// Tells of a failure, unless it was told of before.
+  void fail(const std::string& path, const Error& reason);
+  /// The same failure keeps all of these from being installed: tells of the first, and adds the others to the report.
+  void failAll(std::span<const Member> members, const Error& reason);
+  /// Whether the program is asked to end, which cuts the install short.
   [[nodiscard]] bool isInterrupted();
-  [[nodiscard]] bool flush();
+  [[nodiscard]] Status flush();
 
   Platform& platform_;
   PrivilegedTools& tools_;

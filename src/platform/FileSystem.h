@@ -156,6 +156,7 @@ class FileSystem {
   /// What could not be looked at so far, for another reason than that there is nothing: whoever asked took it for
   /// missing. Stays when a later look succeeds. A walk with a handler for this tells the handler instead.
   [[nodiscard]] virtual std::vector<Error> unreadable() const = 0;
+  virtual void forgetUnreadable() = 0;
 
   /// Whether items could be installed into the folder, which need not exist, with administrator rights where those
   /// reach.

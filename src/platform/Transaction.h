@@ -70,10 +70,12 @@ class Transaction {
   /// Gives the staged items with these numbers their places, one after the other, with nothing in between. Creates
   /// missing folders (0775 for the folder of an item and the one above it). Each step is atomic where the file system
   /// can exchange two names; elsewhere the old item is set aside first, and comes back when the second step fails.
-  /// Returns a result for each number, after a look at the disk. An item that was not staged fails.
+  /// Returns a result for each number, after a look at the disk. An item that was not staged fails; one that got its
+  /// place but cannot be seen there yet fails with resource_unavailable_try_again.
   virtual std::vector<Status> commit(std::span<const std::size_t> items) = 0;
 
-  /// Removes the old versions of committed items and all that was not committed. Returns an error for everything that
+  /// Removes the old versions of committed items and all that was not committed. After a flush that failed, the old
+  /// versions stay where they are hidden. Returns an error for everything that
   /// stays behind in a hidden folder; the next transaction on the volume tries again. The transaction can be used
   /// again.
   virtual std::vector<Error> finish(TransactionObserver& observer) = 0;

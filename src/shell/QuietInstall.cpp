@@ -22,8 +22,7 @@ class Summary {
 
   void write(const HostList& hosts, const InstallFilesController& controller) {
     const InstallReport& report = controller.report();
-    const bool isInterrupted = report.interruption && report.interruption->wasBeforeCommit;
-    const bool succeeded = !controller.authDenied() && !controller.fileOpErrorOccurred() && !isInterrupted;
+    const bool succeeded = !controller.authDenied() && !controller.fileOpErrorOccurred() && !report.wasCutShort();
     line(formatted(succeeded ? text("quiet_succeeded", "%1$@ was installed on %2$@")
                              : text("quiet_failed", "%1$@ was not installed completely on %2$@"),
                    productName(platform()), system_.shownPath("/")));
@@ -70,16 +69,24 @@ class Summary {
       list(report.leftBehind);
     }
     if (report.interruption) {
-      const std::string format = report.interruption->wasBeforeCommit
-                                     ? text("quiet_interrupted", "Stopped by signal %@. Nothing was changed.")
-                                     : text("quiet_completed", "Signal %@ came too late to stop.");
-      line(formatted(format, std::to_string(report.interruption->signal)));
+      line(formatted(interruptionText(report.interruption->moment), std::to_string(report.interruption->signal)));
     }
     if (report.isLogWritten) {
       line(formatted(text("quiet_log", "Log: %@"), system_.shownPath(PlugInFilesModel(platform()).installerLogPath())));
     } else if (!report.installedPaths.empty()) {
       line(text("quiet_no_log", "The log of installed paths could not be written."));
     }
+  }
+
+  [[nodiscard]] std::string interruptionText(Interruption::Moment moment) {
+    switch (moment) {
+      case Interruption::Moment::beforeChanges:
+        return text("quiet_interrupted", "Stopped by signal %@. Nothing was changed.");
+      case Interruption::Moment::betweenItems:
+        return text("quiet_stopped", "Stopped by signal %@ before all items were installed.");
+      case Interruption::Moment::tooLate: return text("quiet_completed", "Signal %@ came too late to stop.");
+    }
+    return {};
   }
 
   [[nodiscard]] Platform& platform() { return system_.platform(); }

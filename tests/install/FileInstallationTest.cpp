@@ -105,7 +105,8 @@ TEST_F(FileInstallationTest, MakesFoldersWithToolsWhereTheUserMayNot) {
 TEST_F(FileInstallationTest, ReportsEachFileThatFailsAndGoesOn) {
   writeFile(on("/T/b"), "old");
   rights_.transaction.unstageable = {{"/T/a", std::errc::io_error}, {"/T/b", std::errc::permission_denied}};
-  rights_.transaction.uncommittable = {{"/T/late", std::errc::no_such_file_or_directory},
+  rights_.transaction.uncommittable = {{"/T/late", std::errc::resource_unavailable_try_again},
+                                       {"/T/lost", std::errc::no_such_file_or_directory},
                                        {"/T/never", std::errc::read_only_file_system}};
   rights_.transaction.without = {{"/T/c", std::errc::operation_not_permitted}};
   Paths order;
@@ -118,15 +119,15 @@ TEST_F(FileInstallationTest, ReportsEachFileThatFailsAndGoesOn) {
   machine_.clock.whileSleeping = [&] {
     if (machine_.clock.sleeps.size() == 20) fs::rename(on("/T/hidden"), on("/T/late"));
   };
-  install({source("a"), source("b"), source("c"), source("late"), source("never")});
+  install({source("a"), source("b"), source("c"), source("late"), source("never"), source("lost")});
   EXPECT_TRUE(controller_.fileOpErrorOccurred());
-  EXPECT_EQ(failedPaths(), (Paths{"/T/a", "/T/b", "/T/never"}));
+  EXPECT_EQ(failedPaths(), (Paths{"/T/a", "/T/b", "/T/never", "/T/lost"}));
   EXPECT_EQ(controller_.report().failures[1].reason.reason(), "Permission denied");
   EXPECT_EQ(controller_.installedPaths(), (Paths{"/T/c", "/T/late"}));
   EXPECT_EQ(controller_.report().attributes.front().path, "/T/c");
   EXPECT_EQ(readFile(on("/T/b")), "old") << "what could not be replaced stays";
   EXPECT_EQ(order, (Paths{"stage /T/a 0", "stage /T/b 1", "stage /T/c 2", "stage /T/late 2", "stage /T/never 2",
-                          "flush 2", "commit 2 3 4 2", "flush 3", "finish 3"}))
+                          "stage /T/lost 2", "flush 2", "commit 2 3 4 5 2", "flush 4", "finish 4"}))
       << "alerts come while staging, and never between two commits";
   EXPECT_EQ(log_.count("Could not install file: /T/a"), 1);
   EXPECT_EQ(log_.count("Took a delay to verify file late"), 1);
@@ -197,17 +198,29 @@ TEST_F(FileInstallationTest, LeavesEverythingAsItWasWhenItIsAskedToEndInTime) {
     controller.installSourceFiles({source("a"), source("b")}, "/T", /*isBundle=*/false, /*alwaysInstall=*/true);
     const bool isTooLate = moment == "commit 0 1";
     EXPECT_EQ(readFile(on("/T/a")), isTooLate ? "new" : "old") << moment;
-    EXPECT_EQ(controller.report().interruption->wasBeforeCommit, !isTooLate) << moment;
+    EXPECT_EQ(controller.report().wasCutShort(), !isTooLate) << moment;
     EXPECT_EQ(rights_.transaction.steps.back(), "finish") << moment;
   }
+
+  // Where items are installed one at a time, the first ones are in place.
+  rights_.transaction = {};
+  machine_.interruptions.signal.reset();
+  rights_.transaction.roomForItems = 1;
+  rights_.transaction.before = [&](const std::string& step) {
+    if (step == "commit 0") machine_.interruptions.signal = 15;
+  };
+  install({source("a"), source("b")});
+  EXPECT_EQ(controller_.installedPaths(), Paths{"/T/a"});
+  EXPECT_EQ(controller_.report().interruption->moment, Interruption::Moment::betweenItems);
 }
 
 TEST_F(FileInstallationTest, DoesNotCommitWhatIsNotOnTheMedium) {
   writeFile(on("/T/a"), "old");
   rights_.transaction.flushError = std::errc::io_error;
-  install({source("a")});
+  install({source("a"), source("b")});
   EXPECT_EQ(readFile(on("/T/a")), "old");
-  EXPECT_TRUE(controller_.fileOpErrorOccurred());
+  EXPECT_EQ(failedPaths(), (Paths{"/T/a", "/T/b"}));
+  EXPECT_EQ(machine_.toolkit.alerts.size(), 1U) << "one cause, one alert";
   rights_.transaction.flushError.reset();
   rights_.transaction.leftBehind = {"/T/.installing"};
   install({source("a")});

@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include "hosts/LightRoomHostModel.h"
 #include "hosts/PhotoshopHostModel.h"
 #include "install/InstallFilesController.h"
@@ -55,7 +57,7 @@ TEST_F(InstallSequenceTest, InstallsWithoutAWindow) {
   // All items are put in place in one go; then come registration and the log.
   const Paths& steps = machine_.authorizations.transaction.steps;
   EXPECT_EQ(steps[6], "flush");
-  EXPECT_EQ(steps[7], "commit 0 1 2 3 4 5");
+  EXPECT_EQ((Paths{steps.begin() + 7, steps.begin() + 10}), (Paths{"commit 0 1 2 3", "commit 4", "commit 5"}));
   Paths tools;
   for (const std::string& launch : machine_.authorizations.launches) {
     tools.push_back(fs::path(launch.substr(0, launch.find('|'))).filename());
@@ -135,13 +137,43 @@ TEST_F(InstallSequenceTest, LogsWhatWasInstalledUpToAFailure) {
   EXPECT_TRUE(failed.starts_with(studio_ + "\n")) << failed;
   EXPECT_EQ(failed.find(inPhotoshop_), std::string::npos) << failed;
 
+  // The same for a failure that shows at the end only, in what belongs to no host.
   machine_.authorizations.transaction.unstageable.clear();
+  machine_.authorizations.transaction.uncommittable = {{product_ + "/b", std::errc::device_or_resource_busy}};
+  enter();
+  EXPECT_EQ(readFile(on(inPhotoshop_)), "old");
+  EXPECT_EQ(machine_.toolkit.alerts.size(), 2U);
+
+  machine_.authorizations.transaction.uncommittable.clear();
   controller_.install({photoshop_}, false);
   const std::string whole = log();
   EXPECT_TRUE(whole.ends_with("/b\n" + inPhotoshop_ + "\n")) << "replaced, not added to: " << whole;
   fs::remove_all(machine_.payload(""));
   controller_.install({photoshop_}, false);
   EXPECT_EQ(log(), whole) << "kept when there is nothing to log";
+}
+
+TEST_F(InstallSequenceTest, ChangesNothingWhenItIsStoppedInTime) {
+  const fs::path manifest = machine_.inLibrary("Application Support/Corvane/manifest.xml");
+  writeFile(manifest, "");
+  machine_.authorizations.transaction.before = [&](const std::string& step) {
+    if (step == "stage " + inPhotoshop_) machine_.interruptions.signal = 15;
+  };
+  enter();
+  EXPECT_EQ(machine_.authorizations.launches, Paths());
+  EXPECT_TRUE(fs::exists(manifest));
+  EXPECT_FALSE(fs::exists(on(studio_)));
+  EXPECT_FALSE(controller_.successfulInstall());
+  EXPECT_LT(controller_.progress(), 1);
+}
+
+TEST_F(InstallSequenceTest, TellsOnceOfWhatWasUnreadable) {
+  ASSERT_EQ(::mknod(on("/Library/socket").c_str(), S_IFSOCK | 0600, 0), 0);
+  static_cast<void>(platform_.files.readFile("/Library/socket", 10));
+  controller_.install({photoshop_}, false);
+  EXPECT_EQ(controller_.report().unreadable.size(), 1U);
+  controller_.install({photoshop_}, false);
+  EXPECT_EQ(controller_.report().unreadable.size(), 0U);
 }
 
 TEST_F(InstallSequenceTest, FailsWhenPartOfThePayloadCannotBeListed) {

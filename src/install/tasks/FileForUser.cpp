@@ -16,6 +16,7 @@ bool writeFileForUser(Platform& platform, PrivilegedTools& tools, const FileForU
   const auto opened = platform.files.openForWriting(fresh);
   if (!opened) {
     platform.log.write(file.cannotOpen);
+    tools.runIgnoringResult("/bin/rm", {"-fR", fresh});
     return false;
   }
   try {
@@ -25,6 +26,8 @@ bool writeFileForUser(Platform& platform, PrivilegedTools& tools, const FileForU
     tools.runIgnoringResult("/bin/rm", {"-fR", fresh});
     return false;
   }
+  const auto present = platform.files.attributesOfItem(file.path);
+  if (present && present->type == ItemType::folder) tools.runIgnoringResult("/bin/rm", {"-fR", file.path});
   tools.runIgnoringResult("/bin/mv", {"-f", fresh, file.path});
   if (!platform.files.isTaken(fresh)) return true;
   platform.log.write(file.cannotOpen);

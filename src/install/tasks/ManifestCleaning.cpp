@@ -23,9 +23,11 @@ void cleanManifests(Platform& platform) {
   }
   const std::string base = joinPath(platform.folders.userApplicationSupport(), company);
   for (const std::string_view folder : split(manifestFolders, ';')) {
-    platform.files.walk(joinPath(base, folder), [&](const WalkedItem& item) {
+    const auto visit = [&](const WalkedItem& item) {
       if (item.type != ItemType::regularFile || lastPathComponent(item.path) != "manifest.xml") return;
-      ignore(platform.files.removeItem(item.path));  // a stale manifest costs the application some time, no more
-    });
+      ignore(platform.files.removeItem(item.path));
+    };
+    // A stale manifest costs the application some time, no more: what cannot be listed or removed is no failure.
+    platform.files.walk(joinPath(base, folder), {.visit = visit, .unreadable = [](const Error& /*error*/) {}});
   }
 }

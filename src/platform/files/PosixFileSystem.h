@@ -36,6 +36,7 @@ class PosixFileSystem : public FileSystem {
   Result<DiskSpace> spaceFor(const std::string& path) const override;
   [[nodiscard]] bool mayShareBlocks(const std::string& source, const std::string& target) const override;
   [[nodiscard]] std::vector<Error> unreadable() const override;
+  void forgetUnreadable() override { unreadable_.clear(); }
   Status checkTargetFolder(const std::string& path) const override;
   Status checkReplaceable(const std::string& path) const override;
   Result<std::unique_ptr<VolumeLock>> tryLock() override;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <deque>
 #include <future>
 #include <system_error>
 #include <utility>
@@ -39,33 +40,36 @@ Result<std::unique_ptr<Transaction>> StagedTransaction::begin(const Volume& volu
 }
 
 StagedTransaction::~StagedTransaction() {
-  static_cast<void>(removeAreas());  // the next transaction tries again
+  if (unflushed_ == 0) static_cast<void>(removeAreas());  // the next transaction tries again
 }
 
 Status StagedTransaction::stage(std::span<const TransactionItem> items, TransactionObserver& observer) {
-  std::vector<Preparation> prepared;
+  std::deque<Preparation> ahead;  // of the items from the one whose turn it is
+  std::span<const TransactionItem> rest = items;
   const auto prepareSome = [&] {
     std::vector<CopyPool::Request> requests;
-    const std::size_t end = std::min(items.size(), prepared.size() + preparedAtOnce);
-    while (prepared.size() < end) {
+    for (const TransactionItem& item : rest.first(std::min(rest.size(), preparedAtOnce))) {
       const std::size_t copy = pool_.size() + requests.size();
-      Preparation preparation{prepare(items[prepared.size()], requests)};
+      Preparation preparation{prepare(item, requests)};
       if (pool_.size() + requests.size() > copy) preparation.copy = copy;
-      prepared.push_back(std::move(preparation));
+      ahead.push_back(std::move(preparation));
     }
+    rest = rest.subspan(std::min(rest.size(), preparedAtOnce));
     pool_.add(std::move(requests));
   };
 
   const std::size_t first = items_.size();
   for (std::size_t i = 0; i < items.size(); ++i) {
     // Some items are always ahead of the one that is waited for.
-    if (prepared.size() < items.size() && prepared.size() < i + preparedAtOnce / 2 + 1) prepareSome();
+    if (!rest.empty() && ahead.size() <= preparedAtOnce / 2) prepareSome();
+    const Preparation preparation = std::move(ahead.front());
+    ahead.pop_front();
     observer.willStage(first + i);
     bool mayGoOn = true;
-    while (mayGoOn && prepared[i].copy && !pool_.waitFor(*prepared[i].copy, observedEvery)) {
+    while (mayGoOn && preparation.copy && !pool_.waitFor(*preparation.copy, observedEvery)) {
       mayGoOn = observer.whileBusy(copied());
     }
-    mayGoOn = mayGoOn && observer.didStage(first + i, settle(first + i, prepared[i])) && observer.whileBusy(copied());
+    mayGoOn = mayGoOn && observer.didStage(first + i, settle(first + i, preparation)) && observer.whileBusy(copied());
     if (mayGoOn) continue;
     pool_.cancel();
     return Error::posix(std::errc::operation_canceled, "");
@@ -197,7 +201,7 @@ ItemResult StagedTransaction::settle(std::size_t number, const Preparation& prep
   if (item.sameAs) {
     item.state = items_[*item.sameAs].state;
     if (item.state == Item::State::staged) return result;
-    return {Error::posix(std::errc::io_error, joinPath(folder.target, item.name))};
+    return {Error::posix(std::errc::operation_canceled, joinPath(folder.target, item.name))};
   }
   if (preparation.copy) {
     auto [content, attributes] = pool_.takeOutcome(*preparation.copy);
@@ -234,5 +238,8 @@ Status StagedTransaction::flush(TransactionObserver& observer) {
     }
   };
   attend(flushAll, observer);
+  const bool isCommitted =
+      std::ranges::any_of(items_, [](const Item& item) { return item.state == Item::State::committed; });
+  unflushed_ = !flushed && isCommitted ? flushed.error().code : 0;
   return flushed;
 }

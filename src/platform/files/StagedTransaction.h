@@ -70,6 +70,7 @@ class StagedTransaction : public Transaction {
   /// Does the work in a thread of its own while the calling thread only waits, and tells the observer meanwhile.
   void attend(const std::function<void()>& work, TransactionObserver& observer);
   std::vector<Error> removeAreas();
+  void forgetAreas();
 
   // Staging.
   /// Adds the item, and the request to copy it if it is to be copied.
@@ -97,6 +98,7 @@ class StagedTransaction : public Transaction {
   const Ownership ownership_;
   const CopyPool::Caller caller_;
   CopyCount copied_;
+  int unflushed_ = 0;               ///< error of the last flush after a commit, or 0
   std::vector<StagingArea> areas_;  ///< the one that every installer finds first
   std::vector<MountedFileSystem> fileSystems_;
   std::vector<Folder> folders_;

@@ -43,7 +43,9 @@ std::vector<std::size_t> StagedTransaction::countListed(std::span<const std::siz
 }
 
 Status StagedTransaction::commitItem(Item& item, const std::vector<std::size_t>& listed) {
-  if (item.state != Item::State::staged) return Error::posix(std::errc::operation_canceled, item.name);
+  const bool isReady =
+      item.sameAs ? items_[*item.sameAs].state == Item::State::committed : item.state == Item::State::staged;
+  if (!isReady) return Error::posix(std::errc::operation_canceled, item.name);
   Folder& folder = folders_[item.folder];
   const bool isWhole = folder.isMissing && folder.isClean && listed[item.folder] == folder.staged;
   if (isWhole) moveWholeFolder(item.folder);
@@ -131,11 +133,16 @@ Status StagedTransaction::verify(const Item& item, const Volume::Spot& target) c
   if (error == EACCES) return {};  // only the elevated rights can look
   const std::string path = joinPath(folders_[item.folder].target, item.name);
   if (item.isRemoval) return systemStatus(isThere ? EEXIST : error == ENOENT ? 0 : error, path);
-  return systemStatus(error, path);
+  return systemStatus(error == ENOENT ? EAGAIN : error, path);
 }
 
 std::vector<Error> StagedTransaction::finish(TransactionObserver& observer) {
   std::vector<Error> left;
+  if (unflushed_ != 0) {
+    for (const StagingArea& area : areas_) left.push_back(systemError(unflushed_, area.place().resolved));
+    forgetAreas();
+    return left;
+  }
   attend([&] { left = removeAreas(); }, observer);
   return left;
 }
@@ -151,12 +158,17 @@ std::vector<Error> StagedTransaction::removeAreas() {
     if (const Status attempted = area->remove(elevation_); !attempted) removed = attempted;
     if (!removed) left.push_back(removed.error());
   }
+  forgetAreas();
+  return left;
+}
+
+void StagedTransaction::forgetAreas() {
   areas_.clear();
+  unflushed_ = 0;
   fileSystems_.clear();
   folders_.clear();
   folderOfTarget_.clear();
   for (Item& item : items_) {
     if (item.state == Item::State::staged) item.state = Item::State::failed;
   }
-  return left;
 }

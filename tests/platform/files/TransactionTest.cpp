@@ -258,6 +258,32 @@ TEST_P(TransactionTest, ServesOnePlaceTwiceAndRemoves) {
   EXPECT_EQ(namesIn(on("/Applications")), "P");
 }
 
+TEST_P(TransactionTest, FailsBothOfTwoEqualItemsWhenOneCannotBePlaced) {
+  const std::string file = makeFile("one", "new");
+  writeFile(on("/Applications/P/x"), "old");
+  const Items items = {{file, "/Applications/P/x"}, {file, "/Applications/P/x"}};
+  const auto transaction = begin();
+  Noting noting;
+  EXPECT_TRUE(transaction->stage(viewsOf(items), noting));
+  // Somebody clears the hidden folder.
+  for (const auto& folder : fs::directory_iterator(on("/Library/Application Support/.installing"))) {
+    if (fs::is_directory(folder)) fs::remove(folder.path() / "x");
+  }
+  const std::vector<Status> results = transaction->commit(Numbers{0, 1});
+  EXPECT_EQ(results[0].error().reason(), "No such file or directory");
+  EXPECT_FALSE(results[1]);
+  EXPECT_EQ(readFile(on("/Applications/P/x")), "old");
+}
+
+TEST_P(TransactionTest, TakesMoreItemsThanOneRequestHolds) {
+  Items items;
+  const std::string file = makeFile("file", "x");
+  const std::string folder = "/Applications/" + std::string(200, 'f') + "/" + std::string(200, 'g');
+  for (int i = 0; i < 2500; ++i) items.push_back({file, folder + "/" + std::to_string(i) + std::string(200, 'n')});
+  const Paths errors = install(items);
+  EXPECT_EQ(std::ranges::count(errors, ""), 2500);
+}
+
 TEST_P(TransactionTest, LeavesTheOldItemAloneOnAFullDisk) {
   fs::create_directories(on("/Applications/small"));
   if (::mount("none", on("/Applications/small").c_str(), "tmpfs", 0, "size=240k,mode=755") != 0) {
