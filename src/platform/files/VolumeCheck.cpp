@@ -2,6 +2,13 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+#include "platform/files/SystemCalls.h"
+#include "platform/posix/ProcessSetUp.h"
 
 namespace {
 
@@ -25,4 +32,14 @@ Status checkMacVolume(int folder, uid_t user, const std::string& shownPath) {
     }
   }
   return {};
+}
+
+Result<Volume> openMacVolume(const std::string& target, const std::string& bundlePath, uid_t user) {
+  const auto unusable = [&](int number) { return systemError(number, "cannot install into \"" + target + "\""); };
+  auto root = realPath(target);
+  if (!root) return unusable(errno);
+  FileDescriptor handle(::open(root->c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (!handle || ::access(root->c_str(), X_OK) != 0) return unusable(errno);
+  if (Status volume = checkMacVolume(handle.get(), user, target); !volume) return volume.error();
+  return Volume(std::move(handle), *std::move(root), bundlePath);
 }

@@ -1,52 +1,14 @@
 #include "platform/linux/LinuxPlatform.h"
 
 #include <dlfcn.h>
-#include <fcntl.h>
-#include <unistd.h>
 
-#include <cerrno>
-#include <csignal>
-#include <cstdlib>
-#include <optional>
 #include <utility>
 
 #include "foundation/Path.h"
-#include "platform/files/SystemCalls.h"
 #include "platform/files/VolumeCheck.h"
+#include "platform/posix/ProcessSetUp.h"
 
 namespace {
-
-/// Without links; nothing when the path leads nowhere.
-std::optional<std::string> realPath(const std::string& path) {
-  const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
-  if (real == nullptr) return std::nullopt;
-  return std::string(real.get());
-}
-
-/// The bundle that holds this program at Contents/MacOS.
-std::optional<std::string> ownBundle() {
-  const auto program = realPath("/proc/self/exe");
-  if (!program) return std::nullopt;
-  const std::string folder = deletingLastPathComponent(*program);
-  const std::string contents = deletingLastPathComponent(folder);
-  if (lastPathComponent(folder) != "MacOS" || lastPathComponent(contents) != "Contents") return std::nullopt;
-  return deletingLastPathComponent(contents);
-}
-
-/// What a program that starts others, and is started by anyone, must not leave to chance.
-void setUpProcess() {
-  // A standard descriptor that came closed would be given to the next file that is opened.
-  int descriptor = 0;
-  do {
-    descriptor = ::open("/dev/null", O_RDWR);
-  } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
-  if (descriptor > STDERR_FILENO) ::close(descriptor);
-  // Nobody reading our output, or a limit on the size of files, is an error like any other and not the end of an
-  // install.
-  static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
-  static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
-  ::umask(022);
-}
 
 Error noWindow(const std::string& problem) {
   return {.domain = std::string(noWindowDomain), .userInfo = {{std::string(Error::localizedDescriptionKey), problem}}};
@@ -121,16 +83,12 @@ std::string LinuxPlatform::shownPath(const std::string& path) const { return joi
 
 Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& target, Surface surface) {
   setUpProcess();
-  const auto unusable = [&](int number) { return systemError(number, "cannot install into \"" + target + "\""); };
-  const auto root = realPath(target);
-  if (!root) return unusable(errno);
-  FileDescriptor handle(::open(root->c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-  if (!handle || ::access(root->c_str(), X_OK) != 0) return unusable(errno);
   auto user = loggedInUser();
   if (!user) return user.error();
-  if (Status volume = checkMacVolume(handle.get(), user->id, target); !volume) return volume.error();
-  const auto bundle = ownBundle();
+  const auto bundle = bundleOfOwnProgram("/proc/self/exe");
   if (!bundle) return Error::posix(std::errc::no_such_file_or_directory, "the bundle that the program should lie in");
+  auto volume = openMacVolume(target, *bundle, user->id);
+  if (!volume) return volume.error();
   std::string problem;
   const auto makeInterface = [&](const WindowServices& services) {
     std::unique_ptr<UserInterface> made;
@@ -138,8 +96,7 @@ Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& ta
     if (made == nullptr) made = std::make_unique<ConsoleInterface>();
     return made;
   };
-  auto system = std::make_unique<LinuxPlatform>(Volume(std::move(handle), *root, *bundle), *bundle, std::move(*user),
-                                                makeInterface, surface);
+  auto system = std::make_unique<LinuxPlatform>(std::move(*volume), *bundle, std::move(*user), makeInterface, surface);
   if (!problem.empty()) return noWindow(problem);
   return std::unique_ptr<SystemPlatform>(std::move(system));
 }

@@ -7,8 +7,8 @@
 #include "platform/SystemPlatform.h"
 #include "platform/files/PosixFileSystem.h"
 #include "platform/files/Volume.h"
-#include "platform/linux/LinuxProcessor.h"
 #include "platform/linux/LinuxWorkspace.h"
+#include "platform/posix/CpuidProcessor.h"
 #include "platform/posix/MacFolders.h"
 #include "platform/posix/PosixClock.h"
 #include "platform/posix/PosixIdentifiers.h"
@@ -56,7 +56,7 @@ class LinuxPlatform : public SystemPlatform {
   DesktopEntries desktopEntries_;
   FolderQueries metadataQueries_;
   LinuxWorkspace workspace_;
-  LinuxProcessor processor_;
+  CpuidProcessor processor_;
   PosixIdentifiers identifiers_;
   PosixClock clock_;
   Platform platform_;

@@ -25,10 +25,6 @@ class LaunchedApplication : public RunningApplication {
   FileDescriptor process_;
 };
 
-bool isFileName(const std::string& name) {
-  return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos;
-}
-
 std::string nameWithoutExtension(const std::string& path) {
   const std::string name = lastPathComponent(path);
   const std::string_view extension = pathExtension(name);
@@ -84,14 +80,4 @@ void LinuxWorkspace::openUrl(const std::string& url) {
   static_cast<void>(session_.start(urlOpener_, {url}));
 }
 
-std::string LinuxWorkspace::iconFile(const std::string& path) const {
-  const auto bundle = bundles_.bundleAtPath(path);
-  if (bundle == nullptr) return {};
-  const std::string name = bundle->infoValue("CFBundleIconFile").text();
-  if (!isFileName(name)) return {};
-  for (const std::string& candidate : {name, name + ".icns"}) {
-    std::string icon = joinPath({path, "Contents/Resources", candidate});
-    if (files_.exists(icon) && !files_.contentsOfDirectory(icon)) return icon;
-  }
-  return {};
-}
+std::string LinuxWorkspace::iconFile(const std::string& path) const { return iconFileOf(path, bundles_, files_); }

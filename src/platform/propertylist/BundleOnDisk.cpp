@@ -100,3 +100,19 @@ std::unique_ptr<Bundle> BundlesOnDisk::bundleAtPath(const std::string& path) con
   if (!files_.contentsOfDirectory(path)) return nullptr;
   return std::make_unique<BundleOnDisk>(path, files_, user_, log_);
 }
+
+bool isFileName(const std::string& name) {
+  return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos;
+}
+
+std::string iconFileOf(const std::string& path, const Bundles& bundles, const FileSystem& files) {
+  const auto bundle = bundles.bundleAtPath(path);
+  if (bundle == nullptr) return {};
+  const std::string name = bundle->infoValue("CFBundleIconFile").text();
+  if (!isFileName(name)) return {};
+  for (const std::string& candidate : {name, name + ".icns"}) {
+    std::string icon = joinPath({path, "Contents/Resources", candidate});
+    if (files.exists(icon) && !files.contentsOfDirectory(icon)) return icon;
+  }
+  return {};
+}

@@ -43,6 +43,12 @@ class BundleOnDisk : public Bundle {
   mutable std::map<std::string, Texts, std::less<>> tables_;
 };
 
+/// Whether the text can be the name of one item in a folder.
+[[nodiscard]] bool isFileName(const std::string& name);
+
+/// Path of the icon that the bundle at the path names; empty when it has none.
+[[nodiscard]] std::string iconFileOf(const std::string& path, const Bundles& bundles, const FileSystem& files);
+
 class BundlesOnDisk : public Bundles {
  public:
   BundlesOnDisk(const std::string& mainBundlePath, const FileSystem& files, const User& user, Log& log)

@@ -1,16 +1,16 @@
-#include "platform/linux/LinuxProcessor.h"
+#include "platform/posix/CpuidProcessor.h"
 
 #if defined(__x86_64__) || defined(__i386__)
 
 #include <cpuid.h>
 
-Processor::Registers LinuxProcessor::identification(std::uint32_t leaf, std::uint32_t subLeaf) const {
+Processor::Registers CpuidProcessor::identification(std::uint32_t leaf, std::uint32_t subLeaf) const {
   Registers registers;
   __cpuid_count(leaf, subLeaf, registers.eax, registers.ebx, registers.ecx, registers.edx);
   return registers;
 }
 
-std::uint64_t LinuxProcessor::extendedControlRegister() const {
+std::uint64_t CpuidProcessor::extendedControlRegister() const {
   std::uint32_t low = 0;
   std::uint32_t high = 0;
   __asm__ volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
@@ -19,9 +19,9 @@ std::uint64_t LinuxProcessor::extendedControlRegister() const {
 
 #else
 
-Processor::Registers LinuxProcessor::identification(std::uint32_t /*leaf*/, std::uint32_t /*subLeaf*/) const {
+Processor::Registers CpuidProcessor::identification(std::uint32_t /*leaf*/, std::uint32_t /*subLeaf*/) const {
   return {};
 }
-std::uint64_t LinuxProcessor::extendedControlRegister() const { return 0; }
+std::uint64_t CpuidProcessor::extendedControlRegister() const { return 0; }
 
 #endif

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+/// Prepares this process: no standard descriptor is closed, no signal ends it for a lost reader or a file that is too
+/// large, and what it creates is readable by everybody.
+void setUpProcess();
+
+/// The path without links; nothing when it leads nowhere.
+[[nodiscard]] std::optional<std::string> realPath(const std::string& path);
+
+/// The bundle that holds the program in Contents/MacOS, as a path without links; nothing when none does.
+[[nodiscard]] std::optional<std::string> bundleOfOwnProgram(const std::string& program);
