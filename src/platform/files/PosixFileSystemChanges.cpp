@@ -60,7 +60,7 @@ Status PosixFileSystem::createFile(const std::string& path, std::string_view con
   if (!file) return file.error();
   if (Status written = file->write(content); !written) return written;
   if (const int error = handToUser(file->handle(), place->folder.get())) return systemError(error, path);
-  if (::fchmod(file->handle(), permissions) != 0) return systemError(errno, path);
+  if (::fchmod(file->handle(), static_cast<mode_t>(permissions)) != 0) return systemError(errno, path);
   return std::move(*file).putInPlace();
 }
 
@@ -90,7 +90,7 @@ Status PosixFileSystem::createDirectory(const std::string& path, std::uint32_t p
   const FileDescriptor made(::openat(folder, place->name.c_str(), folderToRead | O_NOFOLLOW));
   if (!made) return systemError(errno, path);
   if (const int error = handToUser(made.get(), folder)) return systemError(error, path);
-  if (::fchmod(made.get(), permissions) != 0) return systemError(errno, path);
+  if (::fchmod(made.get(), static_cast<mode_t>(permissions)) != 0) return systemError(errno, path);
   return {};
 }
 
@@ -103,7 +103,8 @@ Status PosixFileSystem::setAttributes(const std::string& path, const OwnershipAn
   if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return systemError(errno, path);
   if (attributes.permissions && !S_ISLNK(status.st_mode)) {
     const FileDescriptor item(::openat(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!item || ::fchmod(item.get(), *attributes.permissions) != 0) return systemError(errno, path);
+    if (!item || ::fchmod(item.get(), static_cast<mode_t>(*attributes.permissions)) != 0)
+      return systemError(errno, path);
   }
   const auto owner = attributes.owner ? userNumber(*attributes.owner) : std::optional(static_cast<uid_t>(-1));
   const auto group = attributes.group ? groupNumber(*attributes.group) : std::optional(static_cast<gid_t>(-1));

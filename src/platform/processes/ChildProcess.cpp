@@ -26,10 +26,10 @@ Result<pid_t> spawn(const ChildProcess& child) {
 
   posix_spawnattr_t attributes;
   ::posix_spawnattr_init(&attributes);
-  sigset_t signals;
-  ::sigemptyset(&signals);
+  sigset_t signals;  // filled by functions here and by macros elsewhere
+  sigemptyset(&signals);
   ::posix_spawnattr_setsigmask(&attributes, &signals);
-  ::sigfillset(&signals);
+  sigfillset(&signals);
   ::posix_spawnattr_setsigdefault(&attributes, &signals);
   ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
 

@@ -36,7 +36,7 @@ bool PollRunLoop::runBeforeDate(Clock::time_point limit) {
       const auto source = weak.lock();
       polled.push_back({source != nullptr ? source->descriptor : -1, POLLIN, 0});
     }
-    const int ready = ::poll(polled.data(), polled.size(), timeUntil(limit));
+    const int ready = ::poll(polled.data(), static_cast<nfds_t>(polled.size()), timeUntil(limit));
     if (ready < 0 && errno == EINTR) continue;
     for (std::size_t i = 0; ready > 0 && i < polled.size(); ++i) {
       if (polled[i].revents == 0) continue;
