@@ -38,7 +38,8 @@ endfunction()
 function(check_includes target system_headers folders may_include)
   set(checked "")
   foreach(folder IN LISTS folders)
-    file(GLOB files ${PROJECT_SOURCE_DIR}/src/${folder}/*.h ${PROJECT_SOURCE_DIR}/src/${folder}/*.cpp)
+    file(GLOB files ${PROJECT_SOURCE_DIR}/src/${folder}/*.h ${PROJECT_SOURCE_DIR}/src/${folder}/*.cpp
+         ${PROJECT_SOURCE_DIR}/src/${folder}/*.mm)
     list(APPEND checked ${files})
   endforeach()
   set_property(GLOBAL APPEND PROPERTY CHECKED_SOURCES ${checked})
@@ -52,14 +53,15 @@ function(check_includes target system_headers folders may_include)
     DEPENDS ${checked} ${PROJECT_SOURCE_DIR}/cmake/CheckLayer.cmake
     COMMENT "Checking the includes of ${target}"
     VERBATIM)
-  add_custom_target(${target}-includes DEPENDS ${stamp})
+  add_custom_target(${target}-includes ALL DEPENDS ${stamp})
   add_dependencies(${target} ${target}-includes)
 endfunction()
 
 # Stops when a file below src/ belongs to no layer.
 function(check_layers)
   get_property(checked GLOBAL PROPERTY CHECKED_SOURCES)
-  file(GLOB_RECURSE sources ${PROJECT_SOURCE_DIR}/src/*.h ${PROJECT_SOURCE_DIR}/src/*.cpp)
+  file(GLOB_RECURSE sources ${PROJECT_SOURCE_DIR}/src/*.h ${PROJECT_SOURCE_DIR}/src/*.cpp
+       ${PROJECT_SOURCE_DIR}/src/*.mm)
   list(REMOVE_ITEM sources ${checked})
   if(sources)
     list(JOIN sources "\n  " sources)

@@ -62,8 +62,7 @@ std::array<timespec, 2> onlyModified(const struct stat& status) {
   return {timespec{0, UTIME_OMIT}, modificationTime(status)};
 }
 
-CopyErrors setAttributes(int source, int target, const struct stat& status, const CopyAttributes& attributes) {
-  if (const int error = copyExtendedAttributes(source, target, attributes.losesQuarantine)) return {error, 0};
+CopyErrors setAttributes(int target, const struct stat& status, const CopyAttributes& attributes) {
   Attempt attempt;
   if (attributes.ownership) {
     attempt.attribute(::fchown(target, attributes.ownership->user, attributes.ownership->group));
@@ -78,17 +77,27 @@ CopyErrors setAttributes(int source, int target, const struct stat& status, cons
 CopyErrors copyAttributes(int source, int target, const CopyAttributes& attributes) {
   struct stat status {};
   if (::fstat(source, &status) != 0) return {errno, 0};
-  return setAttributes(source, target, status, attributes);
+  if (const int error = copyExtendedAttributes(source, target, attributes.losesQuarantine)) return {error, 0};
+  return setAttributes(target, status, attributes);
 }
 
 CopyErrors copyFile(int source, const struct stat& status, int targetFolder, const std::string& targetName,
                     const CopyAttributes& attributes, CopyCount& copied) {
-  const FileDescriptor target(
-      ::openat(targetFolder, targetName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+  const char* const name = targetName.c_str();
+  const bool isCloned = cloneFile(source, targetFolder, name, attributes.losesQuarantine) == 0;
+  const int flags = isCloned ? O_RDONLY : O_WRONLY | O_CREAT | O_EXCL;
+  const FileDescriptor target(::openat(targetFolder, name, flags | O_NOFOLLOW | O_CLOEXEC, 0600));
   if (!target) return {errno, 0};
-  if (const int error = copyContent(source, target.get(), status, copied)) return {error, 0};
+  int error = 0;
+  if (isCloned) {
+    copied.bytes += static_cast<std::uint64_t>(status.st_size);
+  } else {
+    error = copyContent(source, target.get(), status, copied);
+    if (error == 0) error = copyExtendedAttributes(source, target.get(), attributes.losesQuarantine);
+  }
+  if (error != 0) return {error, 0};
   ++copied.files;
-  return setAttributes(source, target.get(), status, attributes);
+  return setAttributes(target.get(), status, attributes);
 }
 
 CopyErrors copyFile(int sourceFolder, const std::string& name, int targetFolder, const CopyAttributes& attributes,

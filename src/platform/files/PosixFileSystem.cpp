@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -235,10 +234,10 @@ Result<FileDescriptor> PosixFileSystem::openNearestFolder(const std::string& pat
 Result<DiskSpace> PosixFileSystem::spaceFor(const std::string& path) const {
   const auto folder = openNearestFolder(path);
   if (!folder) return folder.error();
-  struct statvfs status {};
   struct stat itself {};
-  if (::fstatvfs(folder->get(), &status) != 0 || ::fstat(folder->get(), &itself) != 0) return systemError(errno, path);
-  return DiskSpace{.fileSystem = itself.st_dev, .available = std::uint64_t{status.f_bavail} * status.f_frsize};
+  const auto available = availableSpace(folder->get());
+  if (!available || ::fstat(folder->get(), &itself) != 0) return systemError(errno, path);
+  return DiskSpace{.fileSystem = static_cast<std::uint64_t>(itself.st_dev), .available = *available};
 }
 
 bool PosixFileSystem::mayShareBlocks(const std::string& source, const std::string& target) const {

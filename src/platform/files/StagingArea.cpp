@@ -156,15 +156,14 @@ Result<StagingArea::Folder> StagingArea::createFolder(std::size_t number, const 
   const std::string name = std::to_string(number);
   const std::string note = name + std::string(targetSuffix);
   if (::symlinkat(target.c_str(), handle(), note.c_str()) != 0) return systemError(errno, place_.resolved);
-  // With the bit, what is created in the folder belongs to its group.
-  constexpr mode_t mode = S_ISGID | 0700;
+  constexpr mode_t mode = groupPassingBit | 0700;
   const Volume::Place place = placeOfFolder(number);
   auto made = makeUserFolder(place.spot(), mode, ownership, elevation);
   if (!made) return made.error();
   struct stat status {};
   if (::fstat(made->get(), &status) != 0) return systemError(errno, place_.resolved);
   const bool isOurs = status.st_uid == ownership.user && ::geteuid() == ownership.user;
-  const bool passesGroupOn = status.st_gid == ownership.group && (status.st_mode & S_ISGID) != 0;
+  const bool passesGroupOn = status.st_gid == ownership.group && (status.st_mode & groupPassingBit) == groupPassingBit;
   return Folder{.staged = std::move(*made), .inheritsOwnership = isOurs && passesGroupOn};
 }
 

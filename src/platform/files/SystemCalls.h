@@ -16,9 +16,17 @@
 /// Opens a folder as a starting point for other calls; needs only the right to search it.
 [[nodiscard]] FileDescriptor openFolderHandle(int folder, const char* name, bool followLink);
 
+/// Copies an open regular file to a free name in one step, with its extended attributes and modes, as a file of this
+/// process's user that is not locked, so that both share all blocks. Without the download-quarantine mark when
+/// `losesQuarantine`. Fails where the file system cannot; when the name is taken after that, it is an unfinished clone.
+[[nodiscard]] int cloneFile(int source, int targetFolder, const char* name, bool losesQuarantine);
+
 /// Copies `length` bytes at `offset` of one open file to the same place in another. Shares the blocks where the file
 /// system can. EIO when the source is shorter.
 [[nodiscard]] int copyFileRange(int source, int target, std::int64_t offset, std::int64_t length);
+
+/// The same by reading and writing, on every file system.
+[[nodiscard]] int copyByHand(int source, int target, std::int64_t offset, std::int64_t length);
 
 /// Copies the extended attributes of one open item to another, without the download-quarantine mark when
 /// `losesQuarantine`. Succeeds when either side supports none.
@@ -44,11 +52,22 @@ Result<MountedFileSystem> fileSystemOf(int item);
 /// Whether a copy between the two open items may share blocks and need no space.
 [[nodiscard]] bool mayShareBlocks(int item, int otherItem);
 
+/// Bytes that this process may still write to the file system of the item.
+Result<std::uint64_t> availableSpace(int item);
+
 /// Writes everything that the file system of the item holds in memory to the medium. The item must be open for reading.
 [[nodiscard]] int flushFileSystem(int item);
 
 /// Whether the item is marked as immutable or append-only, so that not even root can remove it.
 [[nodiscard]] bool isImmutable(int folder, const char* name);
+
+/// The mode bit with which what is created in a folder belongs to the folder's group; 0 where it always does, and where
+/// only the group's members may set the bit.
+#ifdef __APPLE__
+inline constexpr mode_t groupPassingBit = 0;
+#else
+inline constexpr mode_t groupPassingBit = S_ISGID;
+#endif
 
 /// Modification time of the item.
 [[nodiscard]] inline timespec modificationTime(const struct stat& status) {

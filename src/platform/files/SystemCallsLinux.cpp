@@ -2,6 +2,7 @@
 #include <linux/fs.h>
 #include <sys/sendfile.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/syscall.h>
 #include <sys/vfs.h>
 #include <sys/xattr.h>
@@ -58,31 +59,14 @@ int copyBySendfile(int source, int target, std::int64_t& offset, std::int64_t& l
   return 0;
 }
 
-int copyByHand(int source, int target, std::int64_t offset, std::int64_t length) {
-  std::vector<char> buffer(std::size_t{128} * 1024);
-  while (length > 0) {
-    const auto wanted = static_cast<std::size_t>(std::min<std::int64_t>(length, std::ssize(buffer)));
-    const ssize_t got = ::pread(source, buffer.data(), wanted, offset);
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) return errno;
-    if (got == 0) return EIO;
-    for (ssize_t written = 0; written < got;) {
-      const ssize_t put =
-          ::pwrite(target, buffer.data() + written, static_cast<std::size_t>(got - written), offset + written);
-      if (put < 0 && errno == EINTR) continue;
-      if (put < 0) return errno;
-      written += put;
-    }
-    offset += got;
-    length -= got;
-  }
-  return 0;
-}
-
 }  // namespace
 
 FileDescriptor openFolderHandle(int folder, const char* name, bool followLink) {
   return FileDescriptor(::openat(folder, name, O_PATH | O_DIRECTORY | O_CLOEXEC | (followLink ? 0 : O_NOFOLLOW)));
+}
+
+int cloneFile(int /*source*/, int /*targetFolder*/, const char* /*name*/, bool /*losesQuarantine*/) {
+  return ENOTSUP;  // the kernel shares blocks while it copies
 }
 
 int copyFileRange(int source, int target, std::int64_t offset, std::int64_t length) {
@@ -157,6 +141,12 @@ Result<MountedFileSystem> fileSystemOf(int item) {
   if (!status) return systemError(errno, "");
   return MountedFileSystem{.device = (std::uint64_t{status->stx_dev_major} << 32U) | status->stx_dev_minor,
                            .mount = status->stx_mnt_id};
+}
+
+Result<std::uint64_t> availableSpace(int item) {
+  struct statvfs status {};
+  if (::fstatvfs(item, &status) != 0) return systemError(errno, "");
+  return std::uint64_t{status.f_bavail} * status.f_frsize;
 }
 
 bool mayShareBlocks(int item, int otherItem) {

@@ -21,7 +21,7 @@
 #include "platform/propertylist/BundleOnDisk.h"
 #include "platform/propertylist/PropertyListPreferences.h"
 #include "platform/rights/LinuxAuthorization.h"
-#include "platform/rights/Places.h"
+#include "platform/files/Places.h"
 #include "platform/window/WindowModule.h"
 
 /// Linux, installing into a Mac volume.

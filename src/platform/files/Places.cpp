@@ -1,4 +1,4 @@
-#include "platform/rights/Places.h"
+#include "platform/files/Places.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

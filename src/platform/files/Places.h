@@ -5,7 +5,8 @@
 
 #include "platform/files/Volume.h"
 
-/// Where on a volume the helper's rights go further than those of its user: where this program installs into.
+/// Where on a volume administrator rights are used for what the user's own do not allow: where this program installs
+/// into.
 class Places {
  public:
   /// `home` is the user's on the volume. It is a place only when it belongs to the user: an account's home may be "/".
@@ -17,7 +18,7 @@ class Places {
   /// Whether it is a place, or a folder that holds one.
   [[nodiscard]] bool holdOne(const std::string& resolved) const;
 
-  /// Either of them: what the helper can create.
+  /// Either of them: what can be created with the rights.
   [[nodiscard]] bool reach(const std::string& resolved) const { return cover(resolved) || holdOne(resolved); }
 
  private:

@@ -1,0 +1,117 @@
+#include "platform/macos/MacWorkspace.h"
+
+#import <AppKit/AppKit.h>
+
+#include <utility>
+
+#include "platform/macos/ObjectReference.h"
+#include "platform/propertylist/BundleOnDisk.h"
+
+/// Passes the workspace's news on, for as long as it is the observer.
+@interface InstallerTerminationObserver : NSObject {
+ @public
+  const Workspace::TerminationHandler* handler_;
+}
+- (void)applicationEnded:(NSNotification*)notification;
+@end
+
+@implementation InstallerTerminationObserver
+- (void)applicationEnded:(NSNotification*)notification {
+  NSRunningApplication* const application = [[notification userInfo] objectForKey:NSWorkspaceApplicationKey];
+  // A copy: the handler may end the observation.
+  const Workspace::TerminationHandler handler = *handler_;
+  handler(toText([application localizedName]));
+}
+@end
+
+namespace {
+
+NSNotificationCenter* centre() { return [[NSWorkspace sharedWorkspace] notificationCenter]; }
+
+class TerminationObservation {
+ public:
+  explicit TerminationObservation(Workspace::TerminationHandler handler)
+      : handler_(std::move(handler)), observer_([[InstallerTerminationObserver alloc] init]) {
+    observer_.get()->handler_ = &handler_;
+    [centre() addObserver:observer_.get()
+                 selector:@selector(applicationEnded:)
+                     name:NSWorkspaceDidTerminateApplicationNotification
+                   object:nil];
+  }
+  TerminationObservation(const TerminationObservation&) = delete;
+  TerminationObservation& operator=(const TerminationObservation&) = delete;
+  ~TerminationObservation() { [centre() removeObserver:observer_.get()]; }
+
+ private:
+  Workspace::TerminationHandler handler_;
+  ObjectReference<InstallerTerminationObserver> observer_;
+};
+
+class LaunchedApplication : public RunningApplication {
+ public:
+  explicit LaunchedApplication(NSRunningApplication* application) : application_([application retain]) {}
+
+  void terminate() override {
+    @autoreleasepool {
+      [application_.get() terminate];
+    }
+  }
+
+ private:
+  ObjectReference<NSRunningApplication> application_;
+};
+
+}  // namespace
+
+std::vector<std::string> MacWorkspace::launchedApplications() const {
+  std::vector<std::string> names;
+  @autoreleasepool {
+    NSArray* const running = [[NSWorkspace sharedWorkspace] runningApplications];
+    for (NSUInteger i = 0; i < [running count]; ++i) {
+      NSRunningApplication* const application = [running objectAtIndex:i];
+      // The others have neither a window nor a place in the Dock, and nobody could be asked to quit them.
+      if ([application activationPolicy] != NSApplicationActivationPolicyRegular) continue;
+      names.push_back(toText([application localizedName]));
+    }
+  }
+  return names;
+}
+
+Workspace::Observation MacWorkspace::observeTerminations(TerminationHandler handler) {
+  @autoreleasepool {
+    return std::make_shared<TerminationObservation>(std::move(handler));
+  }
+}
+
+std::unique_ptr<RunningApplication> MacWorkspace::launchHidden(const std::string& path,
+                                                               const std::vector<std::string>& arguments) {
+  const auto place = volume_.realPath(path, Volume::LastLink::follow, Volume::Purpose::look);
+  if (!place) return nullptr;
+  @autoreleasepool {
+    std::vector<id> texts;
+    for (const std::string& argument : arguments) {
+      if (NSString* const text = toObject(argument)) texts.push_back(text);
+    }
+    NSString* const location = toObject(*place);
+    if (location == nil || texts.size() != arguments.size()) return nullptr;
+    NSArray* const given = [NSArray arrayWithObjects:texts.data() count:texts.size()];
+    NSRunningApplication* const application = [[NSWorkspace sharedWorkspace]
+        launchApplicationAtURL:[NSURL fileURLWithPath:location isDirectory:YES]
+                       options:NSWorkspaceLaunchNewInstance | NSWorkspaceLaunchAndHide |
+                               NSWorkspaceLaunchWithoutActivation
+                 configuration:[NSDictionary dictionaryWithObject:given forKey:NSWorkspaceLaunchConfigurationArguments]
+                         error:nullptr];
+    if (application == nil) return nullptr;
+    return std::make_unique<LaunchedApplication>(application);
+  }
+}
+
+void MacWorkspace::openUrl(const std::string& url) {
+  @autoreleasepool {
+    NSString* const text = toObject(url);
+    NSURL* const address = text != nil ? [NSURL URLWithString:text] : nil;
+    if (address != nil) [[NSWorkspace sharedWorkspace] openURL:address];
+  }
+}
+
+std::string MacWorkspace::iconFile(const std::string& path) const { return iconFileOf(path, bundles_, files_); }
