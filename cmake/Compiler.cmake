@@ -7,7 +7,9 @@ endif()
 
 # The program runs with administrator rights: what the compiler can harden, it hardens.
 add_compile_options(-fstack-protector-strong -fPIC)
-add_link_options($<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-pie> -Wl,-z,relro,-z,now)
+if(NOT APPLE) # which has it so by itself
+  add_link_options($<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-pie> -Wl,-z,relro,-z,now)
+endif()
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT INSTALLER_SANITIZERS)
   add_compile_definitions(_FORTIFY_SOURCE=2)
 endif()
