@@ -6,6 +6,7 @@
 // point, and is scaled down to where it is shown.
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QImage>
 #include <QImageWriter>
 #include <QLinearGradient>
@@ -17,6 +18,7 @@
 #include <numbers>
 
 #include "HostTiles.h"
+#include "IconFile.h"
 
 namespace {
 
@@ -30,8 +32,8 @@ QColor withAlpha(QColor colour, double alpha) {
 }
 
 template <class Draw>
-QImage picture(QSize points, int pixelsPerPoint, Draw draw) {
-  QImage image(points * pixelsPerPoint, QImage::Format_ARGB32_Premultiplied);
+QImage picture(QSize points, double pixelsPerPoint, Draw draw) {
+  QImage image((QSizeF(points) * pixelsPerPoint).toSize(), QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   QPainter painter(&image);
   painter.setRenderHint(QPainter::Antialiasing);
@@ -107,8 +109,8 @@ QImage product() {
   });
 }
 
-QImage installer() {
-  return picture({128, 128}, 2, [](QPainter& painter) {
+QImage installer(int side) {
+  return picture({128, 128}, side / 128.0, [](QPainter& painter) {
     QLinearGradient body(0, 8, 0, 120);
     body.setColorAt(0, QColor(0x34, 0x3a, 0x46));
     body.setColorAt(1, QColor(0x1a, 0x1d, 0x26));
@@ -195,6 +197,13 @@ bool save(const QImage& image, const QString& path) {
   return false;
 }
 
+bool save(const QByteArray& bytes, const QString& path) {
+  QFile file(path);
+  if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush()) return true;
+  std::cerr << path.toStdString() << ": " << file.errorString().toStdString() << '\n';
+  return false;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -205,7 +214,8 @@ int main(int argc, char** argv) {
   }
   const QString folder = QString::fromLocal8Bit(argv[1]) + '/';
   const QString icons = QString::fromLocal8Bit(argv[2]) + '/';
-  const bool isDone = save(product(), folder + "Product.tiff") && save(installer(), folder + "Installer.icns") &&
+  const bool isDone = save(product(), folder + "Product.tiff") &&
+                      save(iconFile(installer), folder + "Installer.icns") &&
                       save(application(), folder + "GenericApplication.tiff") &&
                       save(dot(QColor(0x4c, 0x9b, 0xff), QColor(0x0b, 0x5f, 0xd6)), folder + "DotBlue.tiff") &&
                       save(dot(QColor(0xb4, 0xb4, 0xb9), QColor(0x95, 0x95, 0x9b)), folder + "DotGray.tiff") &&
