@@ -59,7 +59,7 @@ bool TestMachine::layOut() {
         inLibrary("Application Support/Adobe"), inBundle("Helpers")}) {
     fs::create_directories(folder);
   }
-  fs::create_symlink(fs::path(HELPERS_FOLDER) / "launch", inBundle("Helpers/launch"));
+  TestPlatform::addHelpers(inBundle("Helpers"));
   writeFile(inBundle("Resources/en.lproj/installer.strings"),
             "company_name = Corvane; product_name = \"Dunmore 3\"; app_plist = \"com.corvane.dunmore3\";");
   writeFile(inBundle("Resources/en.lproj/Localizable.strings"), R"(

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/linux/LinuxPlatform.h"
+#include "TestPlatform.h"  // in a folder for each system
 #include "support/Recording.h"
 
 namespace fs = std::filesystem;
@@ -60,9 +60,8 @@ class TestMachine {
   fs::path bundle_ = folder_.path() / "Installer.app";
   UserAccount account_ = *loggedInUser();
   std::string home_ = "/Users/" + account_.name;
-  bool isLaidOut_ = layOut();
-  LinuxPlatform system_{Volume(volume_, bundle_), bundle_, account_,
-                        [](const WindowServices&) { return std::make_unique<ConsoleInterface>(); }};
+  [[maybe_unused]] bool isLaidOut_ = layOut();
+  TestPlatform system_{volume_, bundle_, account_};
   Platform& real_ = system_.platform();
   PosixUser user_{account_, {"en"}};
 

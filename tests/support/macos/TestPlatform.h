@@ -1,0 +1,17 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "platform/macos/MacPlatform.h"
+
+/// The platform of this system for tests.
+class TestPlatform : public MacPlatform {
+ public:
+  TestPlatform(const std::string& volume, const std::string& bundle, const UserAccount& account)
+      : MacPlatform(Volume(volume, bundle), bundle, account, {"en"}) {}
+
+  /// There are none.
+  static void addHelpers(const std::filesystem::path& /*folder*/) {}
+};
