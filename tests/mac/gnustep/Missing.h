@@ -1,0 +1,16 @@
+// What GNUstep's headers lack of what the installer uses.
+#pragma once
+
+#ifdef __OBJC__
+#import <AppKit/AppKit.h>
+
+static NSString* const NSWorkspaceApplicationKey = @"NSWorkspaceApplicationKey";
+static NSString* const NSWorkspaceLaunchConfigurationArguments = @"NSWorkspaceLaunchConfigurationArguments";
+
+@interface NSWorkspace (Missing)
+- (NSRunningApplication*)launchApplicationAtURL:(NSURL*)url
+                                        options:(NSWorkspaceLaunchOptions)options
+                                  configuration:(NSDictionary*)configuration
+                                          error:(NSError**)error;
+@end
+#endif
