@@ -46,16 +46,17 @@ class SilentLog : public Log {
 
 struct Machine {
   LargeVolume volume;
-  LinuxPlatform system{volume.root(), "/nowhere/Installer.app", {0, 0, "someone", "/"}, [](const WindowServices&) {
-                         return std::make_unique<ConsoleInterface>();
-                       }};
+  LinuxPlatform system{Volume(volume.root(), "/nowhere/Installer.app"),
+                       "/nowhere/Installer.app",
+                       {0, 0, "someone", "/"},
+                       [](const WindowServices&) { return std::make_unique<ConsoleInterface>(); }};
   SilentLog log;
   Platform platform = [&] {
     const Platform& real = system.platform();
     return Platform{real.files,     real.bundles, real.folders,       real.preferences,    real.authorizations,
                     real.tasks,     real.runLoop, real.notifications, real.launchServices, real.metadataQueries,
                     real.workspace, real.toolkit, real.processor,     real.identifiers,    log,
-                    real.user,      real.clock};
+                    real.user,      real.clock,   real.interruptions};
   }();
 };
 
