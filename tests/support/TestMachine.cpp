@@ -16,6 +16,8 @@ TemporaryFolder::~TemporaryFolder() {
   fs::remove_all(path_, ignored);
 }
 
+bool isIsolated() { return std::getenv("INSTALLER_ISOLATED") != nullptr; }
+
 void writeFile(const fs::path& path, std::string_view content) {
   fs::create_directories(path.parent_path());
   std::ofstream file(path, std::ios::binary);

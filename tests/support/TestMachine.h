@@ -27,6 +27,9 @@ class TemporaryFolder {
   fs::path path_;
 };
 
+/// Whether tests/isolated runs the test: accounts, /etc and mounts are the test's own and end with it.
+[[nodiscard]] bool isIsolated();
+
 void writeFile(const fs::path& path, std::string_view content);
 [[nodiscard]] std::string readFile(const fs::path& path);
 /// Permission bits, in octal.

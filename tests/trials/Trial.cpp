@@ -73,8 +73,6 @@ int Trial::rounds(int inShort) {
   return rounds == nullptr ? inShort : std::atoi(rounds);
 }
 
-bool Trial::isIsolated() { return std::getenv("INSTALLER_ISOLATED") != nullptr; }
-
 void Trial::makePayload(const fs::path& folder, const std::string& version) const {
   for (int i = 0; i < bundleCount; ++i) {
     const fs::path contents = folder / bundleName(i) / "Contents";

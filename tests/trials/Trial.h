@@ -28,8 +28,6 @@ class Trial : public testing::Test {
 
   /// How often the trial is repeated.
   [[nodiscard]] static int rounds(int inShort);
-  /// Skips unless the trial may make accounts and mount disks, which go with its namespace.
-  [[nodiscard]] static bool isIsolated();
 
   /// Lays out the volume with the old version anew.
   void reset() const { reset(volume_); }

@@ -285,10 +285,9 @@ TEST_P(TransactionTest, TakesMoreItemsThanOneRequestHolds) {
 }
 
 TEST_P(TransactionTest, LeavesTheOldItemAloneOnAFullDisk) {
+  if (!isIsolated()) GTEST_SKIP() << "needs tests/isolated: it mounts a file system";
   fs::create_directories(on("/Applications/small"));
-  if (::mount("none", on("/Applications/small").c_str(), "tmpfs", 0, "size=240k,mode=755") != 0) {
-    GTEST_SKIP() << "needs the right to mount a small file system";
-  }
+  ASSERT_EQ(::mount("none", on("/Applications/small").c_str(), "tmpfs", 0, "size=240k,mode=755"), 0);
   writeFile(on("/Applications/small/X.app/old"), std::string(150'000, 'o'));
   EXPECT_EQ(install({{makeSource("X.app"), "/Applications/small/X.app"}}), Paths{"No space left on device"});
   EXPECT_EQ(readFile(on("/Applications/small/X.app/old")).size(), 150'000U);
@@ -351,9 +350,9 @@ TEST_P(TransactionTest, ExchangesInTwoStepsAndRestoresWhatWasCutShort) {
 }
 
 TEST_P(TransactionTest, CleansUpWhatWasKilledOnEveryFileSystem) {
+  if (!isIsolated()) GTEST_SKIP() << "needs tests/isolated: it mounts a file system";
   fs::create_directories(on("/Applications/other"));
-  const bool hasOther = ::mount("none", on("/Applications/other").c_str(), "tmpfs", 0, "mode=755") == 0;
-  if (!hasOther) GTEST_SKIP() << "needs the right to mount a file system";
+  ASSERT_EQ(::mount("none", on("/Applications/other").c_str(), "tmpfs", 0, "mode=755"), 0);
   const std::string source = makeSource("X.app", 1000);
   const fs::path area = on("/Library/Application Support/.installing");
   const fs::path otherArea = on("/Applications/other/.installing");
