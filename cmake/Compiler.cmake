@@ -1,5 +1,5 @@
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
-                    -Wimplicit-fallthrough -Wnull-dereference -Werror)
+                    -Wimplicit-fallthrough -Wnull-dereference)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # g++ 12 sees null dereferences and overlaps inside its own library when it inlines std::variant and std::string.
   add_compile_options(-Wno-null-dereference -Wno-restrict -Wno-maybe-uninitialized)
@@ -15,8 +15,8 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT INSTALLER_SANITIZERS)
 endif()
 
 if(INSTALLER_SANITIZERS)
-  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
-  add_link_options(-fsanitize=address,undefined)
+  add_compile_options(-fsanitize=${INSTALLER_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
+  add_link_options(-fsanitize=${INSTALLER_SANITIZERS})
 endif()
 if(INSTALLER_FUZZERS)
   add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -g)

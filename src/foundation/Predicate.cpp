@@ -78,9 +78,9 @@ struct JunctionNode : Node {
   std::vector<NodePointer> nodes;
 };
 
-class Parser {
+class PredicateParser {
  public:
-  Parser(std::string_view text, std::span<const Value> arguments) : text_(text), arguments_(arguments) {}
+  PredicateParser(std::string_view text, std::span<const Value> arguments) : text_(text), arguments_(arguments) {}
 
   NodePointer parse() {
     NodePointer root = parseOr();
@@ -207,7 +207,7 @@ class Parser {
 }  // namespace
 
 Predicate Predicate::parse(std::string_view text, std::span<const Value> arguments) {
-  return Predicate(Parser(text, arguments).parse());
+  return Predicate(PredicateParser(text, arguments).parse());
 }
 
 bool Predicate::evaluate(const Value& value) const {

@@ -9,9 +9,9 @@
 
 namespace {
 
-class Parser {
+class TableParser {
  public:
-  explicit Parser(std::string_view text) : text_(text) {}
+  explicit TableParser(std::string_view text) : text_(text) {}
 
   StringsTable parse() {
     StringsTable table;
@@ -173,7 +173,7 @@ class Parser {
 
 StringsTable parseStringsTable(std::string_view bytes) {
   const DecodedText decoded = decodeTextFile(bytes);
-  StringsTable table = Parser(decoded.text).parse();
+  StringsTable table = TableParser(decoded.text).parse();
   if (table.problem.empty() && !decoded.lossless) table.problem = "some of it is neither UTF-8 nor UTF-16";
   return table;
 }

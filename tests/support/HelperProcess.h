@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,10 @@
 
 /// The account that the tests' helpers serve; it owns nothing but what a test gives it.
 inline constexpr uid_t nobody = 65534;
+
+/// Who makes a privileged change: root in the test's process, or the helper for a user.
+enum class Way { byRoot, byHelper };
+inline void PrintTo(Way way, std::ostream* out) { *out << (way == Way::byRoot ? "ByRoot" : "ByHelper"); }
 
 /// Owner and group of the item itself, as numbers: "0:0".
 [[nodiscard]] std::string ownerOf(const fs::path& path);

@@ -1,13 +1,14 @@
 #include "platform/files/FolderListing.h"
 
 #include <dirent.h>
-#include <fcntl.h>
+#include <limits.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <memory>
-#include <optional>
 
 #include "platform/files/SystemCalls.h"
 #include "platform/posix/FileDescriptor.h"
@@ -28,6 +29,13 @@ std::optional<ItemType> entryType(int folder, const dirent& entry) {
 }
 
 }  // namespace
+
+std::optional<std::string> readLink(int folder, const std::string& name) {
+  std::array<char, PATH_MAX> target{};
+  const ssize_t length = ::readlinkat(folder, name.c_str(), target.data(), target.size());
+  if (length < 0) return std::nullopt;
+  return std::string(target.data(), static_cast<std::size_t>(length));
+}
 
 Result<std::vector<FolderEntry>> listFolder(int folder) {
   // A descriptor of its own: reading moves the place in the folder, which the caller's descriptor would share with a

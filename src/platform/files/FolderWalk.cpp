@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "platform/files/FolderListing.h"
+
 FolderWalk::FolderWalk(FileDescriptor folder, std::string path) : path_(std::move(path)) { enter(std::move(folder)); }
 
 void FolderWalk::enter(FileDescriptor folder) {
@@ -43,8 +45,7 @@ void FolderWalk::leaveOrDescend() {
   }
   const std::string name = std::move(level.inner.back());
   level.inner.pop_back();
-  constexpr int folderToRead = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-  FileDescriptor inner(::openat(::dirfd(level.stream.get()), name.c_str(), folderToRead));
+  FileDescriptor inner(::openat(::dirfd(level.stream.get()), name.c_str(), folderToRead | O_NOFOLLOW));
   if (!inner) return;
   path_ += name;
   enter(std::move(inner));

@@ -63,8 +63,6 @@ Result<FolderContents> contentsOf(int folder, const std::string& path) {
   return contents;
 }
 
-constexpr int folderToRead = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
-
 void walkFolder(int folder, const std::string& path, const WalkHandlers& handlers) {
   const auto contents = contentsOf(folder, path);
   if (!contents) return handlers.unreadable(contents.error());

@@ -7,6 +7,7 @@
 
 #include "foundation/Exception.h"
 #include "foundation/Path.h"
+#include "platform/files/FolderListing.h"
 #include "platform/files/PosixFileSystem.h"
 #include "platform/files/SystemCalls.h"
 #include "platform/files/TemporaryFile.h"
@@ -16,8 +17,6 @@ namespace {
 
 using LastLink = Volume::LastLink;
 using Purpose = Volume::Purpose;
-
-constexpr int folderToRead = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
 class PosixWritableFile : public WritableFile {
  public:

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "foundation/Path.h"
+#include "platform/files/FolderListing.h"
 #include "platform/files/TreeRemoval.h"
 
 // Staging. The commit is in StagedTransactionCommit.cpp.
@@ -22,7 +23,6 @@ namespace {
 using LastLink = Volume::LastLink;
 using Purpose = Volume::Purpose;
 
-constexpr int folderToRead = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 constexpr std::chrono::milliseconds observedEvery(30);
 /// Items are prepared in groups, so that copying begins at once and few folders are open at a time.
 constexpr std::size_t preparedAtOnce = 16;

@@ -1,11 +1,9 @@
 #include "platform/files/StagingArea.h"
 
 #include <fcntl.h>
-#include <limits.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <optional>
 
@@ -21,7 +19,6 @@ namespace {
 using LastLink = Volume::LastLink;
 using Purpose = Volume::Purpose;
 
-constexpr int folderToRead = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 constexpr std::string_view oldSuffix = ".old";
 constexpr std::string_view targetSuffix = ".to";
 constexpr std::string_view areaPrefix = "area.";
@@ -29,13 +26,6 @@ constexpr const char* doneName = "done";
 
 FileDescriptor duplicate(const FileDescriptor& descriptor) {
   return FileDescriptor(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, 0));
-}
-
-std::optional<std::string> readLink(int folder, const std::string& name) {
-  std::array<char, PATH_MAX> text{};
-  const ssize_t length = ::readlinkat(folder, name.c_str(), text.data(), text.size());
-  if (length < 0) return std::nullopt;
-  return std::string(text.data(), static_cast<std::size_t>(length));
 }
 
 bool isThere(int folder, const std::string& name) {
@@ -54,7 +44,7 @@ class LeftArea {
     auto place = volume_.find(path, LastLink::keep, Purpose::change);
     if (!place && place.error().is(std::errc::no_such_file_or_directory)) return {};
     if (!place) return place.error();
-    FileDescriptor area(::openat(place->folder.get(), place->name.c_str(), folderToRead));
+    FileDescriptor area(::openat(place->folder.get(), place->name.c_str(), folderToRead | O_NOFOLLOW));
     if (!area && errno == ENOENT) return {};
     if (!area) return systemError(errno, place->resolved);
     if (!isTrusted(area.get(), place->folder.get())) {
@@ -96,7 +86,7 @@ class LeftArea {
   }
 
   Status restore(const Volume::Place& area, const FileDescriptor& handle, const std::string& oldName) {
-    const FileDescriptor old(::openat(handle.get(), oldName.c_str(), folderToRead));
+    const FileDescriptor old(::openat(handle.get(), oldName.c_str(), folderToRead | O_NOFOLLOW));
     const std::string number = oldName.substr(0, oldName.size() - oldSuffix.size());
     const auto target = readLink(handle.get(), number + std::string(targetSuffix));
     if (!old || !target) return {};
@@ -168,13 +158,13 @@ Result<StagingArea::Folder> StagingArea::createFolder(std::size_t number, const 
 }
 
 FileDescriptor StagingArea::openFolder(std::size_t number) const {
-  return FileDescriptor(::openat(handle(), std::to_string(number).c_str(), folderToRead));
+  return FileDescriptor(::openat(handle(), std::to_string(number).c_str(), folderToRead | O_NOFOLLOW));
 }
 
 Result<FileDescriptor> StagingArea::openOldFolder(std::size_t number) const {
   const std::string name = std::to_string(number) + std::string(oldSuffix);
   if (::mkdirat(handle(), name.c_str(), 0700) != 0 && errno != EEXIST) return systemError(errno, place_.resolved);
-  FileDescriptor opened(::openat(handle(), name.c_str(), folderToRead));
+  FileDescriptor opened(::openat(handle(), name.c_str(), folderToRead | O_NOFOLLOW));
   if (!opened) return systemError(errno, place_.resolved);
   return opened;
 }

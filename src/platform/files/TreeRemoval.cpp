@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int folderToRead = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-
 /// Whether the folder lets only the owner of an item, or its own, remove the item, and this thread is neither.
 bool isKeptBySticky(int folder, const std::string& name) {
   struct stat holding {};
@@ -28,7 +26,7 @@ Status removeTree(int folder, const std::string& name) {
   if (::unlinkat(folder, name.c_str(), 0) == 0) return {};
   if (errno != EISDIR && errno != EPERM) return systemError(errno, name);
   const int unlinkError = errno;
-  const FileDescriptor inner(::openat(folder, name.c_str(), folderToRead));
+  const FileDescriptor inner(::openat(folder, name.c_str(), folderToRead | O_NOFOLLOW));
   if (!inner) return systemError(errno == ENOTDIR || errno == ELOOP ? unlinkError : errno, name);
   const auto entries = listFolder(inner.get());
   if (!entries) return entries.error();
@@ -43,7 +41,7 @@ Status checkRemovable(int folder, const std::string& name, bool withOwnRights) {
   const bool asksRights = withOwnRights && ::geteuid() != 0;
   if (asksRights && ::faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) != 0) return systemError(errno, name);
   if (asksRights && isKeptBySticky(folder, name)) return systemError(EPERM, name);
-  const FileDescriptor inner(::openat(folder, name.c_str(), folderToRead));
+  const FileDescriptor inner(::openat(folder, name.c_str(), folderToRead | O_NOFOLLOW));
   if (!inner) {
     const bool isFolder = errno != ENOTDIR && errno != ELOOP;
     // A file or a link goes with the right to its folder. What only others can look into, they remove, too.

@@ -7,11 +7,10 @@
 #include <cerrno>
 
 #include "foundation/Path.h"
+#include "platform/files/FolderListing.h"
 #include "platform/files/SystemCalls.h"
 
 namespace {
-
-constexpr int folderToRead = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
 Result<FileDescriptor> open(const Volume::Spot& place) {
   FileDescriptor opened(::openat(place.folder, place.name, folderToRead | O_NOFOLLOW));

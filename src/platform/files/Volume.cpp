@@ -1,30 +1,21 @@
 #include "platform/files/Volume.h"
 
 #include <fcntl.h>
-#include <limits.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 
-#include <array>
 #include <cerrno>
 #include <optional>
 #include <utility>
 
 #include "foundation/Path.h"
 #include "foundation/Text.h"
+#include "platform/files/FolderListing.h"
 #include "platform/files/SystemCalls.h"
 
 namespace {
 
 constexpr int mostLinks = 40;
-
-/// The target of the link, or nothing when the item is no link.
-std::optional<std::string> readLink(int folder, const std::string& name) {
-  std::array<char, PATH_MAX> target{};
-  const ssize_t length = ::readlinkat(folder, name.c_str(), target.data(), target.size());
-  if (length < 0) return std::nullopt;
-  return std::string(target.data(), static_cast<std::size_t>(length));
-}
 
 /// Pushes the path's components so that the first is on top.
 void pushComponents(std::vector<std::string>& pending, std::string_view path) {

@@ -7,9 +7,7 @@
 
 namespace {
 
-/// Privileged changes, by root in this process and by the helper for a user. Both do the same.
-enum class Way { byRoot, byHelper };
-
+/// Privileged changes. Both ways do the same.
 class OperationsTest : public HelperTest, public testing::WithParamInterface<Way> {
  protected:
   /// Makes the change. Returns why it could not be made, or "refused" when there is no such change.
@@ -110,6 +108,6 @@ TEST_P(OperationsTest, StayInTheVolumeAndOutOfTheBundle) {
 }
 
 INSTANTIATE_TEST_SUITE_P(BothWays, OperationsTest, testing::Values(Way::byRoot, Way::byHelper),
-                         [](const auto& way) { return way.param == Way::byRoot ? "ByRoot" : "ByHelper"; });
+                         testing::PrintToStringParamName());
 
 }  // namespace

@@ -12,7 +12,7 @@
 namespace {
 
 constexpr int rowHeight = 40;
-constexpr int pictureSize = 28;
+constexpr int rowPictureSize = 28;
 constexpr int gap = 8;
 
 /// Draws a row: tick, picture, text, and the smaller detail below it.
@@ -65,7 +65,7 @@ void fill(QListWidgetItem& item, const ListRow& row, const std::function<Picture
   item.setCheckState(row.isTicked ? Qt::Checked : Qt::Unchecked);
   const Picture shown = row.picture != nullptr ? row.picture : genericPicture();
   const auto* const picture = dynamic_cast<const QtPicture*>(shown.get());
-  item.setIcon(picture != nullptr ? QIcon(picture->fitted({pictureSize, pictureSize}, pixelRatio)) : QIcon());
+  item.setIcon(picture != nullptr ? QIcon(picture->fitted({rowPictureSize, rowPictureSize}, pixelRatio)) : QIcon());
 }
 
 bool isSameRow(const ListRow& one, const ListRow& other) {
@@ -79,7 +79,7 @@ ShowValue makeRowsBinding(QObject& control, std::function<Picture()> genericPict
   auto* const list = qobject_cast<QListWidget*>(&control);
   if (list == nullptr) return {};
   list->setItemDelegate(new RowDelegate(list));
-  list->setIconSize({pictureSize, pictureSize});
+  list->setIconSize({rowPictureSize, rowPictureSize});
   return [list, genericPicture = std::move(genericPicture),
           shown = std::vector<ListRow>()](const ShownValue& value) mutable {
     const auto* const rows = std::get_if<std::vector<ListRow>>(&value);
