@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <QAbstractButton>
+#include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
 #include <QMouseEvent>
 #include <QTimer>
@@ -47,6 +48,8 @@ void waitUntil(const char* condition, const std::function<bool()>& holds) {
     QApplication::processEvents(QEventLoop::AllEvents, 10);
     ::usleep(500);
   }
+  // What has ended the loop around this one may have been among the events.
+  QApplication::eventDispatcher()->wakeUp();
 }
 
 void waitForPage(const char* widget) {

@@ -1,5 +1,6 @@
 #include "platform/window/qt/QtRunLoop.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QPointer>
 #include <QSocketNotifier>
@@ -34,6 +35,13 @@ int timeUntil(RunLoop::Clock::time_point limit) {
   return static_cast<int>(std::clamp<std::int64_t>(left, 0, std::numeric_limits<int>::max()));
 }
 
+/// Processes events. A loop around this one checks afterwards whether it has been ended: the events may include the
+/// wake-up that was meant for it.
+void processEvents(QEventLoop::ProcessEventsFlags flags) {
+  QCoreApplication::processEvents(flags);
+  QCoreApplication::eventDispatcher()->wakeUp();
+}
+
 }  // namespace
 
 DescriptorRunLoop::Watch QtRunLoop::watchReadable(int descriptor, std::function<void()> handler) {
@@ -45,19 +53,19 @@ DescriptorRunLoop::Watch QtRunLoop::watchReadable(int descriptor, std::function<
 
 bool QtRunLoop::runBeforeDate(Clock::time_point limit) {
   if (limit == distantFuture) {
-    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+    processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
     return true;
   }
   const int wait = timeUntil(limit);
   if (wait == 0) {
-    QCoreApplication::processEvents(QEventLoop::AllEvents);
+    processEvents(QEventLoop::AllEvents);
     return true;
   }
   QTimer deadline;  // wakes the loop
   deadline.setTimerType(Qt::PreciseTimer);
   deadline.setSingleShot(true);
   deadline.start(wait);
-  QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+  processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
   return true;
 }
 
