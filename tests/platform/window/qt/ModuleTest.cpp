@@ -12,8 +12,9 @@
 
 namespace {
 
-/// Asks the real module for a window, in this process, and says on standard error what came of it.
-[[noreturn]] void askForAWindow(const std::map<std::string, std::string>& environment) {
+/// Asks the real module for a window, in this process, and writes the outcome to standard error. Returns the exit
+/// status.
+int makeWindow(const std::map<std::string, std::string>& environment) {
   for (const char* const variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "XDG_RUNTIME_DIR"}) {
     ::unsetenv(variable);
   }
@@ -22,7 +23,7 @@ namespace {
   void* const module = ::dlopen(WINDOW_MODULE, RTLD_NOW | RTLD_LOCAL);
   if (module == nullptr) {
     std::cerr << ::dlerror();
-    ::_exit(1);
+    return 1;
   }
   auto* const make = reinterpret_cast<MakeWindowInterface*>(::dlsym(module, windowModuleEntry));
   std::string problem;
@@ -38,7 +39,12 @@ namespace {
     std::cerr << (made->toolkit().loadInterface("Form", owner) ? " with a form" : " without a form");
   }
   for (const std::string& line : machine.log.lines) std::cerr << "; logged " << line;
-  ::_exit(made != nullptr ? 0 : 69);
+  return made != nullptr ? 0 : 69;
+}
+
+/// Ends the process without what the parent registered for its own exit.
+[[noreturn]] void askForAWindow(const std::map<std::string, std::string>& environment) {
+  ::_exit(makeWindow(environment));
 }
 
 // In a child each: a process gets one window system, and Qt would end it where there is none.
