@@ -1,4 +1,5 @@
-# Installs what is missing of the named Debian packages, as root or through sudo; says which could not be had, and why.
+# Installs the missing ones of the named Debian packages, as root or through sudo, and tells which failed and why. Without
+# apt-get it lists the packages and continues: the build names what is really missing.
 # Sourced by ./run and ./check.
 # shellcheck shell=bash
 
@@ -8,6 +9,10 @@ need_packages() {
     if [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" != installed ]; then missing+=("$package"); fi
   done
   [ ${#missing[@]} -eq 0 ] && return
+  if ! command -v apt-get >/dev/null; then
+    echo "This system has no apt-get. Needed are, under the names of Debian: $*" >&2
+    return
+  fi
 
   local as_root=()
   if [ "$(id -u)" != 0 ]; then
