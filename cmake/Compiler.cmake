@@ -3,6 +3,9 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # g++ 12 sees null dereferences and overlaps inside its own library when it inlines std::variant and std::string.
   add_compile_options(-Wno-null-dereference -Wno-restrict -Wno-maybe-uninitialized)
+elseif(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND CMAKE_CXX_COMPILER_VERSION VERSION_GREATER_EQUAL 17)
+  # The C++ library of g++ 12 uses a deprecated function of its own for stable sorting.
+  add_compile_options(-Wno-deprecated-declarations)
 endif()
 
 # The program runs with administrator rights: what the compiler can harden, it hardens.

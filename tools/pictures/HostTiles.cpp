@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int side = 128;
+constexpr int tileSide = 128;
 
 /// In a box of 30 by 46 points.
 QPainterPath letter(char which) {
@@ -45,7 +45,7 @@ double widthOf(char which) { return letter(which).boundingRect().width(); }
 }  // namespace
 
 QImage hostTile(const char* letters, const QColor& colour) {
-  QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+  QImage image(tileSide, tileSide, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   QPainter painter(&image);
   painter.setRenderHint(QPainter::Antialiasing);
@@ -59,7 +59,7 @@ QImage hostTile(const char* letters, const QColor& colour) {
   constexpr double gap = 18;
   painter.setBrush(Qt::NoBrush);
   painter.setPen(QPen(Qt::white, 9, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-  painter.translate((side - widthOf(letters[0]) - gap - widthOf(letters[1])) / 2, 41);
+  painter.translate((tileSide - widthOf(letters[0]) - gap - widthOf(letters[1])) / 2, 41);
   painter.drawPath(letter(letters[0]));
   painter.translate(widthOf(letters[0]) + gap, 0);
   painter.drawPath(letter(letters[1]));
