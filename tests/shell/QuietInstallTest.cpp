@@ -152,6 +152,23 @@ TEST_F(QuietInstallAsRootTest, SaysWhatFailed) {
   EXPECT_EQ(installed(log_).find("CC 2019"), std::string::npos) << "no further host";
 }
 
+TEST_F(QuietInstallAsRootTest, NamesNoLogThatWasNotWritten) {
+  for (const char* const folder : {"HD", "LIGHTROOM", "PHOTOSHOP"}) fs::remove_all(payload_ / folder);
+  writeFile(volume_ / "Library/Application Support/Corvane", "in the way of the log's folder");
+  const Outcome outcome = install();
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_TRUE(outcome.says("\nThe log of installed paths could not be written.\n")) << outcome.output;
+  EXPECT_FALSE(outcome.says("Log: ")) << outcome.output;
+  EXPECT_FALSE(outcome.says("Items installed: 0")) << outcome.output;
+}
+
+TEST_F(QuietInstallAsRootTest, NeedsTheDescriptionOfItsWindow) {
+  fs::remove(bundle_ / "Contents/Resources/MainWindow.ui");
+  const Outcome outcome = run("QT_QPA_PLATFORM=offscreen timeout 20", "-target '" + volume_.string() + "'");
+  EXPECT_EQ(outcome.status, 69);
+  EXPECT_NE(outcome.errors.find("no window: "), std::string::npos) << outcome.errors;
+}
+
 TEST_F(QuietInstallAsRootTest, AsksNobodyWhereNobodyCanAnswer) {
   openToAll();
   const Outcome outcome = install("setsid -w setpriv --reuid=65534 --regid=65534 --clear-groups --reset-env");

@@ -1,4 +1,5 @@
 #include "shell/SetupController.h"
+#include "steps/PageController.h"
 #include "support/TestMachine.h"
 
 namespace {
@@ -82,6 +83,26 @@ TEST_F(SetupControllerTest, ListsItsStepsAndMarksTheCurrentOne) {
   EXPECT_EQ(steps(), "0 Licence -24 Applications* -48 Running -72 Installation -96 End ");
   press("nextView:");
   EXPECT_EQ(steps(), "0 Licence -24 Applications -48 Running -72 Installation -96 End* ");
+}
+
+TEST_F(SetupControllerTest, LeavesAPageBeforeItEntersTheNext) {
+  struct NotingPage : PageController {
+    NotingPage(std::string ownName, std::string& noted) : name(std::move(ownName)), order(noted) {}
+    void didProceed(std::int32_t delta) override { order += "left " + name + " " + std::to_string(delta) + ", "; }
+    void didEnterWithModel(std::shared_ptr<SetupStepModel> /*model*/, std::shared_ptr<View> /*withView*/,
+                           SetupMainController* /*main*/, std::int32_t direction) override {
+      order += "entered " + name + " " + std::to_string(direction) + ", ";
+    }
+    std::string name;
+    std::string& order;
+  };
+  std::string order;
+  start();
+  wizard_->addStep(nullptr, std::make_shared<NotingPage>("licence", order), nullptr, 0);
+  wizard_->addStep(nullptr, std::make_shared<NotingPage>("hosts", order), nullptr, 1);
+  press("nextView:");
+  press("previousView:");
+  EXPECT_EQ(order, "left licence 1, entered hosts 1, left hosts -1, entered licence -1, ");
 }
 
 TEST_F(SetupControllerTest, AnnouncesInnerTransitionsInsideOuterOnes) {

@@ -88,5 +88,5 @@ std::string HelperTest::run(const std::string& tool, const std::vector<std::stri
 
 void HelperTest::makeOwnFolder(const std::string& path) {
   fs::create_directories(on(path));
-  ::lchown(on(path).c_str(), nobody, nobody);
+  setOwner(on(path), nobody, nobody);
 }

@@ -1,5 +1,7 @@
 #include "support/TestMachine.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <set>
@@ -29,6 +31,10 @@ std::string readFile(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) return "(no such file)";
   return {std::istreambuf_iterator(file), {}};
+}
+
+void setOwner(const fs::path& path, unsigned owner, unsigned group) {
+  if (::lchown(path.c_str(), owner, group) != 0) throw std::runtime_error("cannot give away " + path.string());
 }
 
 std::string modeOf(const fs::path& path) {

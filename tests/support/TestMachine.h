@@ -32,6 +32,8 @@ class TemporaryFolder {
 
 void writeFile(const fs::path& path, std::string_view content);
 [[nodiscard]] std::string readFile(const fs::path& path);
+/// Gives the item itself to the owner and group, which need not exist.
+void setOwner(const fs::path& path, unsigned owner, unsigned group);
 /// Permission bits, in octal.
 [[nodiscard]] std::string modeOf(const fs::path& path);
 /// Names in the folder in ascending order, hidden ones included, joined by blanks.

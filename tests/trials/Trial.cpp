@@ -27,8 +27,8 @@ std::uint64_t hashOf(std::string_view text) {
 std::string bundleName(int number) { return "Filter " + std::to_string(number) + ".plugin"; }
 
 void chownAll(const fs::path& path, uid_t user) {
-  ::lchown(path.c_str(), user, user);
-  for (const auto& entry : fs::recursive_directory_iterator(path)) ::lchown(entry.path().c_str(), user, user);
+  setOwner(path, user, user);
+  for (const auto& entry : fs::recursive_directory_iterator(path)) setOwner(entry.path(), user, user);
 }
 
 }  // namespace

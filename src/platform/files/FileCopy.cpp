@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr mode_t keptPermissions = 0777;
-
 /// Whether the file system, or the lack of a right, keeps the attribute from being set, while the content is fine.
 bool isTolerable(int error) { return error == EPERM || error == ENOTSUP || error == EINVAL; }
 
@@ -67,7 +65,7 @@ CopyErrors setAttributes(int target, const struct stat& status, const CopyAttrib
   if (attributes.ownership) {
     attempt.attribute(::fchown(target, attributes.ownership->user, attributes.ownership->group));
   }
-  attempt.attribute(::fchmod(target, attributes.mode.value_or(status.st_mode & keptPermissions)));
+  attempt.attribute(::fchmod(target, attributes.mode));
   attempt.attribute(::futimens(target, onlyModified(status).data()));
   return attempt.errors;
 }

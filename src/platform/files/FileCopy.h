@@ -13,7 +13,7 @@
 /// What a copy gets instead of what its source has.
 struct CopyAttributes {
   std::optional<Ownership> ownership = std::nullopt;  ///< none: the copy has it from its folder
-  std::optional<mode_t> mode = std::nullopt;          ///< none: the nine permission bits of the source
+  mode_t mode = 0;
   bool losesQuarantine = false;
 };
 

@@ -1,5 +1,10 @@
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <future>
+
+#include "platform/files/TemporaryFile.h"
 #include "support/TestMachine.h"
 
 namespace {
@@ -59,6 +64,54 @@ TEST_F(FileSystemTest, MakesFilesWholeOrNotAtAll) {
   EXPECT_FALSE(files_.createFile("/folder", "content", 0644) || files_.createFile("/none/file", "content", 0644));
   EXPECT_TRUE(fs::exists(on("/folder/kept")));
   EXPECT_EQ(namesIn(on("/")), "Applications Library Users before file folder") << "nothing hidden is left behind";
+}
+
+TEST_F(FileSystemTest, WritesThroughNoLinkUnderItsHiddenName) {
+  const FileDescriptor folder(::open(on("/").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  std::string hidden;
+  {
+    const auto file = TemporaryFile::open(folder.get(), "name", "");
+    ASSERT_TRUE(file);
+    for (const auto& entry : fs::directory_iterator(on("/"))) {
+      if (entry.is_regular_file()) hidden = entry.path().filename();
+    }
+  }
+  writeFile(on("/Library/kept"), "kept");
+  for (const char* const target : {"Library/made", "Library/kept"}) {
+    fs::create_symlink(target, on("/" + hidden));
+    EXPECT_TRUE(files_.createFile("/name", "content", 0600)) << target;
+  }
+  fs::create_hard_link(on("/Library/kept"), on("/" + hidden));
+  EXPECT_TRUE(files_.createFile("/name", "content", 0600)) << "a second name";
+  EXPECT_EQ(readFile(on("/Library/kept")), "kept");
+  EXPECT_EQ(namesIn(on("/Library")), "Application Support kept");
+  EXPECT_EQ(namesIn(on("/")), "Applications Library Users name");
+}
+
+TEST_F(FileSystemTest, LetsWritersOfOneFileTakeTurns) {
+  const FileDescriptor folder(::open(on("/").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  auto first = TemporaryFile::open(folder.get(), "name", "");
+  ASSERT_TRUE(first);
+  EXPECT_TRUE(first->write("first, and longer"));
+  auto second = std::async(std::launch::async, [&] { return files_.createFile("/name", "second", 0600); });
+  EXPECT_EQ(second.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+  EXPECT_TRUE(std::move(*first).putInPlace());
+  EXPECT_TRUE(second.get());
+  EXPECT_EQ(readFile(on("/name")), "second");
+}
+
+TEST_F(FileSystemTest, ClosesWhatItOpens) {
+  const auto descriptors = [] { return std::distance(fs::directory_iterator("/dev/fd"), {}); };
+  writeFile(on("/folder/inner/file"), "");
+  fs::create_symlink("/folder", on("/link"));
+  const auto before = descriptors();
+  EXPECT_TRUE(files_.contentsOfDirectory("/link"));
+  files_.walk("/folder", [](const WalkedItem&) {});
+  EXPECT_TRUE(files_.readFile("/link/inner/file", 1));
+  EXPECT_TRUE(files_.createFile("/folder/new", "", 0600));
+  EXPECT_FALSE(files_.readFile("/none", 1));
+  EXPECT_TRUE(files_.removeItem("/folder"));
+  EXPECT_EQ(descriptors(), before);
 }
 
 TEST_F(FileSystemTest, ChangesLinksAndNotWhatTheyLeadTo) {

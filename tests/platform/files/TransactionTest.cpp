@@ -63,7 +63,7 @@ class TransactionTest : public HelperTest, public testing::WithParamInterface<Wa
     HelperTest::SetUp();
     if (IsSkipped()) return;
     for (const char* const folder : {"/Applications", "/Library", "/Library/Application Support"}) {
-      ::chown(on(folder).c_str(), 0, 0);
+      setOwner(on(folder), 0, 0);
     }
     lock_ = *volume_.tryLock();
   }
@@ -343,7 +343,7 @@ TEST_P(OwnTransactionTest, ExchangesInTwoStepsAndRestoresWhatWasCutShort) {
   fs::create_directories(area / "0.old");
   fs::create_symlink("/private", area / "0.to");
   writeFile(area / "0.old/planted", "");
-  ::lchown(area.c_str(), nobody, nobody);
+  setOwner(area, nobody, nobody);
   const auto refused = StagedTransaction::begin(volume_, elevation_, ownership_, CopyPool::Caller::helps);
   EXPECT_EQ(refused.error().reason(), "Operation not permitted");
   EXPECT_FALSE(fs::exists(on("/private/planted")));

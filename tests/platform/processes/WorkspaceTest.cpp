@@ -136,6 +136,20 @@ TEST_F(WorkspaceTest, LaunchesAsTheUserInASessionOfItsOwn) {
   EXPECT_TRUE(::waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD) << "nobody has to wait for it";
 }
 
+TEST_F(WorkspaceTest, LaunchesInAllGroupsOfTheUser) {
+  if (!isIsolated()) GTEST_SKIP() << "needs tests/isolated: it creates an account";
+  ASSERT_EQ(std::system("useradd -M -u 54321 -U -G users,games installer-groups"), 0);
+  const PosixUser user{{54321, 54321, "installer-groups", "/nonexistent"}, {"en"}};
+  LinuxWorkspace workspace{volume_, files_, platform_.bundles, user, log_, runLoop_, UserSession(user, HELPERS_FOLDER)};
+  fs::create_directories(on("/out"));
+  ::chmod(on("/out").c_str(), 0777);
+  makeApplication("Groups", "#!/bin/sh\nid -Gn >\"$1/writing\"\nmv \"$1/writing\" \"$1/written\"\n");
+  EXPECT_NE(workspace.launchHidden(pathOf("Groups"), {on("/out")}), nullptr);
+  ASSERT_TRUE(eventually([&] { return fs::exists(on("/out/written")); }));
+  EXPECT_EQ(readFile(on("/out/written")), "installer-groups games users\n");
+  EXPECT_EQ(std::system("userdel installer-groups"), 0);
+}
+
 TEST_F(WorkspaceTest, AsksWhatItLaunchedToEnd) {
   makeApplication("Studio");
   const auto application = workspace_.launchHidden(pathOf("Studio"), {});

@@ -33,6 +33,17 @@ TEST_F(PreferencesTest, KeepsChangesInMemoryUntilTheyAreWrittenOrItEnds) {
   EXPECT_EQ(stored("customPath"), Value("/here"));
 }
 
+TEST_F(PreferencesTest, WritesEachChangeOnce) {
+  {
+    PropertyListPreferences preferences(files_, platform_.folders, log_);
+    preferences.setAppValue("customPath", "/ours", domain_);
+    EXPECT_TRUE(preferences.synchronize(domain_));
+    writeFile(file_, propertyListOf({{"customPath", "/another program's"}}));
+    EXPECT_EQ(preferences.copyAppValue("customPath", domain_), Value("/another program's"));
+  }
+  EXPECT_EQ(stored("customPath"), Value("/another program's")) << "not overwritten at the end";
+}
+
 TEST_F(PreferencesTest, NeverOverwritesWhatItCannotRead) {
   for (const auto* const damaged : {"garbage", "<plist><array/></plist>", "bplist00"}) {
     writeFile(file_, damaged);

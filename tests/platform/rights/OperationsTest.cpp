@@ -61,10 +61,10 @@ TEST_P(OperationsTest, ChangeWholeTreesOfTheUsersAndFollowNoLink) {
   writeFile(on("/outside"), "");
   writeFile(on(app + "/roots/file"), "");
   ::chmod(on("/outside").c_str(), 0600);
-  ::chown(on("/outside").c_str(), nobody, nobody);
+  setOwner(on("/outside"), nobody, nobody);
   fs::create_symlink("../../outside", on(app + "/Contents/link"));
   const Paths items = {app, app + "/Contents", app + "/Contents/Info.plist"};
-  for (const std::string& path : items) ::lchown(on(path).c_str(), nobody, nobody);
+  for (const std::string& path : items) setOwner(on(path), nobody, nobody);
   ::chmod(on(app).c_str(), 06700);
   constexpr const char* quarantine = "user.com.apple.quarantine";
   const bool hasMarks = ::setxattr(on("/outside").c_str(), quarantine, "1", 1, 0) == 0;

@@ -85,7 +85,7 @@ TEST_F(RightsAttackTest, NothingThatBelongsToOthersIsHandedOver) {
   fs::create_hard_link(on("/private/etc/secret"), own_ / "hard");
   fs::create_directories(own_ / "roots");
   writeFile(own_ / "program", "");
-  ::chown((own_ / "program").c_str(), nobody, nobody);
+  setOwner(own_ / "program", nobody, nobody);
   ::chmod((own_ / "program").c_str(), 06755);
   run("/usr/sbin/chown", {"-R", owner_, "/Applications/Own", "/Applications/Own/hard"});
   run("/bin/chmod", {"-R", "0775", "/Applications/Own"});

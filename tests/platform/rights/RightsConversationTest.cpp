@@ -63,7 +63,7 @@ TEST(AskingTest, IsNotDoneForAProgramThatOthersCanReplace) {
   EXPECT_TRUE(isOutOfReachOfOthers(program)) << "sticky";
   if (::geteuid() != 0) GTEST_SKIP() << "needs root, to give a folder away";
   ::chmod((folder.path() / "a").c_str(), 0755);
-  ::chown((folder.path() / "a/b").c_str(), 65534, 0);
+  setOwner(folder.path() / "a/b", 65534, 0);
   EXPECT_FALSE(isOutOfReachOfOthers(program)) << "somebody else's";
 }
 

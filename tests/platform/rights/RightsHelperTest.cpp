@@ -17,6 +17,13 @@ TEST_F(RightsHelperTest, UsesTheUsersRightsWhereTheyDo) {
   EXPECT_EQ(run("/bin/mkdir", {"-m775", "-p", "/private/a"}), "Permission denied");
 }
 
+TEST_F(RightsHelperTest, LeavesFilesOfOthersTheirs) {
+  writeFile(on("/Applications/roots"), "root's");
+  ::chmod(on("/Applications/roots").c_str(), 0600);
+  EXPECT_EQ(run("/usr/bin/touch", {"/Applications/roots"}), "File exists");
+  EXPECT_EQ(ownerOf(on("/Applications/roots")), "0:0");
+}
+
 TEST_F(RightsHelperTest, TakesLongRequestsAndManyAndGoesOnAfterBadOnes) {
   writeFile(on("/Applications/last"), "");
   const std::pair<const char*, std::vector<std::string>> bad[] = {
@@ -101,7 +108,7 @@ TEST_F(RightsHelperTest, ServesOneUserOnlyAndEndsWithTheInstaller) {
   for (const char* const folder : {"/theirs/Applications", "/theirs/Library", "/empty"}) {
     fs::create_directories(on(folder));
   }
-  ::chown(on("/theirs").c_str(), 1, 1);
+  setOwner(on("/theirs"), 1, 1);
   ::chmod(on("/private").c_str(), 0700);
   const std::tuple<fs::path, uid_t, const char*, bool> cases[] = {
       {on(""), nobody, "SUDO_UID=65534", true}, {on(""), nobody, "SUDO_UID=1", false},  // called by somebody else
