@@ -371,6 +371,9 @@ class FaultyFileSystem : public PosixFileSystem {
     const Status status = fault(Call::createFile, path);
     return status ? PosixFileSystem::createFile(path, content, permissions) : status;
   }
+  [[nodiscard]] bool mayShareBlocks(const std::string& source, const std::string& target) const override {
+    return !available && PosixFileSystem::mayShareBlocks(source, target);
+  }
   Result<DiskSpace> spaceFor(const std::string& path) const override {
     auto space = PosixFileSystem::spaceFor(path);
     if (space && available) space->available = *available;

@@ -17,6 +17,16 @@ namespace {
 using Kind = StagingArea::Kind;
 using Move = Elevation::Move;
 
+/// The same with what a person can do about it.
+Status explained(const Status& status, const std::string& path) {
+  if (status || !status.error().is(std::errc::operation_not_permitted)) return status;
+  const std::string_view protection = protectionOf(path);
+  if (protection.empty()) return status;
+  Error error = status.error();
+  error.userInfo[std::string(Error::localizedDescriptionKey)] = protection;
+  return error;
+}
+
 }  // namespace
 
 std::vector<Status> StagedTransaction::commit(std::span<const std::size_t> items) {
@@ -24,8 +34,15 @@ std::vector<Status> StagedTransaction::commit(std::span<const std::size_t> items
   std::vector<Status> results;
   results.reserve(items.size());
   for (const std::size_t number : items) {
-    const bool isKnown = number < items_.size();
-    results.push_back(isKnown ? commitItem(items_[number], listed) : Error::posix(std::errc::invalid_argument, ""));
+    if (number >= items_.size()) {
+      results.push_back(Error::posix(std::errc::invalid_argument, ""));
+      continue;
+    }
+    Item& item = items_[number];
+    Status committed = commitItem(item, listed);
+    const bool hasFolder = !committed && item.folder < folders_.size();
+    results.push_back(hasFolder ? explained(committed, joinPath(folders_[item.folder].target, item.name))
+                                : std::move(committed));
   }
   return results;
 }

@@ -61,6 +61,10 @@ Result<std::uint64_t> availableSpace(int item);
 /// Whether the item is marked as immutable or append-only, so that not even root can remove it.
 [[nodiscard]] bool isImmutable(int folder, const char* name);
 
+/// What a person can do when the system itself protects the item from being changed, although its owner and mode allow
+/// it; empty when it does not.
+[[nodiscard]] std::string_view protectionOf(std::string_view path);
+
 /// The mode bit with which what is created in a folder belongs to the folder's group; 0 where it always does, and where
 /// only the group's members may set the bit.
 #ifdef __APPLE__

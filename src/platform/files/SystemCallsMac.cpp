@@ -126,3 +126,16 @@ bool isImmutable(int folder, const char* name) {
   constexpr unsigned kept = UF_IMMUTABLE | UF_APPEND | SF_IMMUTABLE | SF_APPEND | SF_RESTRICTED;
   return ::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && (status.st_flags & kept) != 0;
 }
+
+std::string_view protectionOf(std::string_view path) {
+  const auto holds = [&](std::string_view part) { return path.find(part) != std::string_view::npos; };
+  if (holds(".app/") || path.ends_with(".app")) {
+    return "macOS does not let the installer change this application: allow it in System Settings > Privacy & Security "
+           "> App Management, and install again";
+  }
+  if (holds("/Desktop/") || holds("/Documents/") || holds("/Downloads/") || path.starts_with("/Volumes/")) {
+    return "macOS does not let the installer change this folder: allow it in System Settings > Privacy & Security > "
+           "Files and Folders, and install again";
+  }
+  return {};
+}

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/SystemPlatform.h"
+#include "platform/files/Places.h"
 #include "platform/files/PosixFileSystem.h"
 #include "platform/files/Volume.h"
 #include "platform/linux/LinuxWorkspace.h"
@@ -21,7 +22,6 @@
 #include "platform/propertylist/BundleOnDisk.h"
 #include "platform/propertylist/PropertyListPreferences.h"
 #include "platform/rights/LinuxAuthorization.h"
-#include "platform/files/Places.h"
 #include "platform/window/WindowModule.h"
 
 /// Linux, installing into a Mac volume.

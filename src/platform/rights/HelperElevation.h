@@ -1,8 +1,8 @@
 #pragma once
 
+#include "platform/files/Places.h"
 #include "platform/rights/Client.h"
 #include "platform/rights/Operations.h"
-#include "platform/files/Places.h"
 
 /// The rights of root in its own process: they reach everywhere without help. The places are what root does for a user,
 /// no more.

@@ -91,6 +91,7 @@ int macClone(int source, int folder, const char* name, unsigned /*flags*/) {
   }
   const int target = ::openat(folderFromMac(folder), name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
   if (target < 0) return -1;
+  giveGroupOfFolder(folderFromMac(folder), name);
   int result = copyContent(source, target);
   std::array<char, 4096> names{};
   std::array<char, 4096> value{};

@@ -92,7 +92,23 @@ int macOpenat(int folder, const char* name, int flags, ...) {
   va_start(rest, flags);
   const int mode = va_arg(rest, int);
   va_end(rest);
-  return ::openat(folderFromMac(folder), name, openFlagsFromMac(flags), mode);
+  constexpr int isNew = O_CREAT | O_EXCL;
+  const int here = openFlagsFromMac(flags);
+  const int file = ::openat(folderFromMac(folder), name, here, mode);
+  if (file >= 0 && (here & isNew) == isNew) giveGroupOfFolder(folderFromMac(folder), name);
+  return file;
+}
+
+int macMkdirat(int folder, const char* name, std::uint16_t mode) {
+  const int result = ::mkdirat(folderFromMac(folder), name, mode);
+  if (result == 0) giveGroupOfFolder(folderFromMac(folder), name);
+  return result;
+}
+
+int macSymlinkat(const char* target, int folder, const char* name) {
+  const int result = ::symlinkat(target, folderFromMac(folder), name);
+  if (result == 0) giveGroupOfFolder(folderFromMac(folder), name);
+  return result;
 }
 
 int macOpen(const char* path, int flags, ...) {
@@ -176,6 +192,10 @@ int macFchmodat(int folder, const char* name, std::uint16_t mode, int flags) {
   return ::fchmodat(folderFromMac(folder), name, mode, atFlagsFromMac(flags));
 }
 
+int macMknod(const char* path, std::uint16_t mode, std::int32_t device) {
+  return ::mknod(path, mode, static_cast<dev_t>(device));
+}
+
 struct Times {
   explicit Times(const timespec* from) : given{from[0], from[1]} {
     for (timespec& time : given) {
@@ -215,6 +235,13 @@ MacEntry* macReaddir(DIR* folder) {
 
 }  // namespace
 
+void giveGroupOfFolder(int folder, const char* name) {
+  struct stat holding {};
+  if (std::strchr(name, '/') != nullptr || ::fstatat(folder, ".", &holding, 0) != 0) return;
+  // Who is not of the group, a Mac does not ask.
+  static_cast<void>(::fchownat(folder, name, static_cast<uid_t>(-1), holding.st_gid, AT_SYMLINK_NOFOLLOW));
+}
+
 int folderFromMac(int folder) { return folder == -2 ? AT_FDCWD : folder; }
 
 int openFlagsFromMac(int flags) {
@@ -231,14 +258,16 @@ int openFlagsFromMac(int flags) {
 }
 
 std::vector<Name> namesOfFiles() {
-  return {function("_stat", &macStat),         function("_lstat", &macLstat),
-          function("_fstat", &macFstat),       function("_fstatat", &macFstatat),
-          function("_open", &macOpen),         function("_openat", &macOpenat),
-          function("_fcntl", &macFcntl),       function("_faccessat", &macFaccessat),
-          function("_unlinkat", &macUnlinkat), function("_fchownat", &macFchownat),
-          function("_fchmodat", &macFchmodat), function("_utimensat", &macUtimensat),
-          function("_futimens", &macFutimens), function("_readdir", &macReaddir),
-          function("_opendir", &::opendir),    function("_fdopendir", &::fdopendir),
-          function("_realpath", &::realpath),  function("_lseek", &macLseek),
-          function("_fstatfs", &macFstatfs),   function("_fsync_volume_np", &flushVolume)};
+  return {function("_stat", &macStat),          function("_lstat", &macLstat),
+          function("_fstat", &macFstat),        function("_fstatat", &macFstatat),
+          function("_open", &macOpen),          function("_openat", &macOpenat),
+          function("_fcntl", &macFcntl),        function("_faccessat", &macFaccessat),
+          function("_unlinkat", &macUnlinkat),  function("_fchownat", &macFchownat),
+          function("_fchmodat", &macFchmodat),  function("_utimensat", &macUtimensat),
+          function("_futimens", &macFutimens),  function("_readdir", &macReaddir),
+          function("_opendir", &::opendir),     function("_fdopendir", &::fdopendir),
+          function("_realpath", &::realpath),   function("_lseek", &macLseek),
+          function("_fstatfs", &macFstatfs),    function("_fsync_volume_np", &flushVolume),
+          function("_mknod", &macMknod),        function("_mkdirat", &macMkdirat),
+          function("_symlinkat", &macSymlinkat)};
 }

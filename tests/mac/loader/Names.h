@@ -51,6 +51,9 @@ void setThreadLocals(std::uint64_t address, std::uint64_t initialized, std::uint
 /// AT_FDCWD of this system for a Mac's, any other folder as it is.
 int folderFromMac(int folder);
 
+/// Gives a new item the group of its folder, as every new item has it on a Mac, if this process may.
+void giveGroupOfFolder(int folder, const char* name);
+
 /// The open() flags of this system.
 int openFlagsFromMac(int flags);
 
