@@ -72,18 +72,28 @@ class HostsController : public SetupStepController, public SetupStepButtons, pub
   /// What the browse panel offers: folders, but none that is a bundle.
   [[nodiscard]] bool panel(const std::string& shouldShowFilename) const;
 
-  [[nodiscard]] ShownValue shownValue(std::string_view key) const override;
-  void setShownValue(std::string_view key, const ShownValue& value) override;
-  void setTicked(std::string_view key, std::size_t row, bool isTicked) override;
-  void performAction(std::string_view action, const std::string& sender) override;
+  [[nodiscard]] std::optional<ShownValue> shownValue(std::string_view key) const override;
+  bool setShownValue(std::string_view key, const ShownValue& value) override;
+  bool setTicked(std::string_view key, std::size_t row, bool isTicked) override;
+  bool performAction(std::string_view action, const std::string& sender) override;
 
  private:
+  struct Tables;  ///< of what is shown and set, by name
+
   [[nodiscard]] bool showsCustomScreen() const;
   void openCustomScreenOnEntry();
   void makeCustomHost();
   [[nodiscard]] bool loadCustomScreen();
   void show(const std::shared_ptr<View>& shown, const std::shared_ptr<View>& hidden);
   [[nodiscard]] OpenPanel browsePanel() const;
+  [[nodiscard]] bool installPlugin64ForCustomInstall() const { return installPlugin64ForCustomInstall_; }
+  void setInstallPlugin64ForCustomInstall(bool install) { installPlugin64ForCustomInstall_ = install; }
+  [[nodiscard]] std::vector<ListRow> scriptsOrPanelsRows() const;
+  /// A text of the model; empty while the page is left, which has none then.
+  template <const std::string& (HostsModel::*text)() const>
+  [[nodiscard]] std::string modelText() const {
+    return model_ != nullptr ? ((*model_).*text)() : std::string();
+  }
 
   Platform& platform_;
   bool enableForward_ = true;

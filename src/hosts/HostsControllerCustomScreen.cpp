@@ -4,21 +4,26 @@
 #include <vector>
 
 #include "hosts/HostsController.h"
+#include "platform/OwnerTables.h"
 
-namespace {
-
-struct ModelText {
-  std::string_view key;
-  const std::string& (HostsModel::*text)() const;
+struct HostsController::Tables {
+  using Of = HostsController;
+  static constexpr PropertyEntry<Of> properties[] = {
+      {"customPath", read<&Of::customPath>},
+      {"installScriptsAndPanelsChosen", read<&Of::installScriptsAndPanelsChosen>,
+       writeFlag<&Of::setInstallScriptsAndPanelsChosen>},
+      {"installPluginForCustomInstall", read<&Of::installPluginForCustomInstall>,
+       writeFlag<&Of::setInstallPluginForCustomInstall>},
+      {"installPlugin64ForCustomInstall", read<&Of::installPlugin64ForCustomInstall>,
+       writeFlag<&Of::setInstallPlugin64ForCustomInstall>},
+      {"scriptsOrPanelsHosts", read<&Of::scriptsOrPanelsRows>},
+      {"scriptsOrPanelsHostsExsist", read<&Of::scriptsOrPanelsHostsExsist>},
+      {"customInstallPathLabelText", read<&Of::modelText<&HostsModel::customInstallPathLabelText>>},
+      {"customInstallBrowseButtonText", read<&Of::modelText<&HostsModel::customInstallBrowseButtonText>>},
+      {"customInstallButtonText", read<&Of::modelText<&HostsModel::customInstallButtonText>>},
+      {"customInstallCheckBoxText", read<&Of::modelText<&HostsModel::customInstallCheckBoxText>>},
+      {"customInstallHostsExplanationText", read<&Of::modelText<&HostsModel::customInstallHostsExplanationText>>}};
 };
-constexpr ModelText modelTexts[] = {
-    {"customInstallPathLabelText", &HostsModel::customInstallPathLabelText},
-    {"customInstallBrowseButtonText", &HostsModel::customInstallBrowseButtonText},
-    {"customInstallButtonText", &HostsModel::customInstallButtonText},
-    {"customInstallCheckBoxText", &HostsModel::customInstallCheckBoxText},
-    {"customInstallHostsExplanationText", &HostsModel::customInstallHostsExplanationText}};
-
-}  // namespace
 
 void HostsController::setInstallScriptsAndPanelsChosen(bool chosen) {
   mainController_->willChangeValueForKey("enableForward");
@@ -42,41 +47,30 @@ HostList HostsController::scriptsOrPanelsHosts() const {
   return installScriptsAndPanelsChosen_ && model_ != nullptr ? model_->scriptsOrPanelsHosts() : HostList();
 }
 
-ShownValue HostsController::shownValue(std::string_view key) const {
-  if (key == "customPath") return customPath();
-  if (key == "installScriptsAndPanelsChosen") return installScriptsAndPanelsChosen_;
-  if (key == "installPluginForCustomInstall") return installPluginForCustomInstall_;
-  if (key == "installPlugin64ForCustomInstall") return installPlugin64ForCustomInstall_;
-  if (key == "scriptsOrPanelsHostsExsist") return scriptsOrPanelsHostsExsist();
-  if (key == "scriptsOrPanelsHosts") {
-    std::vector<ListRow> rows;
-    for (const auto& host : scriptsOrPanelsHosts()) rows.push_back({.text = host->hostName()});
-    return rows;
-  }
-  const auto* const text = std::ranges::find(modelTexts, key, &ModelText::key);
-  if (text == std::end(modelTexts)) return InterfaceOwner::shownValue(key);
-  return model_ != nullptr ? ((*model_).*(text->text))() : std::string();  // no model while the page is left
+std::vector<ListRow> HostsController::scriptsOrPanelsRows() const {
+  std::vector<ListRow> rows;
+  for (const auto& host : scriptsOrPanelsHosts()) rows.push_back({.text = host->hostName()});
+  return rows;
 }
 
-void HostsController::setShownValue(std::string_view key, const ShownValue& value) {
-  const bool* const isOn = std::get_if<bool>(&value);
-  if (isOn != nullptr && key == "installScriptsAndPanelsChosen") return setInstallScriptsAndPanelsChosen(*isOn);
-  if (isOn != nullptr && key == "installPluginForCustomInstall") return setInstallPluginForCustomInstall(*isOn);
-  if (isOn != nullptr && key == "installPlugin64ForCustomInstall") {
-    installPlugin64ForCustomInstall_ = *isOn;
-    return;
-  }
-  InterfaceOwner::setShownValue(key, value);
+std::optional<ShownValue> HostsController::shownValue(std::string_view key) const {
+  return readFrom(Tables::properties, key, *this);
 }
 
-void HostsController::setTicked(std::string_view key, std::size_t row, bool isTicked) {
-  if (key == "scriptsOrPanelsHosts") return;  // has no rows
-  InterfaceOwner::setTicked(key, row, isTicked);
+bool HostsController::setShownValue(std::string_view key, const ShownValue& value) {
+  return writeTo(Tables::properties, key, *this, value);
 }
 
-void HostsController::performAction(std::string_view action, const std::string& sender) {
-  if (action == "buttonPressed:") return buttonPressed(sender);
-  if (action == "browseButtonPressed:") return browseButtonPressed(sender);
-  if (action == "checkboxClicked:") return checkboxClicked(sender);
-  InterfaceOwner::performAction(action, sender);
+bool HostsController::setTicked(std::string_view key, std::size_t /*row*/, bool /*isTicked*/) {
+  return key == "scriptsOrPanelsHosts";  // has no rows
+}
+
+bool HostsController::performAction(std::string_view action, const std::string& sender) {
+  static constexpr ActionEntry<HostsController> actions[] = {
+      {"buttonPressed:", [](HostsController& of, const std::string& from) { of.buttonPressed(from); }},
+      {"browseButtonPressed:", [](HostsController& of, const std::string& from) { of.browseButtonPressed(from); }},
+      {"checkboxClicked:", [](HostsController& of, const std::string& from) { of.checkboxClicked(from); }}};
+  const auto* const entry = entryFor(actions, action);
+  if (entry != nullptr) entry->perform(*this, sender);
+  return entry != nullptr;
 }

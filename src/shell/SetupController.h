@@ -99,11 +99,11 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   void customHostRemoved(const std::shared_ptr<HostModel>& host) override;
 
   // The window's side of the properties and actions above, by name.
-  [[nodiscard]] ShownValue shownValue(std::string_view key) const override;
-  void setShownValue(std::string_view key, const ShownValue& value) override;
-  void setTicked(std::string_view key, std::size_t row, bool isTicked) override;
+  [[nodiscard]] std::optional<ShownValue> shownValue(std::string_view key) const override;
+  bool setShownValue(std::string_view key, const ShownValue& value) override;
+  bool setTicked(std::string_view key, std::size_t row, bool isTicked) override;
   [[nodiscard]] InterfaceOwner* objectForKey(std::string_view key) override;
-  void performAction(std::string_view action, const std::string& sender) override;
+  bool performAction(std::string_view action, const std::string& sender) override;
   /// Refuses every change; Return does what the forward button does.
   [[nodiscard]] bool textShouldChange(std::string_view replacement) override;
 
@@ -113,6 +113,8 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const override { return true; }
 
  private:
+  struct Tables;  ///< of what is shown, set and done, by name
+
   /// The pages that the interface description refers to.
   void makePages();
   void awakeFromInterface();

@@ -1,11 +1,11 @@
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 #include "foundation/Format.h"
 #include "foundation/Path.h"
 #include "hosts/PhotoshopHostModel.h"
 #include "payload/InstallerTexts.h"
+#include "platform/OwnerTables.h"
 #include "shell/SetupController.h"
 #include "steps/PageResource.h"
 
@@ -13,12 +13,6 @@ namespace {
 
 /// Shown where a text should be and is none: whoever writes a page sees at once what is missing.
 RichText missingText() { return RichText("nil"); }
-
-bool flagIn(const ShownValue& value, std::string_view key) {
-  const auto* const flag = std::get_if<bool>(&value);
-  if (flag == nullptr) throw UnknownKey(key);
-  return *flag;
-}
 
 /// The folder that the host's application lies in, which need not be there.
 std::string applicationFolderOf(const HostModel& host) {
@@ -125,75 +119,70 @@ std::string SetupController::productFormat(std::string_view key) const {
 
 // By name, for the window.
 
-ShownValue SetupController::shownValue(std::string_view key) const {
-  using Property = std::function<ShownValue(const SetupController&)>;
-  static const std::map<std::string_view, Property> properties = {
-      {"goForwardText", [](const SetupController& of) { return of.goForwardText(); }},
-      {"goBackwardsText", [](const SetupController& of) { return of.goBackwardsText(); }},
-      {"enableForward", [](const SetupController& of) { return of.enableForward(); }},
-      {"enableBackward", [](const SetupController& of) { return of.enableBackward(); }},
-      {"mainLabelText", [](const SetupController& of) { return of.mainLabelText(); }},
-      {"informativeText", [](const SetupController& of) { return of.informativeText(); }},
-      {"licenseText", [](const SetupController& of) { return of.licenseText(); }},
-      {"registerText", [](const SetupController& of) { return of.registerText(); }},
-      {"foundHosts", [](const SetupController& of) { return of.hostRows(); }},
-      {"copyInProgress", [](const SetupController& of) { return of.copyInProgress(); }},
-      {"installProgress", [](const SetupController& of) { return of.installProgress(); }},
-      {"successfulInstall", [](const SetupController& of) { return of.successfulInstall(); }},
-      {"windowTitle", [](const SetupController& of) { return of.windowTitle(); }},
-      {"aboutMenuText", [](const SetupController& of) { return of.aboutMenuText(); }},
-      {"quitMenuText", [](const SetupController& of) { return of.quitMenuText(); }},
-      {"hideMenuText", [](const SetupController& of) { return of.hideMenuText(); }},
-      {"customInstallMenuText", [](const SetupController& of) { return of.customInstallMenuText(); }},
-      {"customInstallButtonText", [](const SetupController& of) { return of.customInstallButtonText(); }},
-      {"configureEditorsButtonText", [](const SetupController& of) { return of.configureEditorsButtonText(); }},
-      {"isCustomInstallAllowed", [](const SetupController& of) { return of.isCustomInstallAllowed(); }},
-      {"isCustomInstallChosen", [](const SetupController& of) { return of.isCustomInstallChosen(); }},
-      {"canConfigureLumatraExternalEditors",
-       [](const SetupController& of) { return of.canConfigureLumatraExternalEditors(); }},
-      {"shouldConfigureLumatraExternalEditors",
-       [](const SetupController& of) { return of.shouldConfigureLumatraExternalEditors(); }},
-      {"customInstallRecommended", [](const SetupController& of) { return of.customInstallRecommended(); }}};
-  const auto found = properties.find(key);
-  if (found == properties.end()) throw UnknownKey(key);
-  return found->second(*this);
+struct SetupController::Tables {
+  using Of = SetupController;
+  static constexpr PropertyEntry<Of> properties[] = {
+      {"goForwardText", read<&Of::goForwardText>},
+      {"goBackwardsText", read<&Of::goBackwardsText>},
+      {"enableForward", read<&Of::enableForward>},
+      {"enableBackward", read<&Of::enableBackward>},
+      {"mainLabelText", read<&Of::mainLabelText>},
+      {"informativeText", read<&Of::informativeText>},
+      {"licenseText", read<&Of::licenseText>},
+      {"registerText", read<&Of::registerText>},
+      {"foundHosts", read<&Of::hostRows>},
+      {"copyInProgress", read<&Of::copyInProgress>},
+      {"installProgress", read<&Of::installProgress>},
+      {"successfulInstall", read<&Of::successfulInstall>},
+      {"windowTitle", read<&Of::windowTitle>},
+      {"aboutMenuText", read<&Of::aboutMenuText>},
+      {"quitMenuText", read<&Of::quitMenuText>},
+      {"hideMenuText", read<&Of::hideMenuText>},
+      {"customInstallMenuText", read<&Of::customInstallMenuText>},
+      {"customInstallButtonText", read<&Of::customInstallButtonText>},
+      {"configureEditorsButtonText", read<&Of::configureEditorsButtonText>},
+      {"isCustomInstallAllowed", read<&Of::isCustomInstallAllowed>},
+      {"isCustomInstallChosen", read<&Of::isCustomInstallChosen>},
+      {"canConfigureLumatraExternalEditors", read<&Of::canConfigureLumatraExternalEditors>,
+       writeFlag<&Of::setCanConfigureLumatraExternalEditors>},
+      {"shouldConfigureLumatraExternalEditors", read<&Of::shouldConfigureLumatraExternalEditors>,
+       writeFlag<&Of::setShouldConfigureLumatraExternalEditors>},
+      {"customInstallRecommended", read<&Of::customInstallRecommended>}};
+
+  static constexpr ActionEntry<Of> actions[] = {
+      {"nextView:", [](Of& of, const std::string& /*from*/) { of.nextView(nullptr); }},
+      {"previousView:", [](Of& of, const std::string& from) { of.previousView(from); }},
+      {"subViewButtonPress:", [](Of& of, const std::string& from) { of.subViewButtonPress(from); }},
+      {"customInstallMenu:", [](Of& of, const std::string& /*from*/) { of.customInstallMenu(); }},
+      {"initialView:", [](Of& of, const std::string& /*from*/) { of.initialView(); }}};
+};
+
+std::optional<ShownValue> SetupController::shownValue(std::string_view key) const {
+  return readFrom(Tables::properties, key, *this);
 }
 
-void SetupController::setShownValue(std::string_view key, const ShownValue& value) {
-  if (key == "shouldConfigureLumatraExternalEditors") {
-    setShouldConfigureLumatraExternalEditors(flagIn(value, key));
-  } else if (key == "canConfigureLumatraExternalEditors") {
-    setCanConfigureLumatraExternalEditors(flagIn(value, key));
-  } else {
-    throw UnknownKey(key);
-  }
+bool SetupController::setShownValue(std::string_view key, const ShownValue& value) {
+  return writeTo(Tables::properties, key, *this, value);
 }
 
-void SetupController::setTicked(std::string_view key, std::size_t row, bool isTicked) {
-  if (key != "foundHosts") throw UnknownKey(key);
+bool SetupController::setTicked(std::string_view key, std::size_t row, bool isTicked) {
+  if (key != "foundHosts") return false;
   const HostList hosts = foundHosts();
   if (row < hosts.size() && transitions_ == 0) hosts[row]->setHostIsSelected(isTicked);
+  return true;
 }
 
 InterfaceOwner* SetupController::objectForKey(std::string_view key) {
   if (key == "registerModel") return registerModel_.get();
   if (key == "apertureRunModel") return apertureRunModel_.get();
   if (key == "hostsRunningModel") return hostsRunningModel_.get();
-  if (key == "hostsController") return hostsController_.get();
-  throw UnknownKey(key);
+  return key == "hostsController" ? hostsController_.get() : nullptr;
 }
 
-void SetupController::performAction(std::string_view action, const std::string& sender) {
-  using Action = std::function<void(SetupController&, const std::string& sender)>;
-  static const std::map<std::string_view, Action> actions = {
-      {"nextView:", [](SetupController& of, const std::string&) { of.nextView(nullptr); }},
-      {"previousView:", [](SetupController& of, const std::string& from) { of.previousView(from); }},
-      {"subViewButtonPress:", [](SetupController& of, const std::string& from) { of.subViewButtonPress(from); }},
-      {"customInstallMenu:", [](SetupController& of, const std::string&) { of.customInstallMenu(); }},
-      {"initialView:", [](SetupController& of, const std::string&) { of.initialView(); }}};
-  const auto found = actions.find(action);
-  if (found == actions.end()) throw UnknownKey(action);
-  if (transitions_ == 0) found->second(*this, sender);
+bool SetupController::performAction(std::string_view action, const std::string& sender) {
+  const auto* const entry = entryFor(Tables::actions, action);
+  if (entry != nullptr && transitions_ == 0) entry->perform(*this, sender);
+  return entry != nullptr;
 }
 
 bool SetupController::textShouldChange(std::string_view replacement) {

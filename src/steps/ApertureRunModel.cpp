@@ -14,7 +14,7 @@ Picture ApertureRunModel::backgroundImage() const {
   return icon.empty() ? nullptr : platform_.toolkit.imageWithContentsOfFile(icon);
 }
 
-ShownValue ApertureRunModel::shownValue(std::string_view key) const {
+std::optional<ShownValue> ApertureRunModel::shownValue(std::string_view key) const {
   if (key == "backgroundImage") return backgroundImage();
-  return InterfaceOwner::shownValue(key);
+  return std::nullopt;
 }

@@ -20,7 +20,7 @@ class ApertureRunModel : public SetupStepModel, public InterfaceOwner {
   /// Null when Aperture has no icon here.
   [[nodiscard]] Picture backgroundImage() const;
 
-  [[nodiscard]] ShownValue shownValue(std::string_view key) const override;
+  [[nodiscard]] std::optional<ShownValue> shownValue(std::string_view key) const override;
 
  private:
   Platform& platform_;

@@ -27,7 +27,7 @@ Picture RegisterModel::backgroundImage() const {
   return platform_.toolkit.imageNamed(indicateFailure_ ? "Installer_Error" : "checkmark");
 }
 
-ShownValue RegisterModel::shownValue(std::string_view key) const {
+std::optional<ShownValue> RegisterModel::shownValue(std::string_view key) const {
   if (key == "backgroundImage") return backgroundImage();
-  return InterfaceOwner::shownValue(key);
+  return std::nullopt;
 }

@@ -24,7 +24,7 @@ class RegisterModel : public SetupStepModel, public InterfaceOwner {
   /// A check mark, or an error picture after a failure.
   [[nodiscard]] Picture backgroundImage() const;
 
-  [[nodiscard]] ShownValue shownValue(std::string_view key) const override;
+  [[nodiscard]] std::optional<ShownValue> shownValue(std::string_view key) const override;
 
  private:
   Platform& platform_;

@@ -44,7 +44,7 @@ void RunningHostViewModel::setHostIsRunning(bool running) {
   didChangeValueForKey("informativeText");
 }
 
-ShownValue RunningHostViewModel::shownValue(std::string_view key) const {
+std::optional<ShownValue> RunningHostViewModel::shownValue(std::string_view key) const {
   if (key == "informativeText") return informativeText();
-  return InterfaceOwner::shownValue(key);
+  return std::nullopt;
 }

@@ -28,7 +28,7 @@ class RunningHostViewModel : public SetupStepModel, public InterfaceOwner {
   [[nodiscard]] std::string stepIndicatorLabelText() const override { return stepIndicatorLabelText_; }
   [[nodiscard]] RichText informativeText() const override { return hostRunning_ ? runningText_ : notRunningText_; }
 
-  [[nodiscard]] ShownValue shownValue(std::string_view key) const override;
+  [[nodiscard]] std::optional<ShownValue> shownValue(std::string_view key) const override;
 
  private:
   Platform& platform_;

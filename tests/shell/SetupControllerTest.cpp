@@ -173,8 +173,8 @@ TEST_F(SetupControllerTest, ShowsPlaceholdersForWhatIsMissing) {
   EXPECT_EQ(bare.informativeText().string(), "");
   EXPECT_FALSE(bare.enableForward() || bare.enableBackward());
   for (const char* const name : {"", "bogus", "goforwardtext"}) {
-    EXPECT_THROW(static_cast<void>(bare.shownValue(name)), UnknownKey);
-    EXPECT_THROW(bare.performAction(name, ""), UnknownKey);
+    EXPECT_FALSE(bare.shownValue(name));
+    EXPECT_FALSE(bare.performAction(name, ""));
   }
   bare.performAction("nextView:", "");  // there is no page to ask yet
 

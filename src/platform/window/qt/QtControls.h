@@ -3,10 +3,7 @@
 #include <QObject>
 #include <functional>
 
-#include "platform/InterfaceOwner.h"
-
-/// What binds one control to one property: shows its value, and is false for a value that the control cannot show.
-using ShowValue = std::function<bool(const ShownValue& value)>;
+#include "platform/window/Bindings.h"
 
 /// The binding with the name (bindText, bindEnabled, …) for the control; empty when there is none of that name for that
 /// kind of control.

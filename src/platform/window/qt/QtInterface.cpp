@@ -9,8 +9,8 @@ QtInterface::~QtInterface() {
   if (top_ != nullptr && top_->parentWidget() == nullptr) delete top_.data();
 }
 
-void QtInterface::connectTo(InterfaceOwner& owner, BindingServices services) {
-  bindings_ = std::make_unique<QtBindings>(*top_, owner, std::move(services));
+void QtInterface::connectTo(InterfaceOwner& owner, BindingServices services, BindingResources resources) {
+  bindings_ = std::make_unique<QtBindings>(*top_, owner, std::move(services), std::move(resources));
 }
 
 QWidget* QtInterface::widget(const std::string& name) const {

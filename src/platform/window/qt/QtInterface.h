@@ -20,7 +20,7 @@ class QtInterface : public Interface {
   QtInterface(const QtInterface&) = delete;
   QtInterface& operator=(const QtInterface&) = delete;
 
-  void connectTo(InterfaceOwner& owner, BindingServices services);
+  void connectTo(InterfaceOwner& owner, BindingServices services, BindingResources resources);
 
   [[nodiscard]] std::shared_ptr<View> view(const std::string& name) const override;
   [[nodiscard]] std::shared_ptr<TextField> textField(const std::string& name) const override;

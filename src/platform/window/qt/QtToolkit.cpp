@@ -94,11 +94,12 @@ Result<std::unique_ptr<Interface>> QtToolkit::loadInterface(const std::string& n
   QWidget& widgets = *top;
   finish(widgets);
   auto made = std::make_unique<QtInterface>(std::move(top), views_, windows_);
-  made->connectTo(owner, {.interfaceName = name,
-                          .bundle = bundle,
-                          .log = services_.log,
-                          .imageNamed = [this](const std::string& picture) { return imageNamed(picture); },
-                          .performOwnAction = [this](const std::string& action) { return performOwnAction(action); }});
+  made->connectTo(owner,
+                  {.interfaceName = name,
+                   .log = services_.log,
+                   .performOwnAction = [this](const std::string& action) { return performOwnAction(action); },
+                   .catchUpAfter = {}},
+                  {.bundle = bundle, .imageNamed = [this](const std::string& picture) { return imageNamed(picture); }});
   // With the texts in it: a menu bar without any has no height.
   fixSize(widgets);
   layOut(widgets);

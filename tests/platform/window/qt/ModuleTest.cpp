@@ -58,7 +58,7 @@ TEST(WindowModuleDeathTest, SaysWhyThereIsNoWindow) {
   EXPECT_EXIT(askForAWindow({{"QT_QPA_PLATFORM", "xcb"}}), none, "^there is no display$");
   EXPECT_EXIT(askForAWindow({{"QT_QPA_PLATFORM", "invented"}}), none, "^Installer: no window: .*-quiet[^\n]*\n$");
   EXPECT_EXIT(askForAWindow({{"QT_QPA_PLATFORM", "offscreen"}}), testing::ExitedWithCode(0),
-              "^a window with a form; logged Interface Form, control \"label\": no value for the key nobody$");
+              "^a window with a form; logged Interface Form, control \"label\": nobody has the property nobody$");
 }
 
 }  // namespace

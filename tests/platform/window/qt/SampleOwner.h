@@ -19,13 +19,13 @@ class SampleOwner : public InterfaceOwner {
     didChangeValueForKey(key);
   }
 
-  [[nodiscard]] ShownValue shownValue(std::string_view key) const override {
+  [[nodiscard]] std::optional<ShownValue> shownValue(std::string_view key) const override {
     const auto found = values.find(key);
-    if (found == values.end()) throw UnknownKey(key);
-    return found->second;
+    return found == values.end() ? std::nullopt : std::optional(found->second);
   }
-  void performAction(std::string_view action, const std::string& sender) override {
-    if (action == "unheardOf:") throw UnknownKey(action);
+  bool performAction(std::string_view action, const std::string& sender) override {
+    if (action == "unheardOf:") return false;
     done += std::string(action) + " " + sender + ";";
+    return true;
   }
 };
