@@ -76,10 +76,7 @@ TEST_P(WizardInEveryLanguageTest, LeadsFromTheLicenceToTheEndByMouse) {
     press("configureLumatraExternalEditors");
     press("customInstallButton");
     lookAtPage("customInstallView", "custom");
-    pressLater("choose", [this] {
-      look(*shownWidget<QWidget>("openPanel"), "browse");
-      shownWidget<QLineEdit>("path")->setText(toQt(ownFolder_));
-    });
+    chooseLater(ownFolder_, [] { look(*shownWidget<QWidget>("openPanel"), "browse"); });
     press("browseButton");
     whenShown("installProgressBar", [this](QWidget&) {
       lookAtPage("installFilesView", "install");

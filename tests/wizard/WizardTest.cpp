@@ -129,7 +129,7 @@ TEST_F(WizardTest, OffersAFolderWhereNoApplicationIsFound) {
     agreeToLicence();
     waitForPage("customPathField");
     EXPECT_FALSE(isEnabled("forwardButton")) << "no folder yet";
-    pressLater("choose", [&folder] { shownWidget<QLineEdit>("path")->setText(toQt(folder)); });
+    chooseLater(folder);
     press("browseButton");
     press("forwardButton");
     waitForPage("registerView");

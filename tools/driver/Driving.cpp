@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QTimer>
 #include <QWindow>
@@ -74,6 +75,14 @@ void pressLater(const char* button, const std::function<void()>& before) {
   whenShown(button, [before](QWidget& shown) {
     before();
     if (const auto* const pressed = qobject_cast<QAbstractButton*>(&shown)) click(*pressed);
+  });
+}
+
+void chooseLater(const std::string& folder, const std::function<void()>& before) {
+  whenShown("path", [=](QWidget& path) {
+    before();
+    static_cast<QLineEdit&>(path).setText(QString::fromStdString(folder));
+    press("choose");
   });
 }
 

@@ -34,5 +34,9 @@ void whenShown(const std::string& widget, const std::function<void(QWidget&)>& a
 void pressLater(
     const char* button, const std::function<void()>& before = [] {});
 
+/// Chooses the folder in the panel, as soon as that is shown.
+void chooseLater(
+    const std::string& folder, const std::function<void()>& before = [] {});
+
 /// Presses the forward button of the licence page and agrees to what is then asked.
 void agreeToLicence(const std::function<void()>& beforeAgreeing = [] {});

@@ -60,7 +60,7 @@ void walk() {
   pick("customInstallItem");
   press("customInstallButton");
   waitForPage("customPathField");
-  pressLater("choose", [] { shownWidget<QLineEdit>("path")->setText("/Applications/Adobe Photoshop CS5/Plug-Ins"); });
+  chooseLater("/Applications/Adobe Photoshop CS5/Plug-Ins");
   press("browseButton");
   picture("custom-folder");
   press("backwardButton");

@@ -1,5 +1,6 @@
 #include "platform/window/qt/QtOpenPanel.h"
 
+#include <QCollator>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QInputDialog>
@@ -13,7 +14,7 @@
 #include <vector>
 
 #include "foundation/Path.h"
-#include "foundation/Text.h"
+#include "platform/window/FolderChoice.h"
 #include "platform/window/qt/QtText.h"
 
 namespace {
@@ -21,11 +22,24 @@ namespace {
 constexpr int pathRole = Qt::UserRole;
 constexpr std::uint32_t newFolderPermissions = 0755;
 
-/// The panel: a tree of folders, the path of the chosen one for the keyboard, and the buttons.
+/// Text keys of what cannot be chosen, and why; a path that is being typed is no mistake yet.
+const char* textKeyOf(FolderChoice::Problem problem) {
+  switch (problem) {
+    case FolderChoice::Problem::none:
+    case FolderChoice::Problem::noPath: break;
+    case FolderChoice::Problem::missing: return "browse_problem_missing";
+    case FolderChoice::Problem::notAFolder: return "browse_problem_file";
+    case FolderChoice::Problem::package: return "browse_problem_package";
+    case FolderChoice::Problem::unreadable: return "browse_problem_unreadable";
+  }
+  return nullptr;
+}
+
+/// The panel: the path of the chosen folder, a tree of folders that follows it, and the buttons.
 class Panel : public QDialog {
  public:
   Panel(const OpenPanel& panel, const OpenPanelServices& services, QWidget* window)
-      : QDialog(window), panel_(panel), services_(services) {
+      : QDialog(window), panel_(panel), services_(services), choice_(services.files, panel.shouldShowFilename) {
     setObjectName("openPanel");
     setWindowModality(window != nullptr ? Qt::WindowModal : Qt::ApplicationModal);
     setWindowTitle(toQt(panel.title));
@@ -33,10 +47,13 @@ class Panel : public QDialog {
     layOut();
     connectControls();
     addRoot();
-    goTo(panel.startFolder);
+    order_.setNumericMode(true);
+    order_.setCaseSensitivity(Qt::CaseInsensitive);
+    choose(panel.startFolder);
+    showInTree();
   }
 
-  [[nodiscard]] std::string chosen() const { return folderNamed(fromQt(path_.text())); }
+  [[nodiscard]] const std::string& chosen() const { return choice_.path(); }
 
  private:
   [[nodiscard]] QString text(const char* key) const { return toQt(services_.bundle.localizedString(key)); }
@@ -54,6 +71,10 @@ class Panel : public QDialog {
     path_.setObjectName("path");
     path_.setAccessibleName(text("browse_folder_label"));
     layout->addWidget(&path_);
+    problem_.setObjectName("problem");
+    problem_.setWordWrap(true);
+    problem_.setTextFormat(Qt::PlainText);
+    layout->addWidget(&problem_);
     tree_.setObjectName("folders");
     tree_.setAccessibleName(text("browse_folders_label"));
     tree_.setHeaderHidden(true);
@@ -77,29 +98,33 @@ class Panel : public QDialog {
     connect(&buttons_, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(newFolder_, &QPushButton::clicked, this, [this] { makeFolder(); });
     connect(&tree_, &QTreeWidget::itemExpanded, this, [this](QTreeWidgetItem* item) { readChildren(*item); });
-    connect(&tree_, &QTreeWidget::currentItemChanged, this, [this](const QTreeWidgetItem* item) {
-      if (item != nullptr) path_.setText(toQt(pathOf(*item)));
+    connect(&tree_, &QTreeWidget::currentItemChanged, this, [this](const QTreeWidgetItem* item) { pick(item); });
+    connect(&tree_, &QTreeWidget::itemClicked, this, [this](const QTreeWidgetItem* item) { pick(item); });
+    connect(&path_, &QLineEdit::textChanged, this, [this](const QString& text) {
+      choice_.setTyped(fromQt(text));
+      judge();
     });
-    connect(&path_, &QLineEdit::textChanged, this, [this] { choose_->setEnabled(isChoosable(chosen())); });
-    connect(&path_, &QLineEdit::editingFinished, this, [this] {
-      if (isChoosable(chosen())) goTo(chosen());
-    });
+    connect(&path_, &QLineEdit::editingFinished, this, [this] { showInTree(); });
   }
 
-  [[nodiscard]] bool isChoosable(const std::string& path) const {
-    if (path.empty()) return false;
-    const auto attributes = services_.files.attributesOfItem(path);
-    return attributes && attributes->type == ItemType::folder && !isPackage(path) && isLet(path);
+  void choose(const std::string& path) {
+    choice_.setPath(path);
+    const QSignalBlocker silence(path_);
+    path_.setText(toQt(path));
+    judge();
   }
 
-  [[nodiscard]] bool isLet(const std::string& path) const {
-    return !panel_.shouldShowFilename || panel_.shouldShowFilename(path);
+  void pick(const QTreeWidgetItem* item) {
+    if (item != nullptr && pathOf(*item) != choice_.path()) choose(pathOf(*item));
   }
 
-  [[nodiscard]] bool isPackage(const std::string& path) const {
-    const auto neighbours = services_.files.visibleEntries(deletingLastPathComponent(path));
-    return std::any_of(neighbours.begin(), neighbours.end(),
-                       [&](const WalkedItem& item) { return item.isPackage && item.path == path; });
+  /// Enables the button for what can be chosen, and tells why anything else cannot be.
+  void judge() {
+    const FolderChoice::Problem problem = choice_.problem();
+    choose_->setEnabled(problem == FolderChoice::Problem::none);
+    const char* const key = textKeyOf(problem);
+    problem_.setText(key != nullptr ? text(key) : QString());
+    problem_.setVisible(key != nullptr);
   }
 
   [[nodiscard]] static std::string pathOf(const QTreeWidgetItem& item) {
@@ -124,11 +149,12 @@ class Panel : public QDialog {
     // Once read, a folder is shown as it was; it would fold together under the person's hands.
     if (item.childIndicatorPolicy() != QTreeWidgetItem::ShowIndicator || item.childCount() > 0) return;
     const std::string folder = pathOf(item);
+    std::vector<std::string> folders = choice_.foldersIn(folder);
+    std::ranges::sort(folders, [this](const std::string& one, const std::string& other) {
+      return order_.compare(toQt(lastPathComponent(one)), toQt(lastPathComponent(other))) < 0;
+    });
     QList<QTreeWidgetItem*> children;
-    for (const WalkedItem& entry : services_.files.visibleEntries(folder)) {
-      const bool isFolder = entry.type == ItemType::folder && !entry.isPackage;
-      if (isFolder && isLet(entry.path)) children.append(makeItem(entry.path));
-    }
+    for (const std::string& path : folders) children.append(makeItem(path));
     if (children.isEmpty()) item.setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicator);
     item.addChildren(children);
   }
@@ -140,15 +166,13 @@ class Panel : public QDialog {
     return nullptr;
   }
 
-  /// Opens the tree down to the folder, or to the last one on the way that is shown.
-  void goTo(const std::string& folder) {
+  /// Opens the tree down to the chosen folder, or to the last one on the way that is shown.
+  void showInTree() {
+    const QSignalBlocker silence(tree_);  // the choice stays what it is
     QTreeWidgetItem* item = tree_.topLevelItem(0);
-    std::string path = "/";
-    const std::string wanted = folderNamed(folder);
-    for (const std::string_view name : split(wanted, '/')) {
-      if (name.empty()) continue;
+    for (const std::string& path : pathsDownTo(choice_.path())) {
+      if (path == pathOf(*item)) continue;
       readChildren(*item);
-      path = joinPath(path, name);
       QTreeWidgetItem* const child = childNamed(*item, path);
       if (child == nullptr) break;
       item->setExpanded(true);
@@ -168,26 +192,34 @@ class Panel : public QDialog {
     question.setCancelButtonText(text("browse_cancel"));
     if (question.exec() != QDialog::Accepted) return;
     const std::string name = fromQt(question.textValue());
-    if (name.empty() || name.find('/') != std::string::npos || name == "." || name == "..") return;
+    if (name.empty()) return;
     QTreeWidgetItem* const parent = tree_.currentItem();
-    if (parent == nullptr) return;
-    const std::string path = joinPath(pathOf(*parent), name);
-    const Status made = services_.files.createDirectory(path, newFolderPermissions);
+    const std::string folder = choice_.problem() == FolderChoice::Problem::none ? choice_.path() : pathOf(*parent);
+    const bool isName = name.find('/') == std::string::npos && name != "." && name != "..";
+    const std::string path = joinPath(folder, name);
+    const Status made = isName ? services_.files.createDirectory(path, newFolderPermissions)
+                               : Status(Error::posix(std::errc::invalid_argument, name));
     if (!made) {
       services_.toolkit.runAlertPanel({.title = services_.bundle.localizedString("browse_folder_failed"),
                                        .message = made.error().description(),
                                        .defaultButton = services_.bundle.localizedString("ok_button")});
       return;
     }
-    parent->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
-    qDeleteAll(parent->takeChildren());
-    readChildren(*parent);
-    goTo(path);
+    if (pathOf(*parent) == folder) {
+      parent->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
+      qDeleteAll(parent->takeChildren());
+      readChildren(*parent);
+    }
+    choose(path);
+    showInTree();
   }
 
   const OpenPanel& panel_;
   OpenPanelServices services_;
+  FolderChoice choice_;
+  QCollator order_{QLocale(toQt(services_.user.preferredLanguages().front()))};
   QLineEdit path_;
+  QLabel problem_;
   QTreeWidget tree_;
   QDialogButtonBox buttons_;
   QPushButton* newFolder_ = nullptr;
@@ -200,18 +232,4 @@ std::optional<std::string> askForFolder(const OpenPanel& panel, const OpenPanelS
   Panel dialogue(panel, services, window);
   if (dialogue.exec() != QDialog::Accepted) return std::nullopt;
   return dialogue.chosen();
-}
-
-std::string folderNamed(std::string_view text) {
-  const std::string_view path = trimmed(text);
-  if (!path.starts_with('/')) return {};
-  std::string folder = "/";
-  for (const std::string_view name : split(path, '/')) {
-    if (name == "..") {
-      folder = deletingLastPathComponent(folder);
-    } else if (name != ".") {
-      folder = joinPath(folder, name);
-    }
-  }
-  return folder.empty() ? "/" : folder;
 }

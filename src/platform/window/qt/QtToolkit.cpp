@@ -78,7 +78,8 @@ AlertAnswer QtToolkit::runAlertPanel(const Alert& alert) {
 }
 
 std::optional<std::string> QtToolkit::runOpenPanel(const OpenPanel& panel) {
-  return askForFolder(panel, {services_.files, services_.bundles.mainBundle(), *this}, windows_.frontWindow());
+  return askForFolder(panel, {services_.files, services_.bundles.mainBundle(), services_.user, *this},
+                      windows_.frontWindow());
 }
 
 Result<std::unique_ptr<Interface>> QtToolkit::loadInterface(const std::string& name, InterfaceOwner& owner) {

@@ -1,15 +1,9 @@
 #include <QBuffer>
 #include <QGridLayout>
 #include <QLabel>
-#include <QLineEdit>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QTextBlock>
 #include <QTextDocument>
-#include <QTreeWidget>
-#include <cstdlib>
 
-#include "platform/window/qt/QtOpenPanel.h"
 #include "platform/window/qt/QtPalette.h"
 #include "platform/window/qt/QtPicture.h"
 #include "platform/window/qt/QtRichText.h"
@@ -112,69 +106,6 @@ TEST(RichTextTest, BecomesADocumentThatCanBeRead) {
       EXPECT_GE(contrast(palette.color(role), palette.color(QPalette::Window)), 4.5) << role;
     }
   }
-}
-
-class OpenPanelTest : public WindowTest {
- protected:
-  OpenPanelTest() {
-    for (const char* const folder : {"/Applications/Tools/Plug-Ins", "/Applications/App.app/Contents",
-                                     "/Applications/Flat.plugin", "/Library/.hidden"}) {
-      fs::create_directories(machine_.onVolume(folder));
-    }
-    writeFile(machine_.onVolume("/Applications/file"), "");
-    fs::create_directory_symlink("/", machine_.onVolume("/Applications/link"));
-  }
-
-  std::optional<std::string> choose(const std::string& start, const std::function<void(QDialog&)>& act) {
-    meanwhile([act] {
-      auto* const dialogue = find<QDialog>("openPanel");
-      act(*dialogue);
-      if (dialogue->isVisible()) dialogue->reject();
-    });
-    return toolkit().runOpenPanel({.title = "Title",
-                                   .message = "Message",
-                                   .prompt = "Choose",
-                                   .startFolder = start,
-                                   .shouldShowFilename = [this](const std::string& path) {
-                                     return !machine_.platform.files.exists(path + "/Contents");
-                                   }});
-  }
-  static QStringList shown(const QTreeWidgetItem& item) {
-    QStringList names;
-    for (int i = 0; i < item.childCount(); ++i) names += item.child(i)->text(0);
-    return names;
-  }
-};
-
-TEST_F(OpenPanelTest, ShowsTheFoldersThatTheCallerLets) {
-  const auto chosen = choose("/Applications/Tools", [](QDialog& dialogue) {
-    auto& tree = *dialogue.findChild<QTreeWidget*>("folders");
-    ASSERT_NE(tree.currentItem(), nullptr);
-    EXPECT_EQ(tree.currentItem()->text(0), "Tools");
-    EXPECT_EQ(shown(*tree.currentItem()->parent()), QStringList{"Tools"}) << "no files, links or packages";
-    tree.setFocus();
-    QTest::keyClick(&tree, Qt::Key_Right);
-    QTest::keyClick(&tree, Qt::Key_Down);
-    QTest::keyClick(&tree, Qt::Key_Return);
-  });
-  EXPECT_EQ(chosen, "/Applications/Tools/Plug-Ins");
-}
-
-TEST_F(OpenPanelTest, TakesAPathFromTheKeyboardAndNeverLeavesTheVolume) {
-  const auto type = [](const char* path) {
-    return [path](QDialog& dialogue) {
-      auto& line = *dialogue.findChild<QLineEdit*>("path");
-      line.selectAll();
-      QTest::keyClicks(&line, path);
-      QTest::keyClick(&line, Qt::Key_Return);
-    };
-  };
-  EXPECT_EQ(choose("/nowhere/at/all", type("/Library/../../../Library/")), "/Library");
-  EXPECT_EQ(choose("/", type("/Applications/App.app")), std::nullopt);
-  EXPECT_EQ(choose("/", type("/Applications/Flat.plugin")), std::nullopt);
-  EXPECT_EQ(choose("/", type("/Applications/file")), std::nullopt);
-  EXPECT_EQ(choose("/", type("Library")), std::nullopt);
-  EXPECT_EQ(choose("/", [](QDialog& dialogue) { QTest::keyClick(&dialogue, Qt::Key_Escape); }), std::nullopt);
 }
 
 }  // namespace
