@@ -102,7 +102,7 @@ struct Alert {
   std::string title;
   std::string message;
   std::string defaultButton;
-  std::string alternateButton = {};  ///< empty: there is none
+  std::optional<std::string> alternateButton = {};  ///< nothing: the alert has one button
   Style style = Style::warning;
 };
 
@@ -138,8 +138,8 @@ class Toolkit {
   Toolkit& operator=(const Toolkit&) = delete;
   virtual ~Toolkit() = default;
 
-  /// Shows a modal alert and waits for the answer. Without a window: one line on standard error, and the default
-  /// answer.
+  /// Shows a modal alert and waits for the answer, which is the default one only when its button was pressed. A button
+  /// without a caption gets a general one. Without a window: one line on standard error, and the default answer.
   virtual AlertAnswer runAlertPanel(const Alert& alert) = 0;
 
   /// Shows a modal panel with the folders of the target volume, in which one can be chosen or made; the chosen folder's

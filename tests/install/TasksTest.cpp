@@ -98,7 +98,7 @@ TEST_F(TasksTest, TellsOfErrorsAndAsksHowToGoOn) {
   }
   EXPECT_EQ(log_.count("File  operation error: broken with file: /file"), 2);
   const Alert& alert = machine_.toolkit.alerts[0];
-  EXPECT_EQ(alert.message + alert.defaultButton + alert.alternateButton, "<broken|/file>Go onStop");
+  EXPECT_EQ(alert.message + alert.defaultButton + alert.alternateButton.value_or(""), "<broken|/file>Go onStop");
 }
 
 TEST_F(TasksTest, KeepTheOldFileWhenTheNewOneCannotBeWritten) {

@@ -1,8 +1,12 @@
 #include "platform/window/qt/QtAlert.h"
 
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSpacerItem>
 
 #include "platform/window/qt/QtPicture.h"
 #include "platform/window/qt/QtText.h"
@@ -10,12 +14,42 @@
 namespace {
 
 constexpr QSize pictureSize(56, 56);
+constexpr int smallestWidth = 420;
+
+/// Knows whether it was dismissed, which Qt takes for a press of the only button.
+class Box : public QMessageBox {
+ public:
+  using QMessageBox::QMessageBox;
+
+  [[nodiscard]] bool wasDismissed() const { return wasDismissed_; }
+
+ private:
+  void keyPressEvent(QKeyEvent* event) override {
+    if (event->key() == Qt::Key_Escape) wasDismissed_ = true;
+    QMessageBox::keyPressEvent(event);
+  }
+  void closeEvent(QCloseEvent* event) override {
+    wasDismissed_ = true;
+    QMessageBox::closeEvent(event);
+  }
+
+  bool wasDismissed_ = false;
+};
+
+void makeWide(QMessageBox& box) {
+  auto* const grid = qobject_cast<QGridLayout*>(box.layout());
+  if (grid == nullptr) return;
+  const QMargins margins = grid->contentsMargins();
+  auto* const width = new QSpacerItem(smallestWidth - margins.left() - margins.right(), 0);
+  grid->addItem(width, grid->rowCount(), 0, 1, grid->columnCount());
+}
 
 }  // namespace
 
 AlertAnswer askAlert(const Alert& alert, QWidget* window, const Picture& picture) {
-  QMessageBox box(window);
+  Box box(window);
   box.setObjectName("alert");
+  box.setWindowTitle(window != nullptr ? window->windowTitle() : toQt(alert.title));
   box.setWindowModality(window != nullptr ? Qt::WindowModal : Qt::ApplicationModal);
   box.setTextFormat(Qt::PlainText);
   box.setText(toQt(alert.title));
@@ -35,15 +69,16 @@ AlertAnswer askAlert(const Alert& alert, QWidget* window, const Picture& picture
   }
 
   QPushButton* const accept = box.addButton(toQt(alert.defaultButton), QMessageBox::AcceptRole);
-  QPushButton* refuse = nullptr;
   box.setDefaultButton(accept);
   accept->setObjectName("defaultButton");
-  if (!alert.alternateButton.empty()) {
-    refuse = box.addButton(toQt(alert.alternateButton), QMessageBox::RejectRole);
+  QPushButton* refuse = nullptr;
+  if (alert.alternateButton) {
+    refuse = box.addButton(toQt(*alert.alternateButton), QMessageBox::RejectRole);
     refuse->setObjectName("alternateButton");
   }
   box.setEscapeButton(refuse != nullptr ? refuse : accept);
+  makeWide(box);
   box.exec();
-  const bool isRefused = refuse != nullptr && box.clickedButton() != accept;
-  return isRefused ? AlertAnswer::alternateButton : AlertAnswer::defaultButton;
+  const bool isAccepted = box.clickedButton() == accept && !box.wasDismissed();
+  return isAccepted ? AlertAnswer::defaultButton : AlertAnswer::alternateButton;
 }

@@ -74,7 +74,13 @@ QtToolkit::~QtToolkit() = default;
 
 AlertAnswer QtToolkit::runAlertPanel(const Alert& alert) {
   const char* const picture = alert.style == Alert::Style::warning ? "Caution" : "Installer";
-  return askAlert(alert, windows_.frontWindow(), imageNamed(picture));
+  const Bundle& bundle = services_.bundles.mainBundle();
+  Alert shown = alert;
+  if (shown.defaultButton.empty()) shown.defaultButton = bundle.localizedString("ok_button", "OK", "Localizable");
+  if (shown.alternateButton && shown.alternateButton->empty()) {
+    shown.alternateButton = bundle.localizedString("browse_cancel", "Cancel", "Localizable");
+  }
+  return askAlert(shown, windows_.frontWindow(), imageNamed(picture));
 }
 
 std::optional<std::string> QtToolkit::runOpenPanel(const OpenPanel& panel) {

@@ -1,6 +1,9 @@
 #include <QBuffer>
 #include <QGridLayout>
 #include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
 #include <QTextBlock>
 #include <QTextDocument>
 
@@ -84,6 +87,33 @@ TEST_F(ToolkitTest, PicturesAreSharpAndDamagedOnesAreNone) {
     EXPECT_EQ(toolkit().imageNamed(name), nullptr) << name;
   writeFile(machine_.onVolume("/icon.png"), "no picture");
   EXPECT_EQ(toolkit().imageWithContentsOfFile("/icon.png"), nullptr);
+}
+
+TEST_F(ToolkitTest, AlertsGiveTheDefaultAnswerForItsButtonAlone) {
+  const auto answer = [this](const Alert& alert, const std::function<void(QMessageBox&)>& act) {
+    meanwhile([&act] {
+      auto& box = *find<QMessageBox>("alert");
+      EXPECT_GE(box.width(), 420);
+      act(box);
+    });
+    return toolkit().runAlertPanel(alert);
+  };
+  const auto press = [](Qt::Key key) { return [key](QMessageBox& box) { QTest::keyClick(&box, key); }; };
+  const auto close = [](QMessageBox& box) { box.close(); };
+  const Alert statement{.title = "Title", .message = "", .defaultButton = "OK"};
+  const Alert question{.title = "Title", .message = "Message", .defaultButton = "Agree", .alternateButton = ""};
+  for (const Alert& alert : {statement, question}) {
+    EXPECT_EQ(answer(alert, press(Qt::Key_Return)), AlertAnswer::defaultButton);
+    EXPECT_EQ(answer(alert, press(Qt::Key_Escape)), AlertAnswer::alternateButton);
+    EXPECT_EQ(answer(alert, close), AlertAnswer::alternateButton);
+  }
+  const auto pressSecond = [](QMessageBox& box) {
+    EXPECT_EQ(box.buttons().size(), 2) << "though its table has no caption for it";
+    if (box.buttons().size() != 2) return box.reject();
+    EXPECT_FALSE(box.buttons()[1]->text().isEmpty());
+    box.buttons()[1]->click();
+  };
+  EXPECT_EQ(answer(question, pressSecond), AlertAnswer::alternateButton);
 }
 
 TEST(RichTextTest, BecomesADocumentThatCanBeRead) {
