@@ -7,16 +7,6 @@
 
 namespace {
 
-std::string focused() { return fromQt(window().focusWidget()->objectName()); }
-
-/// Keys go where the focus is.
-void key(Qt::Key pressed) { QTest::keyClick(window().focusWidget(), pressed); }
-
-void tabTo(const std::string& control) {
-  for (int i = 0; i < 20 && focused() != control; ++i) key(Qt::Key_Tab);
-  EXPECT_EQ(focused(), control);
-}
-
 /// Object names of what the tabulator key reaches on the page, from the first control on; a screen reader has a name
 /// for each.
 std::string tabOrder() {

@@ -55,6 +55,16 @@ inline std::string steps() {
   return text;
 }
 
+inline std::string focused() { return fromQt(window().focusWidget()->objectName()); }
+
+/// Keys go where the focus is.
+inline void key(Qt::Key pressed) { QTest::keyClick(window().focusWidget(), pressed); }
+
+inline void tabTo(const std::string& control) {
+  for (int i = 0; i < 20 && focused() != control; ++i) key(Qt::Key_Tab);
+  EXPECT_EQ(focused(), control);
+}
+
 /// The wizard in its window, on a screen in memory: the program that was built, on a sample volume, with the real
 /// platform.
 class WizardTest : public testing::Test {

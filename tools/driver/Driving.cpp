@@ -20,11 +20,15 @@ void click(const QAbstractButton& button) {
   QWidget* const top = button.window();
   const QPointF place = button.mapTo(top, QPoint(button.height() / 2, button.height() / 2));
   const QPointF onScreen = top->mapToGlobal(place);
-  QMouseEvent down(QEvent::MouseButtonPress, place, onScreen, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-  QMouseEvent up(QEvent::MouseButtonRelease, place, onScreen, Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
-  QWindow* const window = top->windowHandle();
-  QApplication::sendEvent(window, &down);
-  QApplication::sendEvent(window, &up);
+  const auto send = [window = top->windowHandle()](QEvent::Type type, const QPointF& at, const QPointF& global,
+                                                   Qt::MouseButton pressed, Qt::MouseButtons held) {
+    QMouseEvent event(type, at, global, pressed, held, Qt::NoModifier);
+    QApplication::sendEvent(window, &event);
+  };
+  // The pointer comes from elsewhere, as a person's does who means this button.
+  send(QEvent::MouseMove, QPointF(-10, -10), top->mapToGlobal(QPointF(-10, -10)), Qt::NoButton, Qt::NoButton);
+  send(QEvent::MouseButtonPress, place, onScreen, Qt::LeftButton, Qt::LeftButton);
+  send(QEvent::MouseButtonRelease, place, onScreen, Qt::LeftButton, Qt::NoButton);
 }
 
 void actWhenShown(const std::string& name, const std::function<void(QWidget&)>& act, const QElapsedTimer& since) {

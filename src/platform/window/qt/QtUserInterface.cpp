@@ -23,6 +23,7 @@ std::unique_ptr<QtUserInterface> QtUserInterface::make(const WindowServices& ser
 }
 
 QtUserInterface::QtUserInterface(const WindowServices& services) : messages_(services.log) {
+  application_.installEventFilter(&inputGuard_);
   QApplication::setQuitOnLastWindowClosed(false);  // the delegate is asked
   const Appearance appearance = wantedAppearance(QApplication::palette());
   QApplication::setStyle(new QtStyle);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/window/WindowModule.h"
+#include "platform/window/qt/QtInputGuard.h"
 #include "platform/window/qt/QtMessages.h"
 #include "platform/window/qt/QtRunLoop.h"
 #include "platform/window/qt/QtToolkit.h"
@@ -28,5 +29,6 @@ class QtUserInterface : public UserInterface {
   char* arguments_[2] = {name_, nullptr};
   QApplication application_{argumentCount_, arguments_};
   QtRunLoop runLoop_;
+  QtInputGuard inputGuard_;
   std::unique_ptr<QtToolkit> toolkit_;
 };
