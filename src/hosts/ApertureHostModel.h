@@ -17,7 +17,7 @@ class ApertureHostModel : public HostModel {
   [[nodiscard]] bool hostIsInstalled() const override { return hostIsInstalled_; }
   [[nodiscard]] bool hostIsSelected() const override { return hostIsSelected_; }
   void setHostIsSelected(bool selected) override { hostIsSelected_ = selected; }
-  [[nodiscard]] std::string appPath() const { return "/Applications/Aperture"; }
+  [[nodiscard]] std::string appPath() const override { return "/Applications/Aperture"; }
   [[nodiscard]] std::string plugInPath() const override { return {}; }
   [[nodiscard]] std::string scriptsPath() const override { return {}; }
   [[nodiscard]] std::string panelsPath() const override { return {}; }

@@ -32,6 +32,11 @@ class FireworksHostModel : public HostModel {
 
   [[nodiscard]] Value valueForKey(std::string_view key) const override;
 
+ protected:
+  [[nodiscard]] bool answers(std::string_view key) const override {
+    return key != "hostIsSelected" && key != "displaySortOrder" && key != "appPath";
+  }
+
  private:
   explicit FireworksHostModel(Platform& platform) : platform_(platform) {}
 

@@ -11,8 +11,8 @@
 /// One application, or folder, that the product can be installed into. Kinds that need a treatment of their own are
 /// told apart by class.
 ///
-/// An operation that means nothing for a kind raises UnknownKey, and so does its key: callers know which kinds they
-/// ask.
+/// Every kind has every operation. Where one means nothing for a kind, it answers what changes nothing, and its key is
+/// unknown.
 class HostModel : public KeyValueCoding {
  public:
   /// What people call the host.
@@ -20,6 +20,9 @@ class HostModel : public KeyValueCoding {
 
   /// Whether the host is there; only then is it offered.
   [[nodiscard]] virtual bool hostIsInstalled() const = 0;
+
+  /// The folder of its application; empty when there is none, or when nothing goes there.
+  [[nodiscard]] virtual std::string appPath() const { return {}; }
 
   // Where the parts of the product go; empty for a part that this host takes none of.
   [[nodiscard]] virtual std::string plugInPath() const = 0;
@@ -29,18 +32,21 @@ class HostModel : public KeyValueCoding {
   [[nodiscard]] virtual bool shouldInstallScripts() const = 0;
   [[nodiscard]] virtual bool shouldInstallPanels() const = 0;
 
-  /// The user's tick. Not answered by Fireworks.
-  [[nodiscard]] virtual bool hostIsSelected() const { throw UnknownKey("hostIsSelected"); }
-  virtual void setHostIsSelected(bool /*selected*/) { throw UnknownKey("hostIsSelected"); }
+  /// The user's tick.
+  [[nodiscard]] virtual bool hostIsSelected() const { return false; }
+  virtual void setHostIsSelected(bool /*selected*/) {}
 
-  /// The host list ascends by this. Not answered by Fireworks.
-  [[nodiscard]] virtual std::uint64_t displaySortOrder() const { throw UnknownKey("displaySortOrder"); }
+  /// The host list ascends by this.
+  [[nodiscard]] virtual std::uint64_t displaySortOrder() const { return 0; }
 
-  /// Answered by Fireworks and the custom folder.
-  [[nodiscard]] virtual bool shouldInstallPlugIns() const { throw UnknownKey("shouldInstallPlugIns"); }
+  [[nodiscard]] virtual bool shouldInstallPlugIns() const { return true; }
 
-  /// Every operation above, by its name.
+  /// Every operation above that means something for this kind, by its name.
   [[nodiscard]] Value valueForKey(std::string_view key) const override;
+
+ protected:
+  /// Whether the operation of that name means something for this kind.
+  [[nodiscard]] virtual bool answers(std::string_view key) const { return key != "shouldInstallPlugIns"; }
 };
 
 using HostList = std::vector<std::shared_ptr<HostModel>>;

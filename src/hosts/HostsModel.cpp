@@ -106,8 +106,9 @@ void HostsModel::findHosts() {
 HostList HostsModel::foundHosts() const {
   HostList hosts = filteredHosts(hostsArray_, "hostIsInstalled == YES");
   try {
-    std::ranges::stable_sort(hosts, {},
-                             [](const std::shared_ptr<HostModel>& host) { return host->displaySortOrder(); });
+    std::ranges::stable_sort(hosts, {}, [](const std::shared_ptr<HostModel>& host) {
+      return *host->valueForKey("displaySortOrder").as<std::int64_t>();
+    });
   } catch (const UnknownKey&) {
     return {};  // a kind that has no place in the list
   }

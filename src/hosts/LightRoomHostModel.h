@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,7 +17,6 @@ class LightRoomHostModel : public HostModel {
   [[nodiscard]] bool hostIsInstalled() const override { return hostIsInstalled_; }
   [[nodiscard]] bool hostIsSelected() const override { return hostIsSelected_; }
   void setHostIsSelected(bool selected) override { hostIsSelected_ = selected; }
-  [[nodiscard]] std::optional<std::string> appPath() const { return lightroomAppPath_; }
   [[nodiscard]] std::string plugInPath() const override { return {}; }
   [[nodiscard]] std::string scriptsPath() const override { return {}; }
   [[nodiscard]] std::string panelsPath() const override { return {}; }
@@ -35,6 +33,5 @@ class LightRoomHostModel : public HostModel {
   Platform& platform_;
   bool hostIsInstalled_ = false;
   std::string hostName_;
-  std::optional<std::string> lightroomAppPath_;  // never set: nothing goes to the application itself
   bool hostIsSelected_ = true;
 };

@@ -26,7 +26,7 @@ class PhotoshopHostModel : public HostModel {
   [[nodiscard]] bool hostIsInstalled() const override { return hostIsInstalled_; }
   [[nodiscard]] bool hostIsSelected() const override { return hostIsSelected_; }
   void setHostIsSelected(bool selected) override { hostIsSelected_ = selected; }
-  [[nodiscard]] std::string appPath() const { return appPath_.value_or(""); }
+  [[nodiscard]] std::string appPath() const override { return appPath_.value_or(""); }
   [[nodiscard]] std::string plugInPath() const override { return plugInPath_; }
   [[nodiscard]] std::string scriptsPath() const override { return scriptsPath_; }
   [[nodiscard]] std::string panelsPath() const override { return panelsPath_; }

@@ -30,6 +30,9 @@ class UnknownHostModel : public HostModel {
   void setShouldInstallPanels(bool should) { shouldInstallPanels_ = should; }
   void setShouldInstallPlugIns(bool should) { shouldInstallPlugIns_ = should; }
 
+ protected:
+  [[nodiscard]] bool answers(std::string_view key) const override { return key != "appPath"; }
+
  private:
   UnknownHostModel(Platform& platform, std::string path) : platform_(platform), plugInPath_(std::move(path)) {}
 

@@ -3,7 +3,6 @@
 
 #include "foundation/Format.h"
 #include "foundation/Path.h"
-#include "hosts/PhotoshopHostModel.h"
 #include "payload/InstallerTexts.h"
 #include "platform/OwnerTables.h"
 #include "shell/SetupController.h"
@@ -13,12 +12,6 @@ namespace {
 
 /// Shown where a text should be and is none: whoever writes a page sees at once what is missing.
 RichText missingText() { return RichText("nil"); }
-
-/// The folder that the host's application lies in, which need not be there.
-std::string applicationFolderOf(const HostModel& host) {
-  const auto* const photoshop = dynamic_cast<const PhotoshopHostModel*>(&host);
-  return photoshop == nullptr ? joinPath("/Applications", host.hostName()) : photoshop->appPath();
-}
 
 }  // namespace
 
@@ -202,7 +195,9 @@ std::vector<ListRow> SetupController::hostRows() const {
 }
 
 Picture SetupController::iconOf(const HostModel& host) const {
-  const std::string folder = applicationFolderOf(host);
+  const std::string appPath = host.appPath();
+  const std::string folder =
+      !appPath.empty() ? appPath : joinPath(platform_.folders.localApplications(), host.hostName());
   const auto known = icons_.find(folder);
   if (known != icons_.end()) return known->second;
   std::string icon;
