@@ -29,13 +29,13 @@ void HostsController::didEnterWithModel(std::shared_ptr<SetupStepModel> model, s
   const bool isOnlyCustomHost =
       found.size() == 1 && dynamic_cast<const UnknownHostModel*>(found.front().get()) != nullptr;
   if (found.empty() || isOnlyCustomHost) return openCustomScreenOnEntry();
-  show(view_, customInstallView_);
+  show(Screen::list);
 }
 
 void HostsController::openCustomScreenOnEntry() {
   // A custom host that was given up is made anew: the screen would have nothing to put a folder into.
-  if (customInstallView_ != nullptr && customHost_ != nullptr) return show(customInstallView_, view_);
-  show(view_, nullptr);  // what is left when there is no custom screen to be had
+  if (customInstallView_ != nullptr && customHost_ != nullptr) return show(Screen::custom);
+  show(Screen::list);  // what is left when there is no custom screen to be had
   goToCustomScreen();
 }
 
@@ -55,12 +55,12 @@ void HostsController::didProceed(std::int32_t /*delta*/) {
   view_.reset();
 }
 
-bool HostsController::showsCustomScreen() const {
-  return customInstallView_ != nullptr && currentView() == customInstallView_;
+std::shared_ptr<View> HostsController::currentView() const {
+  return screen_ == Screen::custom ? customInstallView_ : view_;
 }
 
 bool HostsController::enableForward() const {
-  if (!showsCustomScreen()) return true;
+  if (screen_ != Screen::custom) return true;
   if (installPluginForCustomInstall_ && (customHost_ == nullptr || customHost_->plugInPath().empty())) return false;
   const bool isAnythingChosen =
       installScriptsAndPanelsChosen_ || installPluginForCustomInstall_ || installPlugin64ForCustomInstall_;
@@ -70,15 +70,14 @@ bool HostsController::enableForward() const {
 void HostsController::buttonPressed(const std::string& /*sender*/) { goToCustomScreen(); }
 
 bool HostsController::overrideBackButton(const std::string& /*sender*/) {
-  if (!showsCustomScreen()) return false;
+  if (screen_ != Screen::custom) return false;
   undoCustomScreen();
   return true;
 }
 
 bool HostsController::willBranch(std::int32_t direction) const {
   if (customHost_ == nullptr) return false;
-  if (showsCustomScreen()) return direction < 0;
-  return currentView() == view_ && direction > 0;
+  return screen_ == Screen::custom ? direction < 0 : direction > 0;
 }
 
 void HostsController::goToCustomScreen() {
@@ -87,6 +86,10 @@ void HostsController::goToCustomScreen() {
   mainController_->didChangeValueForKey("enableForward");
   mainController_->setIsCustomInstallChosen(true);
   proceedInBranch(1);
+  if (screen_ == Screen::custom) return;
+  // Nobody could give the custom host a folder.
+  giveUpCustomHost();
+  mainController_->setIsCustomInstallChosen(false);
 }
 
 void HostsController::makeCustomHost() {
@@ -98,23 +101,27 @@ void HostsController::makeCustomHost() {
 }
 
 void HostsController::undoCustomScreen() {
+  giveUpCustomHost();
+  proceedInBranch(1);
+}
+
+void HostsController::giveUpCustomHost() {
   const HostList found = mainController_->foundHosts();
   mainController_->customHostRemoved(customHost_);
   customHost_.reset();
   for (const auto& host : found) host->setHostIsSelected(true);
-  proceedInBranch(1);
 }
 
 void HostsController::proceedInBranch(std::int32_t /*direction*/) {
   willChangeValueForKey("customPath");
   willChangeValueForKey("customPath64");
   mainController_->willChangeValueForKey("enableForward");
-  if (currentView() != view_) {
-    show(view_, customInstallView_);
+  if (screen_ == Screen::custom) {
+    show(Screen::list);
     mainController_->setIsCustomInstallChosen(false);
   } else {
     if (customInstallView_ == nullptr && !loadCustomScreen()) return;
-    show(customInstallView_, view_);
+    show(Screen::custom);
   }
   didChangeValueForKey("customPath");
   didChangeValueForKey("customPath64");
@@ -123,6 +130,11 @@ void HostsController::proceedInBranch(std::int32_t /*direction*/) {
 
 bool HostsController::loadCustomScreen() {
   if (scriptsOrPanelsHosts().empty()) installScriptsAndPanelsChosen_ = false;
+  const auto parent = view_ != nullptr ? view_->superview() : nullptr;
+  if (parent == nullptr) {
+    platform_.log.write("There is no place for the view of CustomInstall");
+    return false;
+  }
   auto loaded = platform_.toolkit.loadInterface("CustomInstall", *this);
   if (!loaded) {
     platform_.log.write(loaded.error().description());
@@ -135,14 +147,14 @@ bool HostsController::loadCustomScreen() {
   }
   customInterface_ = std::move(*loaded);
   customInstallView_ = std::move(customView);
-  if (const auto parent = view_->superview()) parent->addSubview(customInstallView_);
+  parent->addSubview(customInstallView_);
   return true;
 }
 
-void HostsController::show(const std::shared_ptr<View>& shown, const std::shared_ptr<View>& hidden) {
-  setHidden(hidden, true);
-  setHidden(shown, false);
-  currentView_ = shown;
+void HostsController::show(Screen screen) {
+  setHidden(screen == Screen::custom ? view_ : customInstallView_, true);
+  screen_ = screen;
+  setHidden(currentView(), false);
 }
 
 void HostsController::browseButtonPressed(const std::string& /*sender*/) {

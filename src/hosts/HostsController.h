@@ -37,8 +37,8 @@ class HostsController : public SetupStepController, public SetupStepButtons, pub
   void didEnterWithModel(std::shared_ptr<SetupStepModel> model, std::shared_ptr<View> withView,
                          SetupMainController* withMainController, std::int32_t direction) override;
 
-  /// The screen that is shown; null before the page has been entered.
-  [[nodiscard]] std::shared_ptr<View> currentView() const { return currentView_.lock(); }
+  /// The screen that is shown; null before the page has been entered, and where the description has no view for it.
+  [[nodiscard]] std::shared_ptr<View> currentView() const;
 
   // The two screens.
 
@@ -51,7 +51,8 @@ class HostsController : public SetupStepController, public SetupStepButtons, pub
   /// Changes over to the other screen, whatever the direction. A custom screen that cannot be loaded leaves all as it
   /// is, and the changes that were announced open.
   void proceedInBranch(std::int32_t direction);
-  /// Opens the custom screen with the remembered folder as the only selected host.
+  /// Opens the custom screen with the remembered folder as the only selected host; where there is no such screen, all
+  /// stays as it was.
   void goToCustomScreen();
   /// Back to the list, without the custom host and with every host selected.
   void undoCustomScreen();
@@ -80,11 +81,13 @@ class HostsController : public SetupStepController, public SetupStepButtons, pub
  private:
   struct Tables;  ///< of what is shown and set, by name
 
-  [[nodiscard]] bool showsCustomScreen() const;
+  enum class Screen { none, list, custom };
+
   void openCustomScreenOnEntry();
   void makeCustomHost();
   [[nodiscard]] bool loadCustomScreen();
-  void show(const std::shared_ptr<View>& shown, const std::shared_ptr<View>& hidden);
+  void giveUpCustomHost();
+  void show(Screen screen);
   [[nodiscard]] OpenPanel browsePanel() const;
   [[nodiscard]] bool installPlugin64ForCustomInstall() const { return installPlugin64ForCustomInstall_; }
   void setInstallPlugin64ForCustomInstall(bool install) { installPlugin64ForCustomInstall_ = install; }
@@ -101,7 +104,7 @@ class HostsController : public SetupStepController, public SetupStepButtons, pub
   std::shared_ptr<HostsModel> model_;
   SetupMainController* mainController_ = nullptr;  // not owned
   std::shared_ptr<View> view_;
-  std::weak_ptr<View> currentView_;
+  Screen screen_ = Screen::none;
   std::unique_ptr<Interface> customInterface_;
   std::shared_ptr<View> customInstallView_;
   bool installScriptsAndPanelsChosen_ = false;

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <string_view>
 #include <utility>
 
+#include "foundation/Format.h"
 #include "hosts/SupportLevel.h"
 
 namespace {
@@ -16,11 +18,17 @@ constexpr std::string_view buildLocaleTag = "";
 constexpr std::array<std::string_view, 5> keysOfAStep = {"enableForward", "enableBackward", "mainLabelText",
                                                          "informativeText", "successfulInstall"};
 
-template <class Map>
-typename Map::mapped_type entryFor(const Map& map, std::int32_t step) {
-  const auto found = map.find(step);
-  return found == map.end() ? nullptr : found->second;
-}
+/// Counts a transition for as long as it lasts.
+class Transition {
+ public:
+  explicit Transition(int& transitions) : transitions_(transitions) { ++transitions_; }
+  ~Transition() { --transitions_; }
+  Transition(const Transition&) = delete;
+  Transition& operator=(const Transition&) = delete;
+
+ private:
+  int& transitions_;
+};
 
 }  // namespace
 
@@ -54,6 +62,8 @@ Status SetupController::loadMainWindow() {
   interface_ = std::move(*interface);
   mainWindow_ = interface_->window("mainWindow");
   if (mainWindow_ == nullptr) return Error::posix(std::errc::no_such_file_or_directory, "MainWindow.ui: mainWindow");
+  dynamicView_ = interface_->view("dynamicView");
+  if (dynamicView_ == nullptr) return Error::posix(std::errc::no_such_file_or_directory, "MainWindow.ui: dynamicView");
   awakeFromInterface();
   return {};
 }
@@ -68,14 +78,13 @@ void SetupController::makePages() {
 }
 
 void SetupController::awakeFromInterface() {
-  dynamicView_ = interface_->view("dynamicView");
-  stepIndicatorView_ = interface_->view("stepIndicatorView");
-  foundHostsController_ = interface_->listView("foundHostsController");
-  addStep(interface_->view("licenseView"), licenseController_, licenseModel_, step::license);
-  addStep(interface_->view("installFilesView"), installFilesController_, installFilesModel_, step::installation);
-  addStep(interface_->view("hostsView"), hostsController_, hostsModel_, step::hosts);
-  addStep(interface_->view("rtfView"), hostsRunningController_, hostsRunningModel_, step::runningHosts);
-  addStep(interface_->view("registerView"), std::make_shared<RegisterController>(), registerModel_, step::completion);
+  stepIndicatorView_ = viewNamed("stepIndicatorView");
+  foundHostsController_ = std::dynamic_pointer_cast<ListView>(viewNamed("foundHostsController"));
+  addStep(viewNamed("licenseView"), licenseController_, licenseModel_, step::license);
+  addStep(viewNamed("installFilesView"), installFilesController_, installFilesModel_, step::installation);
+  addStep(viewNamed("hostsView"), hostsController_, hostsModel_, step::hosts);
+  addStep(viewNamed("rtfView"), hostsRunningController_, hostsRunningModel_, step::runningHosts);
+  addStep(viewNamed("registerView"), std::make_shared<RegisterController>(), registerModel_, step::completion);
   stateController_->gotoStartingState(this);
   for (const char* const key :
        {"licenseText", "foundHosts", "informativeText", "copyInProgress", "windowTitle", "mainLabelText"}) {
@@ -86,38 +95,49 @@ void SetupController::awakeFromInterface() {
   mainWindow_->centre();
 }
 
+std::shared_ptr<View> SetupController::viewNamed(const std::string& name) const {
+  auto view = interface_->view(name);
+  if (view == nullptr) platform_.log.write(formatted("There is no %@ in MainWindow", name));
+  return view;
+}
+
 // The table of the steps.
 
 void SetupController::addStep(std::shared_ptr<View> view, std::shared_ptr<SetupStepController> withController,
                               std::shared_ptr<SetupStepModel> withModel, std::int32_t forStep) {
+  Step& step = steps_[forStep];
   if (view != nullptr) {
     view->setHidden(true);
     if (dynamicView_ != nullptr) dynamicView_->addSubview(view);
-    viewDict_[forStep] = std::move(view);
+    step.view = std::move(view);
   }
-  if (withController != nullptr) controllerDict_[forStep] = std::move(withController);
+  if (withController != nullptr) step.controller = std::move(withController);
   if (withModel == nullptr) return;
-  modelDict_[forStep] = withModel;
-  const auto row = StepIndicator::init(platform_);
+  step.model = std::move(withModel);
+  auto row = StepIndicator::init(platform_);
   if (row == nullptr) return;
   const double top = stepIndicatorView_ == nullptr ? 0 : stepIndicatorView_->frame().size.height;
   row->placeInParentView(stepIndicatorView_, {0, top - static_cast<double>(row->height()) * (forStep + 1)});
-  row->setText(withModel->stepIndicatorLabelText());
-  stepIndicatorViewDict_[forStep] = row;
+  row->setText(step.model->stepIndicatorLabelText());
+  step.indicator = std::move(row);
 }
 
-std::shared_ptr<View> SetupController::getViewForStep(std::int32_t step) const { return entryFor(viewDict_, step); }
+const SetupController::Step& SetupController::stepAt(std::int32_t step) const {
+  static const Step none;
+  const auto found = steps_.find(step);
+  return found == steps_.end() ? none : found->second;
+}
+
+std::shared_ptr<View> SetupController::getViewForStep(std::int32_t step) const { return stepAt(step).view; }
 
 std::shared_ptr<SetupStepController> SetupController::getControllerForStep(std::int32_t step) const {
-  return entryFor(controllerDict_, step);
+  return stepAt(step).controller;
 }
 
-std::shared_ptr<SetupStepModel> SetupController::getModelForStep(std::int32_t step) const {
-  return entryFor(modelDict_, step);
-}
+std::shared_ptr<SetupStepModel> SetupController::getModelForStep(std::int32_t step) const { return stepAt(step).model; }
 
 std::shared_ptr<StepIndicator> SetupController::getIndicatorForStep(std::int32_t step) const {
-  return entryFor(stepIndicatorViewDict_, step);
+  return stepAt(step).indicator;
 }
 
 SetupStepController* SetupController::currentController() const {
@@ -152,9 +172,10 @@ void SetupController::stateDidChange(const Notification& notification) {
   }
 
   for (const std::string_view key : keysOfAStep) willChangeValueForKey(key);
-  ++transitions_;
-  leaveAndEnter(oldState == nullptr ? step::none : static_cast<std::int32_t>(*oldState), newState);
-  --transitions_;
+  {
+    const Transition transition(transitions_);
+    leaveAndEnter(oldState == nullptr ? step::none : static_cast<std::int32_t>(*oldState), newState);
+  }
   // A page may have moved on from inside its entry: the captions are those of where that led.
   setGoBackwardsText(viewModel_.goBackwardsText());
   setGoForwardText(viewModel_.goForwardText());
@@ -165,9 +186,17 @@ void SetupController::leaveAndEnter(std::int32_t oldState, std::int32_t newState
   if (const auto row = getIndicatorForStep(oldState)) row->setCurrentStep(false);
   if (const auto row = getIndicatorForStep(newState)) row->setCurrentStep(true);
   const std::int32_t delta = newState - oldState;
-  if (const auto left = getControllerForStep(oldState)) left->didProceed(delta);
-  if (const auto entered = getControllerForStep(newState)) {
-    entered->didEnterWithModel(getModelForStep(newState), getViewForStep(newState), this, delta);
+  if (const auto left = getControllerForStep(oldState)) attempt([&] { left->didProceed(delta); });
+  const auto entered = getControllerForStep(newState);
+  if (entered == nullptr) return;
+  attempt([&] { entered->didEnterWithModel(getModelForStep(newState), getViewForStep(newState), this, delta); });
+}
+
+void SetupController::attempt(const std::function<void()>& what) const {
+  try {
+    what();
+  } catch (const std::exception& exception) {
+    platform_.log.write(formatted("%@", exception.what()));
   }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <map>
 #include <memory>
@@ -31,13 +32,14 @@
 /// anywhere.
 ///
 /// Its operations are defined by topic: the steps and the transitions in SetupController.cpp, what the window shows and
-/// sends in SetupProperties.cpp.
+/// sends in SetupControllerProperties.cpp.
 class SetupController : public SetupMainController, public ApplicationDelegate {
  public:
   explicit SetupController(Platform& platform);
 
   /// Makes the window from its interface description and shows the first page. Fails when the description is missing
-  /// or damaged, or describes no window.
+  /// or damaged, or describes no window or no place for the pages. Any other view that it does not describe costs a
+  /// line of the log, and its page has nothing but its heading.
   Status loadMainWindow();
 
   // The table of the steps. The step list shows those that have a model.
@@ -113,6 +115,13 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const override { return true; }
 
  private:
+  /// What a step consists of; any of it may be missing.
+  struct Step {
+    std::shared_ptr<View> view;
+    std::shared_ptr<SetupStepController> controller;
+    std::shared_ptr<SetupStepModel> model;
+    std::shared_ptr<StepIndicator> indicator;
+  };
   struct Tables;  ///< of what is shown, set and done, by name
 
   /// The pages that the interface description refers to.
@@ -122,6 +131,11 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   void leaveAndEnter(std::int32_t oldState, std::int32_t newState);
   void closeWindow();
   void setFlag(bool& flag, bool value, std::string_view key);
+  /// The view of the window with this name; null, and a line of the log, when there is none.
+  [[nodiscard]] std::shared_ptr<View> viewNamed(const std::string& name) const;
+  /// Has a page do something. An exception ends up in the log: the wizard is still there to be closed, at least.
+  void attempt(const std::function<void()>& what) const;
+  [[nodiscard]] const Step& stepAt(std::int32_t step) const;
   [[nodiscard]] SetupStepController* currentController() const;
   [[nodiscard]] std::string localized(std::string_view key) const;
   [[nodiscard]] std::string productFormat(std::string_view key) const;
@@ -140,10 +154,7 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   std::shared_ptr<View> stepIndicatorView_;
   std::shared_ptr<ListView> foundHostsController_;
 
-  std::map<std::int32_t, std::shared_ptr<View>> viewDict_;
-  std::map<std::int32_t, std::shared_ptr<SetupStepController>> controllerDict_;
-  std::map<std::int32_t, std::shared_ptr<SetupStepModel>> modelDict_;
-  std::map<std::int32_t, std::shared_ptr<StepIndicator>> stepIndicatorViewDict_;
+  std::map<std::int32_t, Step> steps_;
 
   std::shared_ptr<LicenseModel> licenseModel_;
   std::shared_ptr<LicenseController> licenseController_;

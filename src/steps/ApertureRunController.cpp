@@ -16,10 +16,10 @@ void ApertureRunController::didEnterWithModel(std::shared_ptr<SetupStepModel> mo
   // Nothing changes: the window is to read them again.
   withMainController->willChangeValueForKey("informativeText");
   withMainController->willChangeValueForKey("successfulInstall");
-  page->willChangeValueForKey("backgroundImage");
+  if (page != nullptr) page->willChangeValueForKey("backgroundImage");
   withMainController->didChangeValueForKey("informativeText");
   withMainController->didChangeValueForKey("successfulInstall");
-  page->didChangeValueForKey("backgroundImage");
+  if (page != nullptr) page->didChangeValueForKey("backgroundImage");
 }
 
 void ApertureRunController::didProceed(std::int32_t delta) {

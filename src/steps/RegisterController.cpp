@@ -11,13 +11,10 @@ void RegisterController::didEnterWithModel(std::shared_ptr<SetupStepModel> model
 
   withMainController->willChangeValueForKey("informativeText");
   withMainController->willChangeValueForKey("successfulInstall");
-  page->willChangeValueForKey("backgroundImage");
-  if (withMainController->successfulInstall()) {
-    page->useRegisterText();
-  } else {
-    page->useFailText();
-  }
+  if (page != nullptr) page->willChangeValueForKey("backgroundImage");
+  const bool isInstalled = withMainController->successfulInstall();
+  if (page != nullptr) isInstalled ? page->useRegisterText() : page->useFailText();
   withMainController->didChangeValueForKey("informativeText");
   withMainController->didChangeValueForKey("successfulInstall");
-  page->didChangeValueForKey("backgroundImage");
+  if (page != nullptr) page->didChangeValueForKey("backgroundImage");
 }

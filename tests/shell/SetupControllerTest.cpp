@@ -164,6 +164,54 @@ TEST_F(SetupControllerTest, OffersAFolderWhereNothingIsFound) {
   EXPECT_EQ(readFile(on("/Users/Shared/Filter.plugin/Contents/x")), "x");
 }
 
+TEST_F(SetupControllerTest, WalksThroughAllPagesWithoutAnyOneOfTheViews) {
+  machine_.addPhotoshop("Adobe Photoshop CS6");
+  for (const std::string view : {"stepIndicatorView", "foundHostsController", "licenseView", "hostsView", "rtfView",
+                                 "installFilesView", "registerView", "customInstallView"}) {
+    machine_.toolkit.missingViews = {view};
+    machine_.toolkit.interfaces.clear();
+    log_.lines.clear();
+    machine_.workspace.running = {"Photoshop CS6"};
+    startAtHosts();
+    press("subViewButtonPress:");  // opens the custom screen
+    press("previousView:");
+    EXPECT_TRUE(wizard_->enableForward()) << view;
+    if (wizard_->mainLabelText() != "Choose") press("nextView:");  // there was nothing to come back from
+    press("nextView:");
+    EXPECT_EQ(wizard_->mainLabelText(), "Quit it") << view;
+    machine_.workspace.end("Photoshop CS6");
+    press("nextView:");
+    EXPECT_EQ(wizard_->mainLabelText(), "The end") << view;
+    EXPECT_TRUE(wizard_->successfulInstall()) << view;
+    EXPECT_GE(log_.count(view), 1) << view;
+  }
+  machine_.toolkit.missingViews = {"dynamicView"};
+  const Status shown = SetupController(platform_).loadMainWindow();
+  ASSERT_FALSE(shown);
+  EXPECT_NE(shown.error().description().find("dynamicView"), std::string::npos) << shown.error().description();
+}
+
+TEST_F(SetupControllerTest, StaysUsableWhenAPageRaisesAnException) {
+  struct BrokenPage : PageController {
+    void didProceed(std::int32_t /*delta*/) override { throw std::out_of_range("cannot leave"); }
+    void didEnterWithModel(std::shared_ptr<SetupStepModel> /*model*/, std::shared_ptr<View> /*withView*/,
+                           SetupMainController* /*main*/, std::int32_t /*direction*/) override {
+      throw std::logic_error("cannot enter");
+    }
+  };
+  machine_.addPhotoshop("Adobe Photoshop CS6");
+  start();
+  wizard_->addStep(nullptr, std::make_shared<BrokenPage>(), nullptr, 1);
+  press("nextView:");
+  EXPECT_EQ(wizard_->mainLabelText(), "Choose");
+  announced_.clear();
+  press("nextView:");
+  EXPECT_EQ(wizard_->mainLabelText(), "The end");
+  EXPECT_EQ(std::ranges::count(announced_, '+'), std::ranges::count(announced_, '-')) << announced_;
+  EXPECT_EQ(log_.count("cannot enter"), 1);
+  EXPECT_EQ(log_.count("cannot leave"), 1);
+}
+
 TEST_F(SetupControllerTest, ShowsPlaceholdersForWhatIsMissing) {
   fs::remove_all(machine_.inBundle("Resources/en.lproj"));
   SetupController bare(platform_);

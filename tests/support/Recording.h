@@ -84,16 +84,18 @@ class RecordingWindow : public Window {
   void close() override {}
 };
 
-/// Has every view that it is asked for.
+/// Has every view that it is asked for, but the missing ones.
 class RecordingInterface : public Interface {
  public:
   struct Parts {
     std::string name;
     std::map<std::string, Rect> frames;
+    std::set<std::string> missing = {};
     std::map<std::string, std::shared_ptr<RecordingView>> views = {};
     std::shared_ptr<RecordingWindow> window = std::make_shared<RecordingWindow>();
     /// The view of the name, made when it is first asked for.
     std::shared_ptr<RecordingView> view(const std::string& viewName) {
+      if (missing.contains(viewName)) return nullptr;
       auto& found = views[viewName];
       if (found == nullptr) {
         found = RecordingView::make();
@@ -136,6 +138,7 @@ class RecordingToolkit : public Toolkit {
   /// What was made of the interface descriptions, in order.
   std::vector<std::shared_ptr<RecordingInterface::Parts>> interfaces;
   std::map<std::string, Rect> frames;  ///< of views that are going to be made
+  std::set<std::string> missingViews;
   std::set<std::string> missingInterfaces;
 
   std::optional<std::string> runOpenPanel(const OpenPanel& panel) override {
@@ -144,7 +147,8 @@ class RecordingToolkit : public Toolkit {
   }
   Result<std::unique_ptr<Interface>> loadInterface(const std::string& name, InterfaceOwner& /*owner*/) override {
     if (missingInterfaces.contains(name)) return Error::posix(std::errc::no_such_file_or_directory, name);
-    auto parts = std::make_shared<RecordingInterface::Parts>(RecordingInterface::Parts{.name = name, .frames = frames});
+    auto parts = std::make_shared<RecordingInterface::Parts>(
+        RecordingInterface::Parts{.name = name, .frames = frames, .missing = missingViews});
     interfaces.push_back(parts);
     return std::unique_ptr<Interface>(std::make_unique<RecordingInterface>(parts));
   }
