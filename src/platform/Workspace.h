@@ -21,6 +21,7 @@ class RunningApplication {
 class Workspace {
  public:
   using TerminationHandler = std::function<void(const std::string& applicationName)>;
+  using LaunchHandler = std::function<void(const std::string& applicationName)>;
   /// The observation lasts as long as this object.
   using Observation = std::shared_ptr<void>;
 
@@ -36,6 +37,10 @@ class Workspace {
   /// that launchedApplications() last named and that has ended since. launchedApplications() leaves the application out
   /// by then.
   [[nodiscard]] virtual Observation observeTerminations(TerminationHandler handler) = 0;
+
+  /// Has `handler` called from a run of the run loop, once for each application that has started since this call,
+  /// within about a second. One that ends sooner may be left out.
+  [[nodiscard]] virtual Observation observeLaunches(LaunchHandler handler) = 0;
 
   /// Starts the application bundle at the path of the target volume as a new, hidden instance; null when it cannot be
   /// started.

@@ -60,41 +60,65 @@ bool RunningHostViewController::isHostRunning(std::string_view searchString) con
 
 bool RunningHostViewController::checkForRunningHosts() {
   const auto applications = platform_.workspace.launchedApplications();
+  std::string name;
+  hostsRunning_ = false;
   for (const auto& host : mainController().selectedHosts()) {
-    const std::string searchString = hostAppSearchString(*host);
-    model_->setHostName(searchString);
-    hostsRunning_ = isAmong(applications, searchString);
-    if (hostsRunning_) return true;
+    if (hostsRunning_) break;
+    name = hostAppSearchString(*host);
+    hostsRunning_ = isAmong(applications, name);
   }
-  return isPayloadAmong(applications);
+  if (!hostsRunning_) {
+    const std::string payload = payloadAmong(applications);
+    hostsRunning_ = !payload.empty();
+    if (hostsRunning_) name = payload;
+  }
+  // Once: the window would show each name in turn.
+  if (!name.empty()) model_->setHostName(name);
+  return hostsRunning_;
 }
 
-bool RunningHostViewController::isPayloadAmong(const std::vector<std::string>& applications) {
+std::string RunningHostViewController::payloadAmong(const std::vector<std::string>& applications) const {
   const std::string folder = joinPath({platform_.bundles.mainBundle().resourcePath(), "files", "HD", "Applications"});
-  bool isFound = false;
+  std::string found;
   platform_.files.walk(folder, [&](const WalkedItem& item) {
-    if (isFound || !item.isPackage) return;
+    if (!found.empty() || !item.isPackage) return;
     const auto bundle = platform_.bundles.bundleAtPath(item.path);
     const std::string name = bundle != nullptr ? bundle->infoValue("CFBundleName").text() : "";
-    isFound = hostsRunning_ = isAmong(applications, name);
-    if (isFound) model_->setHostName(name);
+    if (isAmong(applications, name)) found = name;
   });
-  return isFound;
+  return found;
 }
 
 void RunningHostViewController::AddKillNotify() {
   terminations_ = platform_.workspace.observeTerminations(
       [this](const std::string& applicationName) { appTerminated(applicationName); });
+  launches_ = platform_.workspace.observeLaunches([this](const std::string& /*applicationName*/) { checkAgain(); });
+}
+
+void RunningHostViewController::RemoveKillNotify() {
+  terminations_.reset();
+  launches_.reset();
 }
 
 void RunningHostViewController::appTerminated(const std::string& applicationName) {
   platform_.log.write(formatted("terminated %@", applicationName));
-  hostsRunning_ = checkForRunningHosts();
-  if (hostsRunning_) return;
+  checkAgain();
+}
+
+void RunningHostViewController::checkAgain() {
+  const bool isRunning = checkForRunningHosts();
+  if (isRunning && model_->hostIsRunning()) return;
   SetupMainController& main = mainController();
   main.willChangeValueForKey("enableForward");
   main.willChangeValueForKey("mainLabelText");
-  model_->setHostIsRunning(false);
+  model_->setHostIsRunning(isRunning);
   main.didChangeValueForKey("enableForward");
   main.didChangeValueForKey("mainLabelText");
+}
+
+bool RunningHostViewController::canProceed(std::int32_t direction) {
+  if (direction < 0) return true;
+  // What was started a moment ago is noticed now at the latest, and shown as what is in the way.
+  if (!hostsRunning_ && terminations_ != nullptr) checkAgain();
+  return !hostsRunning_;
 }

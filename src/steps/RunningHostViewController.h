@@ -13,8 +13,8 @@
 #include "steps/RunningHostViewModel.h"
 
 /// The page that waits until nothing runs that the install is about to write to: no chosen host, and none of the
-/// product's own applications. It passes itself at once when there is nothing to wait for, and does not watch for
-/// applications that start while it waits.
+/// product's own applications. It passes itself at once when there is nothing to wait for. While it waits it follows
+/// what is quit and what is started.
 class RunningHostViewController : public PageController {
  public:
   RunningHostViewController(Platform& platform, std::shared_ptr<RunningHostViewModel> model)
@@ -22,7 +22,7 @@ class RunningHostViewController : public PageController {
 
   [[nodiscard]] bool enableForward() const override { return !hostsRunning_; }
   /// Back is always possible.
-  [[nodiscard]] bool canProceed(std::int32_t direction) override { return direction < 0 || !hostsRunning_; }
+  [[nodiscard]] bool canProceed(std::int32_t direction) override;
   void didProceed(std::int32_t delta) override;
   /// The page has its own model, whatever it is given.
   void didEnterWithModel(std::shared_ptr<SetupStepModel> model, std::shared_ptr<View> withView,
@@ -39,16 +39,20 @@ class RunningHostViewController : public PageController {
   /// Looks for the first application to wait for, and has the page name it.
   bool checkForRunningHosts();
 
-  // Watching for the end of applications.
+  // Watching for the end of applications, and for their start.
   void AddKillNotify();
-  void RemoveKillNotify() { terminations_.reset(); }
+  void RemoveKillNotify();
   void appTerminated(const std::string& applicationName);
 
  private:
-  [[nodiscard]] bool isPayloadAmong(const std::vector<std::string>& applications);
+  /// The name of an application of the payload that is among these; empty when there is none.
+  [[nodiscard]] std::string payloadAmong(const std::vector<std::string>& applications) const;
+  /// Looks again and has the window show what was found.
+  void checkAgain();
 
   Platform& platform_;
   std::shared_ptr<RunningHostViewModel> model_;
   bool hostsRunning_ = false;
   Workspace::Observation terminations_;
+  Workspace::Observation launches_;
 };

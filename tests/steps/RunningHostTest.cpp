@@ -70,6 +70,43 @@ TEST_F(RunningHostTest, WatchesFromBeforeTheCheckUntilItIsLeft) {
   EXPECT_TRUE(view_->isHidden && !workspace_.isObserved());
 }
 
+TEST_F(RunningHostTest, WaitsAgainForAHostThatIsStartedAgain) {
+  main_.selected = {LightRoomHostModel::initWithHostName(platform_, "Adobe Lightroom")};
+  const auto heading = [this] { return model_->mainLabelText(); };
+  passes({"Adobe Lightroom"});
+  const auto whileRunning = heading();
+  workspace_.end("Adobe Lightroom");
+  const auto thanks = heading();
+  ASSERT_NE(thanks, whileRunning);
+
+  main_.announced.clear();
+  workspace_.begin("Adobe Lightroom");
+  EXPECT_FALSE(page_.enableForward());
+  EXPECT_EQ(heading(), whileRunning);
+  EXPECT_EQ(main_.announced, "+enableForward +mainLabelText -enableForward -mainLabelText ");
+
+  workspace_.end("Adobe Lightroom");
+  workspace_.running = {"Adobe Lightroom", "Finder"};  // started, and not told of yet
+  EXPECT_TRUE(page_.enableForward());
+  EXPECT_FALSE(page_.canProceed(1));
+  EXPECT_EQ(heading(), whileRunning) << "which tells why";
+  EXPECT_FALSE(page_.enableForward());
+  workspace_.end("Finder");
+  EXPECT_EQ(heading(), whileRunning);
+}
+
+TEST_F(RunningHostTest, ShowsOneNameForEachCheck) {
+  main_.selected = {PhotoshopHostModel::initWithHostName(platform_, "Adobe Photoshop CS6"),
+                    LightRoomHostModel::initWithHostName(platform_, "Adobe Lightroom")};
+  int changes = 0;
+  const auto observation = model_->observe(
+      [&](std::string_view, auto moment) { changes += moment == KeyValueObserving::Moment::didChange ? 1 : 0; });
+  passes({"Adobe Lightroom"});
+  changes = 0;
+  workspace_.end("Finder");
+  EXPECT_EQ(changes, 1) << "or the window flickers";
+}
+
 TEST_F(RunningHostTest, WaitsForTheProductsOwnApplications) {
   addPayload("Studio.app", "Studio");
   addPayload("Tools/Deep.app", "Deep");

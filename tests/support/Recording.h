@@ -177,7 +177,17 @@ class RecordingWorkspace : public Workspace {
     observer_ = held;
     return held;
   }
-  [[nodiscard]] bool isObserved() const { return !observer_.expired(); }
+  [[nodiscard]] Observation observeLaunches(LaunchHandler handler) override {
+    auto held = std::make_shared<LaunchHandler>(std::move(handler));
+    launchObserver_ = held;
+    return held;
+  }
+  [[nodiscard]] bool isObserved() const { return !observer_.expired() && !launchObserver_.expired(); }
+  /// The application starts; who observes is told.
+  void begin(const std::string& name) {
+    running.push_back(name);
+    if (const auto observer = launchObserver_.lock()) (*observer)(name);
+  }
   /// The application ends; who observes is told.
   void end(const std::string& name) {
     std::erase(running, name);
@@ -200,6 +210,7 @@ class RecordingWorkspace : public Workspace {
 
  private:
   std::weak_ptr<TerminationHandler> observer_;
+  std::weak_ptr<LaunchHandler> launchObserver_;
 };
 
 /// A real transaction that notes its steps, and fails where a test wants it to.

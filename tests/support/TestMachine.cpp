@@ -73,7 +73,7 @@ bool TestMachine::layOut() {
   writeFile(inBundle("Resources/en.lproj/Localizable.strings"), R"(
       installing_file = "Installing "; done = "Done"; auth_error = "No rights"; custom_path = "Folder";
       install_error_title = "Title"; install_error_format_string = "<%1$@|%2$@>"; install_error_proceed = "Go on";
-      install_error_stop = "Stop"; copy_files_title = "Installing %@"; select_host_instructions = "%@ and %@";
+      host_running_title = "Quit it"; thank_you = "Thanks"; install_error_stop = "Stop"; copy_files_title = "Installing %@"; select_host_instructions = "%@ and %@";
       browse_path_title = Title; browse_path_msg = Message; browse_path_prompt = Prompt;
       browse_problem_missing = Missing; browse_problem_file = File; browse_problem_package = Package;)");
   return true;

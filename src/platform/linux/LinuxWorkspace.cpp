@@ -59,6 +59,10 @@ Workspace::Observation LinuxWorkspace::observeTerminations(TerminationHandler ha
   return watch_->observe(std::move(handler));
 }
 
+Workspace::Observation LinuxWorkspace::observeLaunches(LaunchHandler handler) {
+  return watch_->observeLaunches(std::move(handler));
+}
+
 std::unique_ptr<RunningApplication> LinuxWorkspace::launchHidden(const std::string& path,
                                                                  const std::vector<std::string>& arguments) {
   const auto bundle = bundles_.bundleAtPath(path);

@@ -24,6 +24,7 @@ class LinuxWorkspace : public Workspace {
   [[nodiscard]] std::vector<std::string> launchedApplications() const override;
   /// See ApplicationWatch for which applications are observed.
   [[nodiscard]] Observation observeTerminations(TerminationHandler handler) override;
+  [[nodiscard]] Observation observeLaunches(LaunchHandler handler) override;
   std::unique_ptr<RunningApplication> launchHidden(const std::string& path,
                                                    const std::vector<std::string>& arguments) override;
   void openUrl(const std::string& url) override;

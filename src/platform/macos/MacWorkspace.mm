@@ -8,15 +8,15 @@
 #include "platform/propertylist/BundleOnDisk.h"
 
 /// Passes the workspace's news on, for as long as it is the observer.
-@interface InstallerTerminationObserver : NSObject {
+@interface InstallerApplicationObserver : NSObject {
  @public
   const Workspace::TerminationHandler* handler_;
 }
-- (void)applicationEnded:(NSNotification*)notification;
+- (void)applicationChanged:(NSNotification*)notification;
 @end
 
-@implementation InstallerTerminationObserver
-- (void)applicationEnded:(NSNotification*)notification {
+@implementation InstallerApplicationObserver
+- (void)applicationChanged:(NSNotification*)notification {
   NSRunningApplication* const application = [[notification userInfo] objectForKey:NSWorkspaceApplicationKey];
   // A copy: the handler may end the observation.
   const Workspace::TerminationHandler handler = *handler_;
@@ -28,23 +28,23 @@ namespace {
 
 NSNotificationCenter* centre() { return [[NSWorkspace sharedWorkspace] notificationCenter]; }
 
-class TerminationObservation {
+class ApplicationObservation {
  public:
-  explicit TerminationObservation(Workspace::TerminationHandler handler)
-      : handler_(std::move(handler)), observer_([[InstallerTerminationObserver alloc] init]) {
+  ApplicationObservation(NSString* notification, Workspace::TerminationHandler handler)
+      : handler_(std::move(handler)), observer_([[InstallerApplicationObserver alloc] init]) {
     observer_.get()->handler_ = &handler_;
     [centre() addObserver:observer_.get()
-                 selector:@selector(applicationEnded:)
-                     name:NSWorkspaceDidTerminateApplicationNotification
+                 selector:@selector(applicationChanged:)
+                     name:notification
                    object:nil];
   }
-  TerminationObservation(const TerminationObservation&) = delete;
-  TerminationObservation& operator=(const TerminationObservation&) = delete;
-  ~TerminationObservation() { [centre() removeObserver:observer_.get()]; }
+  ApplicationObservation(const ApplicationObservation&) = delete;
+  ApplicationObservation& operator=(const ApplicationObservation&) = delete;
+  ~ApplicationObservation() { [centre() removeObserver:observer_.get()]; }
 
  private:
   Workspace::TerminationHandler handler_;
-  ObjectReference<InstallerTerminationObserver> observer_;
+  ObjectReference<InstallerApplicationObserver> observer_;
 };
 
 class LaunchedApplication : public RunningApplication {
@@ -79,7 +79,13 @@ std::vector<std::string> MacWorkspace::launchedApplications() const {
 
 Workspace::Observation MacWorkspace::observeTerminations(TerminationHandler handler) {
   @autoreleasepool {
-    return std::make_shared<TerminationObservation>(std::move(handler));
+    return std::make_shared<ApplicationObservation>(NSWorkspaceDidTerminateApplicationNotification, std::move(handler));
+  }
+}
+
+Workspace::Observation MacWorkspace::observeLaunches(LaunchHandler handler) {
+  @autoreleasepool {
+    return std::make_shared<ApplicationObservation>(NSWorkspaceDidLaunchApplicationNotification, std::move(handler));
   }
 }
 

@@ -6,6 +6,7 @@
 #include "platform/files/SystemCalls.h"
 #include "platform/processes/ApplicationProcesses.h"
 #include "platform/processes/ProcessEnd.h"
+#include "platform/processes/Ticks.h"
 
 struct ApplicationWatch::Observer {
   Observer(std::weak_ptr<ApplicationWatch> o, Workspace::TerminationHandler h)
@@ -18,6 +19,13 @@ struct ApplicationWatch::Observer {
 
   std::weak_ptr<ApplicationWatch> owner;
   Workspace::TerminationHandler handler;
+};
+
+struct ApplicationWatch::LaunchObserver {
+  Workspace::LaunchHandler handler;
+  std::vector<Process> known;
+  FileDescriptor ticks = tickDescriptor(std::chrono::seconds(1));
+  DescriptorRunLoop::Watch watch = nullptr;
 };
 
 std::vector<std::string> ApplicationWatch::namesOfRunning() {
@@ -39,6 +47,32 @@ std::shared_ptr<void> ApplicationWatch::observe(Workspace::TerminationHandler ha
   observers_.push_back(observer);
   watchWhileObserved();
   return observer;
+}
+
+std::shared_ptr<void> ApplicationWatch::observeLaunches(Workspace::LaunchHandler handler) {
+  auto observer = std::make_shared<LaunchObserver>(LaunchObserver{.handler = std::move(handler), .known = look()});
+  if (!observer->ticks) return observer;
+  observer->watch =
+      runLoop_.watchReadable(observer->ticks.get(), [owner = weak_from_this(), weak = std::weak_ptr(observer)] {
+        const auto watch = owner.lock();
+        const auto observing = weak.lock();
+        if (watch != nullptr && observing != nullptr) watch->lookForLaunches(*observing);
+      });
+  return observer;
+}
+
+void ApplicationWatch::lookForLaunches(LaunchObserver& observer) {
+  takeTick(observer.ticks.get());
+  std::vector<Process> running = look();
+  watchWhileObserved();
+  std::vector<std::string> started;
+  for (const Process& process : running) {
+    if (std::ranges::find(observer.known, process) == observer.known.end()) {
+      started.push_back(applications_.at(process).name);
+    }
+  }
+  observer.known = std::move(running);
+  for (const std::string& name : started) observer.handler(name);
 }
 
 std::vector<ApplicationWatch::Process> ApplicationWatch::look() {

@@ -14,10 +14,11 @@
 #include "platform/posix/FileDescriptor.h"
 #include "platform/processes/DescriptorRunLoop.h"
 
-/// The applications that run, each with a descriptor that tells of its end. There is no polling: the processes are
-/// looked at when somebody asks which ones run, when an observation begins, and when an application ends. So an
-/// application that starts later is observed from the next of these moments on, and one that starts and ends between
-/// two of them is not told of. Whatever namesOfRunning() named is told of when it ends.
+/// The applications that run, each with a descriptor that tells of its end. The processes are looked at when somebody
+/// asks which ones run, when an observation begins, and when an application ends. So an application that starts later
+/// is observed from the next of these moments on, and one that starts and ends between two of them is not told of.
+/// Whatever namesOfRunning() named is told of when it ends. The system tells an ordinary program of no start, so while
+/// somebody observes launches, and only then, the processes are looked at once a second.
 class ApplicationWatch : public std::enable_shared_from_this<ApplicationWatch> {
  public:
   using NameOfBundle = std::function<std::string(const std::string& bundlePath)>;
@@ -30,6 +31,8 @@ class ApplicationWatch : public std::enable_shared_from_this<ApplicationWatch> {
 
   /// See Workspace::observeTerminations().
   [[nodiscard]] std::shared_ptr<void> observe(Workspace::TerminationHandler handler);
+  /// See Workspace::observeLaunches().
+  [[nodiscard]] std::shared_ptr<void> observeLaunches(Workspace::LaunchHandler handler);
 
  private:
   using Process = std::pair<pid_t, std::uint64_t>;  ///< id and start time
@@ -39,11 +42,13 @@ class ApplicationWatch : public std::enable_shared_from_this<ApplicationWatch> {
     DescriptorRunLoop::Watch watch = nullptr;
   };
   struct Observer;
+  struct LaunchObserver;
 
   [[nodiscard]] std::vector<Process> look();
   [[nodiscard]] std::vector<std::shared_ptr<Observer>> observers();
   void watchWhileObserved();
   void ended(Process process);
+  void lookForLaunches(LaunchObserver& observer);
 
   DescriptorRunLoop& runLoop_;
   NameOfBundle nameOfBundle_;

@@ -94,6 +94,19 @@ TEST_F(WorkspaceTest, ListsWhatRunsInTheOrderOfItsStart) {
   EXPECT_EQ(othersSee, "Script Named Removed Named ");
 }
 
+TEST_F(WorkspaceTest, TellsOfEveryLaunchOnce) {
+  begin(makeApplication("Before"));
+  std::string launched;
+  auto observation = workspace_.observeLaunches([&](const std::string& name) {
+    if (name.starts_with(own_)) launched += name.substr(own_.size()) + " ";
+  });
+  begin(makeApplication("First"));
+  EXPECT_EQ(running(), "Before First ") << "which does not take the launch for known";
+  ASSERT_TRUE(eventually([&] { return launched == "First "; })) << launched;
+  begin(makeApplication("Second"));
+  ASSERT_TRUE(eventually([&] { return launched == "First Second "; })) << launched;
+}
+
 TEST_F(WorkspaceTest, TellsOfEveryEndOnce) {
   const pid_t first = begin(makeApplication("First"));
   const pid_t second = begin(makeApplication("Second"));

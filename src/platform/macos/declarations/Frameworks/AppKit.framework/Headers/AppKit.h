@@ -4,6 +4,7 @@
 #include <Foundation/Foundation.h>
 
 extern "C" NSString* const NSWorkspaceApplicationKey;
+extern "C" NSString* const NSWorkspaceDidLaunchApplicationNotification;
 extern "C" NSString* const NSWorkspaceDidTerminateApplicationNotification;
 extern "C" NSString* const NSWorkspaceLaunchConfigurationArguments;
 
