@@ -13,6 +13,8 @@ TEST_F(LicenseTest, TellsAMissingAgreementFromAnEmptyOne) {
   EXPECT_EQ(licence(), "");
   writeFile(file, "Größe\n");
   EXPECT_EQ(licence(), "Größe\n");
+  writeFile(file, "one\r\ntwo\rthree\r\n");
+  EXPECT_EQ(licence(), "one\ntwo\nthree\n") << "however its lines end";
   writeFile(file,
             "Gr\xF6\xDF"
             "e");
