@@ -57,7 +57,7 @@ void HostsModel::readRememberedCustomFolder() {
 
 void HostsModel::loadTexts() {
   const Bundle& bundle = platform_.bundles.mainBundle();
-  const std::string product = productName(platform_);
+  const std::string product = shownProductName(platform_);
   mainLabelText_ = bundle.localizedString("select_host");
   stepIndicatorLabelText_ = bundle.localizedString("host_selection");
   informativeText_ = formatted(bundle.localizedString("select_host_instructions"), product, product);

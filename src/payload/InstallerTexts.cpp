@@ -18,3 +18,5 @@ std::string fileName(const Platform& platform, const char* key) {
 std::string companyName(const Platform& platform) { return fileName(platform, "company_name"); }
 std::string productName(const Platform& platform) { return fileName(platform, "product_name"); }
 std::string productPreferencesDomain(const Platform& platform) { return installerText(platform, "app_plist"); }
+std::string shownCompanyName(const Platform& platform) { return installerText(platform, "company_name"); }
+std::string shownProductName(const Platform& platform) { return installerText(platform, "product_name"); }

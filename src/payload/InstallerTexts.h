@@ -7,8 +7,13 @@
 // The names that make the installer one product's: the entries of the strings table "installer". A missing entry is an
 // empty text.
 
+// As folders and files are named; empty for a name that would lead elsewhere.
 [[nodiscard]] std::string companyName(const Platform& platform);
 [[nodiscard]] std::string productName(const Platform& platform);
+
+// As people read them.
+[[nodiscard]] std::string shownCompanyName(const Platform& platform);
+[[nodiscard]] std::string shownProductName(const Platform& platform);
 
 /// Preferences domain of the installed product.
 [[nodiscard]] std::string productPreferencesDomain(const Platform& platform);

@@ -25,7 +25,7 @@ class Summary {
     const bool succeeded = !controller.authDenied() && !controller.fileOpErrorOccurred() && !report.wasCutShort();
     line(formatted(succeeded ? text("quiet_succeeded", "%1$@ was installed on %2$@")
                              : text("quiet_failed", "%1$@ was not installed completely on %2$@"),
-                   productName(platform()), system_.shownPath("/")));
+                   shownProductName(platform()), system_.shownPath("/")));
     writeHosts(hosts);
     writeItems(report);
     count(text("quiet_failures", "Failures: %@"), report.failures.size());

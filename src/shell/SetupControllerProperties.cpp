@@ -107,7 +107,7 @@ std::string SetupController::localized(std::string_view key) const {
 }
 
 std::string SetupController::productFormat(std::string_view key) const {
-  return formatted(localized(key), productName(platform_));
+  return formatted(localized(key), shownProductName(platform_));
 }
 
 // By name, for the window.

@@ -2,13 +2,11 @@
 
 #include <utility>
 
-#include "foundation/Path.h"
 
 std::shared_ptr<StepIndicator> StepIndicator::init(Platform& platform) {
   const std::shared_ptr<StepIndicator> row(new StepIndicator);
-  const std::string resources = platform.bundles.mainBundle().resourcePath();
-  row->dotBlue_ = platform.toolkit.imageWithContentsOfFile(joinPath(resources, "DotBlue.tiff"));
-  row->dotGray_ = platform.toolkit.imageWithContentsOfFile(joinPath(resources, "DotGray.tiff"));
+  row->dotBlue_ = platform.toolkit.imageNamed("DotBlue");
+  row->dotGray_ = platform.toolkit.imageNamed("DotGray");
   auto interface = platform.toolkit.loadInterface("Step Indicator", *row);
   if (!interface) {
     platform.log.write(interface.error().description());

@@ -9,7 +9,7 @@ RegisterModel::RegisterModel(Platform& platform)
   const Bundle& bundle = platform.bundles.mainBundle();
   mainLabelText_ = bundle.localizedString("register_title");
   stepIndicatorLabelText_ = bundle.localizedString("register_blue_dot");
-  failMessage_ = formatted(bundle.localizedString("install_failed"), companyName(platform));
+  failMessage_ = formatted(bundle.localizedString("install_failed"), shownCompanyName(platform));
   useRegisterText();
 }
 

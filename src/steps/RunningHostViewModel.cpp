@@ -34,7 +34,7 @@ RunningHostViewModel::RunningHostViewModel(Platform& platform) : platform_(platf
 void RunningHostViewModel::setHostName(const std::string& hostName) {
   willChangeValueForKey("informativeText");
   fillIn(runningFormatString_, "%HOSTNAME%", hostName, runningText_);
-  fillIn(notRunningFormatString_, "%PRODUCTNAME%", productName(platform_), notRunningText_);
+  fillIn(notRunningFormatString_, "%PRODUCTNAME%", shownProductName(platform_), notRunningText_);
   didChangeValueForKey("informativeText");
 }
 

@@ -1,3 +1,4 @@
+#include "payload/InstallerTexts.h"
 #include "shell/SetupController.h"
 #include "steps/PageController.h"
 #include "support/TestMachine.h"
@@ -57,7 +58,7 @@ class SetupControllerTest : public MachineTest {
       if (row->name != "Step Indicator") continue;
       const auto& label = *row->views.at("label");
       const auto& dot = dynamic_cast<const RecordingImage&>(*row->views.at("indicator")->image);
-      const bool isBlue = dot.name.ends_with("/DotBlue.tiff");
+      const bool isBlue = dot.name == "DotBlue";
       EXPECT_EQ(isBlue, label.isBold && label.colour == TextColour::black);
       rows[row->views.at("stepIndicatorView")->place.origin.y] += label.text + (isBlue ? "* " : " ");
     }
@@ -162,6 +163,15 @@ TEST_F(SetupControllerTest, OffersAFolderWhereNothingIsFound) {
   press("nextView:");
   EXPECT_EQ(shown(), "The end [-Back|Finish] registerView");
   EXPECT_EQ(readFile(on("/Users/Shared/Filter.plugin/Contents/x")), "x");
+}
+
+TEST_F(SetupControllerTest, ShowsNamesThatNoFolderCanHave) {
+  writeFile(machine_.inBundle("Resources/en.lproj/installer.strings"),
+            "company_name = \"A/B\"; product_name = \"Black/White 3\"; app_plist = x;");
+  SetupController wizard(platform_);
+  EXPECT_EQ(wizard.windowTitle(), "Black/White 3 Setup");
+  EXPECT_EQ(InstallFilesModel(platform_).mainLabelText(), "Installing A/B");
+  EXPECT_EQ(companyName(platform_) + productName(platform_), "") << "as the name of a folder";
 }
 
 TEST_F(SetupControllerTest, WalksThroughAllPagesWithoutAnyOneOfTheViews) {

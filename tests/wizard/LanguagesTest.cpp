@@ -57,7 +57,10 @@ TEST_P(WizardInEveryLanguageTest, LeadsFromTheLicenceToTheEndByMouse) {
   startHost("Adobe Lightroom");
   run([this] {
     lookAtPage("licenseView", "licence");
-    agreeToLicence([] { look(*shownWidget<QWidget>("alert"), "agree"); });
+    agreeToLicence([] {
+      look(*shownWidget<QWidget>("alert"), "agree");
+      EXPECT_EQ(fromQt(shownWidget<QWidget>("alert")->windowTitle()), fromQt(window().windowTitle()));
+    });
     lookAtPage("foundHostsController", "hosts");
     atHosts_ = page();
     press("forwardButton");
@@ -85,6 +88,7 @@ TEST_P(WizardInEveryLanguageTest, LeadsFromTheLicenceToTheEndByMouse) {
     press("forwardButton");
     lookAtPage("registerView", "success");
     success_ = outcome();
+    waitUntil("the icon", [] { return !window().windowIcon().isNull(); });
     press("forwardButton");
   });
   expectWholeInstall();

@@ -1,10 +1,13 @@
 #include "platform/window/qt/QtToolkit.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QBuffer>
 #include <QLayout>
 #include <QMainWindow>
+#include <QTimer>
 #include <QUiLoader>
+#include <chrono>
 #include <utility>
 
 #include "foundation/Format.h"
@@ -19,6 +22,7 @@
 namespace {
 
 constexpr std::size_t largestDescription = std::size_t{4} << 20U;
+constexpr std::chrono::milliseconds iconDelay(100);
 
 /// Gives every widget its place now, so that frames are right before the window is shown.
 void layOut(QWidget& widget) {
@@ -116,15 +120,24 @@ Result<std::unique_ptr<Interface>> QtToolkit::loadInterface(const std::string& n
 Picture QtToolkit::imageNamed(const std::string& name) {
   const auto known = pictures_.find(name);
   if (known != pictures_.end()) return known->second;
-  const std::string folder = services_.bundles.mainBundle().resourcePath();
   Picture picture;
-  for (const char* const extension : {".icns", ".tiff", ".png"}) {
-    if (picture == nullptr) picture = readPicture(services_.files, joinPath(folder, name + extension));
+  for (const char* const type : {"icns", "tiff", "png"}) {
+    const auto path = services_.bundles.mainBundle().pathForResource(name, type);
+    if (picture == nullptr && path) picture = readPicture(services_.files, *path);
   }
   return pictures_[name] = picture;
 }
 
 Picture QtToolkit::imageWithContentsOfFile(const std::string& path) { return readPicture(services_.files, path); }
+
+void QtToolkit::run() {
+  // The first page does not wait for it.
+  QTimer::singleShot(iconDelay, &windows_, [this] {
+    const auto icon = std::dynamic_pointer_cast<const QtPicture>(imageNamed("Installer"));
+    if (icon != nullptr) QApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon->image())));
+  });
+  windows_.run();
+}
 
 bool QtToolkit::performOwnAction(const std::string& action) {
   if (action == "quit:") {

@@ -22,11 +22,11 @@ class QtToolkit : public Toolkit {
   std::optional<std::string> runOpenPanel(const OpenPanel& panel) override;
   /// From NAME.ui in the bundle's resources, which Qt's Designer writes; docs/making-an-installer.md says more.
   Result<std::unique_ptr<Interface>> loadInterface(const std::string& name, InterfaceOwner& owner) override;
-  /// From NAME.icns, NAME.tiff or NAME.png of the bundle's resources.
+  /// From NAME.icns, NAME.tiff or NAME.png of the bundle's resources, in the user's language where there is one.
   Picture imageNamed(const std::string& name) override;
   Picture imageWithContentsOfFile(const std::string& path) override;
   void setApplicationDelegate(ApplicationDelegate* delegate) override { windows_.setDelegate(delegate); }
-  void run() override { windows_.run(); }
+  void run() override;
 
  private:
   /// What every application does: "quit:", "hide:" and "about:". False for anything else.

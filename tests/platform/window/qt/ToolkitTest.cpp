@@ -79,6 +79,10 @@ TEST_F(ToolkitTest, PicturesAreSharpAndDamagedOnesAreNone) {
   ASSERT_NE(read, nullptr);
   EXPECT_EQ(read->fitted({24, 24}, 2).size(), QSize(48, 24)) << "two pixels a point, in its own proportions";
 
+  image.fill(Qt::blue);
+  picture("en.lproj/blue.png", image, "png");
+  EXPECT_NE(toolkit().imageNamed("blue"), nullptr) << "in the user's language";
+
   const std::string whole = readFile(machine_.inBundle("Resources/red.tiff"));
   writeFile(machine_.inBundle("Resources/half.tiff"), whole.substr(0, whole.size() / 2));
   writeFile(machine_.inBundle("Resources/empty.icns"), "");
