@@ -74,6 +74,8 @@ void QtBindings::connectControl(QObject& control) {
 void QtBindings::connectProperty(QObject& control, const std::string& property, const std::string& value) {
   if (property == "action") {
     connectAction(control, value);
+  } else if (property == "sets") {
+    bindings_.setOnce(*bound(control), value);
   } else if (property == "imageName") {
     auto* const label = qobject_cast<QLabel*>(&control);
     const Picture picture = label != nullptr ? resources_.imageNamed(value) : nullptr;
