@@ -16,6 +16,7 @@
 #include <functional>
 #include <optional>
 
+#include "platform/window/Typography.h"
 #include "platform/window/qt/QtPicture.h"
 #include "platform/window/qt/QtRichText.h"
 #include "platform/window/qt/QtText.h"
@@ -106,7 +107,11 @@ class Eliding : public QObject {
 ShowValue showInLabel(QLabel& label) {
   label.setTextFormat(Qt::PlainText);
   const bool isCut = !label.wordWrap() && label.sizePolicy().horizontalPolicy() == QSizePolicy::Ignored;
-  if (!isCut) return showPlain(label, &QLabel::setText);
+  if (!isCut) {
+    return showPlain(label, [](QLabel& shown, const QString& text) {
+      shown.setText(shown.wordWrap() ? toQt(withNumbersKeptToWords(fromQt(text))) : text);
+    });
+  }
   auto* const eliding = new Eliding(label);
   return showPlain(*eliding, &Eliding::show);
 }

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "platform/window/Typography.h"
 #include "platform/window/qt/QtText.h"
 
 namespace {
@@ -83,7 +84,7 @@ void showRichText(QTextDocument& document, const RichText& text, const QColor& b
       if (startsParagraph) cursor.setBlockFormat(paragraphFormat(run.attributes));
       startsParagraph = false;
       const std::size_t end = piece.find('\n');
-      cursor.insertText(toQt(piece.substr(0, end)), characters);
+      cursor.insertText(toQt(withNumbersKeptToWords(piece.substr(0, end))), characters);
       if (end == std::string_view::npos) break;
       piece.remove_prefix(end + 1);
       cursor.insertBlock();

@@ -101,12 +101,33 @@ TEST_F(BindingsTest, MistakesInADescriptionCostALineEach) {
        control("QLabel", "progress", property("bindProgress", "number")) +
        control("QLabel", "invented", property("bindSmell", "number")) +
        control("QLabel", "button", property("action", "nextView:")) +
-       control("QPushButton", "unheard", property("action", "unheardOf:")));
+       control("QPushButton", "unheard", property("action", "unheardOf:")) +
+       control("QLabel", "setter", property("sets", "nobody")));
   the<QPushButton>("unheard").click();
   owner_.change("number", 2.0);
-  for (const char* const name : {"unknown", "path", "number", "picture", "progress", "invented", "button", "unheard"}) {
+  for (const char* const name :
+       {"unknown", "path", "number", "picture", "progress", "invented", "button", "unheard", "setter"}) {
     EXPECT_EQ(log_.count("control \"" + std::string(name) + "\""), 1) << name;
   }
+}
+
+TEST_F(BindingsTest, ExceptionsOfTheOwnerCostALineEach) {
+  owner_.values = {{"text", "before"}};
+  show(control("QLabel", "label", property("bindText", "text")) +
+       control("QPushButton", "button", property("action", "fail:")));
+  for (int i = 0; i < 2; ++i) the<QPushButton>("button").click();
+  EXPECT_EQ(log_.count("control \"button\": failed"), 1);
+  owner_.change("text", "after");
+  EXPECT_EQ(the<QLabel>("label").text(), "after");
+}
+
+TEST_F(BindingsTest, WrappedTextsKeepNumbersToTheirWords) {
+  const std::string wraps = R"(<property name="wordWrap"><bool>true</bool></property>)";
+  owner_.values = {{"text", "Dunmore 3 of 2019 in 10 parts"}};
+  show(control("QLabel", "wrapped", wraps + property("bindText", "text")) +
+       control("QLabel", "line", property("bindText", "text")));
+  EXPECT_EQ(the<QLabel>("wrapped").text(), "Dunmore\u00A03 of 2019 in\u00A010 parts");
+  EXPECT_EQ(fromQt(the<QLabel>("line").text()), "Dunmore 3 of 2019 in 10 parts");
 }
 
 TEST_F(BindingsTest, NothingIsToldAnyMoreOnceTheInterfaceHasGone) {

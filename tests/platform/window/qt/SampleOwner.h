@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -25,6 +26,7 @@ class SampleOwner : public InterfaceOwner {
   }
   bool performAction(std::string_view action, const std::string& sender) override {
     if (action == "unheardOf:") return false;
+    if (action == "fail:") throw std::logic_error("failed");
     done += std::string(action) + " " + sender + ";";
     return true;
   }
