@@ -41,7 +41,10 @@ std::optional<Value::Dictionary> PropertyListPreferences::read(const std::string
     problem =
         value ? Error{"", 0, {{std::string(Error::localizedDescriptionKey), "it holds no dictionary"}}} : value.error();
   }
-  log_.write(formatted("Could not read preferences %@: %@", path, problem.description()));
+  // The file is read for every key.
+  const auto [line, isNew] =
+      complaints_.insert(formatted("Could not read preferences %@: %@", path, problem.description()));
+  if (isNew) log_.write(*line);
   return std::nullopt;
 }
 

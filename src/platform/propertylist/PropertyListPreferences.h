@@ -2,6 +2,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "platform/FileSystem.h"
@@ -35,4 +36,5 @@ class PropertyListPreferences final : public Preferences {
   Log& log_;
   /// By domain, then by key: what has been set and not yet written. No value: to be deleted.
   std::map<std::string, Value::Dictionary> changes_;
+  mutable std::set<std::string> complaints_;  ///< lines that the log has
 };

@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <chrono>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -36,17 +37,19 @@ std::optional<std::string> decodeBase64(std::string_view text) {
   return bytes;
 }
 
+/// Decimal, or hexadecimal after "0x", with or without a sign.
 std::optional<Value> parseInteger(std::string_view text) {
   text = trimmed(text);
-  std::int64_t number = 0;
-  if (text.starts_with('+')) text.remove_prefix(1);
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (end == text.data() + text.size() && error == std::errc()) return Value(number);
-  // Beyond the signed range there are unsigned numbers of 64 bits.
-  std::uint64_t large = 0;
-  const auto [largeEnd, largeError] = std::from_chars(text.data(), text.data() + text.size(), large);
-  if (largeEnd != text.data() + text.size() || largeError != std::errc()) return std::nullopt;
-  return Value(large);
+  const bool isNegative = text.starts_with('-');
+  if (isNegative || text.starts_with('+')) text.remove_prefix(1);
+  const bool isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
+  if (isHexadecimal) text.remove_prefix(2);
+  std::uint64_t size = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), size, isHexadecimal ? 16 : 10);
+  if (end != text.data() + text.size() || error != std::errc()) return std::nullopt;
+  constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
+  if (isNegative) return size > largest + 1 ? std::nullopt : std::optional<Value>(static_cast<std::int64_t>(0 - size));
+  return size > largest ? Value(size) : Value(static_cast<std::int64_t>(size));
 }
 
 std::optional<Value> parseReal(std::string_view text) {

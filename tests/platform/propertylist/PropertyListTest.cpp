@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 #include "foundation/Text.h"
@@ -32,6 +33,27 @@ TEST(PropertyList, ReadsBothFormsAndWritesOnlyWhatXmlCanHold) {
     EXPECT_EQ(*readPropertyList(*writePropertyList(value)), value);
   for (const Value& value : {Value("a\0b"s), Value(Value::Dictionary{{"\x01", true}})}) {
     EXPECT_FALSE(writePropertyList(value));
+  }
+}
+
+TEST(PropertyList, ReadsNumbersAsOtherProgramsWriteThem) {
+  const auto read = [](const std::string& element) {
+    const auto value = readPropertyList("<plist>" + element + "</plist>");
+    EXPECT_TRUE(value) << element;
+    return value ? *value : Value();
+  };
+  const auto integer = [&](const std::string& text) { return read("<integer>" + text + "</integer>"); };
+  EXPECT_EQ(integer("0x1F"), Value(std::int64_t{31}));
+  EXPECT_EQ(integer("-0X10"), Value(std::int64_t{-16}));
+  EXPECT_EQ(integer("+12"), Value(std::int64_t{12}));
+  EXPECT_EQ(integer("0xFFFFFFFFFFFFFFFF"), Value(std::numeric_limits<std::uint64_t>::max()));
+  for (const auto* const text : {"nan", "NaN", "+nan", "-nan"}) {
+    const Value value = read("<real>" + std::string(text) + "</real>");
+    EXPECT_TRUE(value.as<double>() != nullptr && std::isnan(*value.as<double>())) << text;
+    EXPECT_TRUE(readPropertyList(*writePropertyList(value))) << text;
+  }
+  for (const auto* const text : {"inf", "+infinity"}) {
+    EXPECT_EQ(read("<real>" + std::string(text) + "</real>"), Value(std::numeric_limits<double>::infinity())) << text;
   }
 }
 
