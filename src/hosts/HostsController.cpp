@@ -50,6 +50,7 @@ void HostsController::didProceed(std::int32_t /*delta*/) {
     custom->setShouldInstallPlugIns(installPluginForCustomInstall_);
     auto settings = BundleUserDefaults::initWithPersistentDomainName(platform_, installerPreferencesDomain);
     settings.setObject(custom->plugInPath(), customPathKey);
+    settings.synchronize();  // a signal may end the program before it writes them by itself
   }
   model_.reset();
   view_.reset();

@@ -147,6 +147,8 @@ TEST_F(HostsControllerTest, WritesTheChoicesIntoTheCustomHostAndRemembersItsFold
     page.didProceed(1);
     EXPECT_FALSE(custom.shouldInstallPanels() || custom.shouldInstallScripts());
     EXPECT_EQ(custom.shouldInstallPlugIns(), withPlugIn);
+    const std::string kept = readFile(machine_.inLibrary("Preferences/com.corvane.installer.plist"));
+    EXPECT_NE(kept.find("/Mine"), std::string::npos) << "on the disk, should a signal end the program";
   }
 }
 
