@@ -151,6 +151,16 @@ std::int64_t integerValue(std::string_view text) {
   return negative ? -value : value;
 }
 
+std::optional<std::string_view> withoutFirstCharacters(std::string_view text, std::size_t count) {
+  const auto continues = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; };
+  for (; count > 0; --count) {
+    if (text.empty()) return std::nullopt;
+    do text.remove_prefix(1);
+    while (!text.empty() && continues(text.front()));
+  }
+  return text;
+}
+
 std::string_view trimmed(std::string_view text) {
   constexpr std::string_view white = " \t\n\v\f\r";
   const std::size_t first = text.find_first_not_of(white);

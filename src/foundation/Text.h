@@ -32,6 +32,9 @@ void appendUtf8(std::string& text, std::uint32_t codePoint);
 /// ends of the range.
 [[nodiscard]] std::int64_t integerValue(std::string_view text);
 
+/// The text without its first `count` characters; nothing when it has fewer.
+[[nodiscard]] std::optional<std::string_view> withoutFirstCharacters(std::string_view text, std::size_t count);
+
 /// Without white space and line ends at both ends.
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 

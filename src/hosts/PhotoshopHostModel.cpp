@@ -20,12 +20,11 @@ constexpr std::size_t mostOfPathsFileRead = std::size_t{1} << 20U;
 
 std::uint32_t unsignedIntegerValue(std::string_view text) { return static_cast<std::uint32_t>(integerValue(text)); }
 
-/// The text from `offset` bytes after the first occurrence of `marker`; nothing when there is no marker or no such
-/// text.
+/// The text from `offset` characters after the start of the first occurrence of `marker`; nothing when there is no
+/// marker or no such text.
 std::optional<std::string_view> textAfter(std::string_view name, std::string_view marker, std::size_t offset) {
   const std::size_t found = name.find(marker);
-  if (found == std::string_view::npos || found + offset > name.size()) return std::nullopt;
-  return name.substr(found + offset);
+  return found == std::string_view::npos ? std::nullopt : withoutFirstCharacters(name.substr(found), offset);
 }
 
 std::uint32_t firstPieceAsInteger(std::string_view text) {
@@ -108,8 +107,9 @@ std::uint32_t PhotoshopHostModel::version() const {
   if (name.find(" CS") != std::string_view::npos) return unsignedIntegerValue(textAfter(name, " CS", 3).value_or(""));
   if (name.find(" CC") != std::string_view::npos) {
     const auto year = textAfter(name, " CC", 4);
-    if (!year || year->size() < 4) return plainCreativeCloudVersion;
-    return firstPieceAsInteger(year->substr(0, 4));
+    const auto rest = year ? withoutFirstCharacters(*year, 4) : std::nullopt;
+    if (!rest) return plainCreativeCloudVersion;
+    return firstPieceAsInteger(year->substr(0, year->size() - rest->size()));
   }
   return 0;
 }

@@ -27,6 +27,8 @@ TEST_F(PhotoshopHostModelTest, ReadsItsVersionFromItsName) {
       {"Adobe Photoshop CS2", "2.0 sorts as 998"},
       {"Adobe Photoshop CC", "7.0 sorts as 993, scripts, panels"},
       {"Adobe Photoshop CC 2015.5", "2015.5 sorts as 4294966281, scripts, panels"},
+      {"Adobe Photoshop CC 试用版", "7.0 sorts as 993, scripts, panels"},
+      {"Adobe Photoshop CC 试用版 2019", "0.0 sorts as 1000, scripts"},
       {"Adobe Photoshop CC (Beta).7", "0.7 sorts as 1000, scripts"},
       {"Adobe Photoshop 2020", "0.0 sorts as 1000, scripts"},
       {"Adobe Photoshop Elements 11", "11.0 sorts as 2989, panels, Elements"},
