@@ -23,14 +23,16 @@ namespace {
 constexpr std::uint32_t oldestVersionListed = 6;
 constexpr std::uint32_t firstVersionFoundBySettings = 2019;
 
-/// The entries of the folder whose names fulfil the predicate, as full paths; none for a missing folder.
+/// The entries of the folder whose names fulfil the predicate, as full paths in the order of the file system's listing,
+/// which decides between two of the same version; none for a missing folder.
 std::vector<std::string> matchingEntries(const Platform& platform, const std::string& folder,
                                          std::string_view predicateText) {
   std::vector<std::string> paths;
   if (folder.empty()) return paths;
   const Predicate predicate = Predicate::parse(predicateText);
-  for (const std::string& name : platform.files.contentsOfDirectory(folder).valueOr({})) {
-    if (predicate.evaluate(Value(name))) paths.push_back(joinPath(folder, name));
+  for (const std::string& name : platform.files.listing(folder).valueOr({})) {
+    // What a Mac left beside a file on a foreign file system is no entry to a Mac.
+    if (!name.starts_with("._") && predicate.evaluate(Value(name))) paths.push_back(joinPath(folder, name));
   }
   return paths;
 }

@@ -106,6 +106,9 @@ class FileSystem {
   /// Names of the direct entries, hidden ones included, in ascending byte order.
   virtual Result<std::vector<std::string>> contentsOfDirectory(const std::string& path) const = 0;
 
+  /// The same names in the order in which the file system lists them.
+  virtual Result<std::vector<std::string>> listing(const std::string& path) const = 0;
+
   /// Visits everything below the folder except hidden items and what lies in packages: a folder before its content,
   /// entries in ascending byte order. Links are visited, not followed. A handler may change the folder's content.
   virtual void walk(const std::string& folder, const WalkHandlers& handlers) const = 0;

@@ -37,6 +37,8 @@ TEST_F(HostsModelTest, ListsWhatIsRecentEnoughInOrder) {
        {"Adobe Photoshop CC 2019", "Adobe Photoshop CC 2019 Zeta", "Adobe Photoshop CC 2020", "Adobe Photoshop 2020"}) {
     addBySettings(name);
   }
+  const std::string settings = machine_.home() + "/Library/Preferences";
+  files_.listings[settings] = *files_.contentsOfDirectory(settings);
   const std::string support = "Application Support/Adobe/Adobe Photoshop CS6 Paths";
   fs::copy_file(preferences("Adobe Photoshop CS6 Paths"), machine_.inLibrary(support));
   writeFile(preferences("Paths of somebody else"), "");
@@ -46,6 +48,16 @@ TEST_F(HostsModelTest, ListsWhatIsRecentEnoughInOrder) {
             "Adobe Photoshop CC 2020, Adobe Photoshop CC 2019, Adobe Photoshop CC 2015.5");
   EXPECT_EQ(log_.lines.at(0), "Found path file " + machine_.home() + "/Library/" + support);
   EXPECT_EQ(log_.count("Found path file "), 7) << "the old ones too, but not somebody else's";
+}
+
+TEST_F(HostsModelTest, TakesTheFirstOfAVersionInTheOrderOfTheListing) {
+  const std::vector<std::string> listed = {"._Adobe Photoshop CC 2019 Settings", "Adobe Photoshop CC 2019 Settings",
+                                           "Adobe Photoshop CC 2019 (Beta) Settings"};
+  addBySettings("Adobe Photoshop CC 2019");
+  fs::create_directories(preferences(listed[2]));
+  writeFile(preferences(listed[0]), "");
+  files_.listings[machine_.home() + "/Library/Preferences"] = listed;
+  EXPECT_EQ(found(), "Adobe Photoshop CC 2019");
 }
 
 TEST_F(HostsModelTest, KeepsTheRememberedFolderOutAndAddsWhatItIsGiven) {

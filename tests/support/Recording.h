@@ -371,6 +371,13 @@ class FaultyFileSystem : public PosixFileSystem {
   void fail(Call call, std::errc error, int times = 1) { faults_[call] = {error, times}; }
   std::optional<std::uint64_t> available = std::nullopt;  ///< bytes; nothing: what there really is
 
+  /// Folders whose listing has another order than the disk's.
+  std::map<std::string, std::vector<std::string>> listings;
+
+  Result<std::vector<std::string>> listing(const std::string& path) const override {
+    const auto known = listings.find(path);
+    return known != listings.end() ? known->second : PosixFileSystem::listing(path);
+  }
   Result<std::unique_ptr<WritableFile>> openForWriting(const std::string& path) override {
     class BrokenFile : public WritableFile {
       void writeData(std::string_view /*data*/) override { throw Exception("no room"); }

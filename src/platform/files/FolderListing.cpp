@@ -37,7 +37,7 @@ std::optional<std::string> readLink(int folder, const std::string& name) {
   return std::string(target.data(), static_cast<std::size_t>(length));
 }
 
-Result<std::vector<FolderEntry>> listFolder(int folder) {
+Result<std::vector<FolderEntry>> listFolder(int folder, Order order) {
   // A descriptor of its own: reading moves the place in the folder, which the caller's descriptor would share with a
   // copy.
   FileDescriptor own(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -57,6 +57,6 @@ Result<std::vector<FolderEntry>> listFolder(int folder) {
     if (const auto type = entryType(folder, *entry)) entries.push_back({std::string(name), *type});
   }
   if (errno != 0) return systemError(errno, "");
-  std::ranges::sort(entries, {}, &FolderEntry::name);
+  if (order == Order::byName) std::ranges::sort(entries, {}, &FolderEntry::name);
   return entries;
 }

@@ -20,6 +20,8 @@ struct FolderEntry {
   ItemType type = ItemType::other;
 };
 
-/// Entries of the open folder (opened for reading) in ascending byte order of their names, "." and ".." left out. An
-/// entry that goes away while it is looked at is left out.
-Result<std::vector<FolderEntry>> listFolder(int folder);
+enum class Order { byName, asListed };
+
+/// Entries of the open folder (opened for reading) in ascending byte order of their names, or as the file system lists
+/// them; "." and ".." left out. An entry that goes away while it is looked at is left out.
+Result<std::vector<FolderEntry>> listFolder(int folder, Order order = Order::byName);

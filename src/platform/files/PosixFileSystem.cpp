@@ -170,9 +170,17 @@ Result<FileDescriptor> PosixFileSystem::openFile(const std::string& path, int fl
 }
 
 Result<std::vector<std::string>> PosixFileSystem::contentsOfDirectory(const std::string& path) const {
+  return namesIn(path, Order::byName);
+}
+
+Result<std::vector<std::string>> PosixFileSystem::listing(const std::string& path) const {
+  return namesIn(path, Order::asListed);
+}
+
+Result<std::vector<std::string>> PosixFileSystem::namesIn(const std::string& path, Order order) const {
   const auto folder = open(path, folderToRead, Purpose::look);
   if (!folder) return folder.error();
-  auto entries = listFolder(folder->get());
+  auto entries = listFolder(folder->get(), order);
   if (!entries) return noted(systemError(entries.error().code, path), path);
   std::vector<std::string> names;
   names.reserve(entries->size());

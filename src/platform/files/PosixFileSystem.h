@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/FileSystem.h"
+#include "platform/files/FolderListing.h"
 #include "platform/files/Volume.h"
 #include "platform/posix/PosixUser.h"
 
@@ -23,6 +24,7 @@ class PosixFileSystem : public FileSystem {
   [[nodiscard]] bool isTaken(const std::string& path) const override;
   Result<ItemAttributes> attributesOfItem(const std::string& path) const override;
   Result<std::vector<std::string>> contentsOfDirectory(const std::string& path) const override;
+  Result<std::vector<std::string>> listing(const std::string& path) const override;
   using FileSystem::walk;
   void walk(const std::string& folder, const WalkHandlers& handlers) const override;
   Result<FolderContents> entriesOf(const std::string& folder) const override;
@@ -44,6 +46,7 @@ class PosixFileSystem : public FileSystem {
  private:
   /// Notes the error unless it only says that nothing is there, and passes it on.
   Error noted(Error error, const std::string& path) const;
+  Result<std::vector<std::string>> namesIn(const std::string& path, Order order) const;
   /// Opens the item that the path leads to.
   Result<FileDescriptor> open(const std::string& path, int flags, Volume::Purpose purpose) const;
   /// The same for a regular file; anything else fails.
