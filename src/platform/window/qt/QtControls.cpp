@@ -2,7 +2,7 @@
 
 #include <QAbstractButton>
 #include <QAction>
-#include <QEvent>
+#include <QFocusEvent>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -66,8 +66,24 @@ QPalette::ColorRole backgroundOf(const QTextEdit& edit) {
   return edit.frameShape() == QFrame::StyledPanel ? QPalette::Base : QPalette::Window;
 }
 
+/// Notes how a text got the focus: it is framed for who moves the focus, and not when its page appears.
+class FocusReason : public QObject {
+ public:
+  using QObject::QObject;
+
+ private:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::FocusIn) {
+      const auto reason = static_cast<const QFocusEvent&>(*event).reason();
+      watched->setProperty("isFocusMoved", reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason);
+    }
+    return QObject::eventFilter(watched, event);
+  }
+};
+
 ShowValue showInTextEdit(QTextEdit& edit) {
   const QPalette::ColorRole background = backgroundOf(edit);
+  edit.installEventFilter(new FocusReason(&edit));
   if (background == QPalette::Window) edit.viewport()->setAutoFillBackground(false);
   edit.document()->setDocumentMargin(background == QPalette::Window ? 2 : 12);
   return [&edit, background](const ShownValue& value) {

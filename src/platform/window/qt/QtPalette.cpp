@@ -13,7 +13,7 @@ constexpr Shade shades[] = {
     {QPalette::Text, "#1d1d1f", "#f0f0f2"},        {QPalette::PlaceholderText, "#66666b", "#a6a6ab"},
     {QPalette::Button, "#ffffff", "#59595d"},      {QPalette::ButtonText, "#1d1d1f", "#f4f4f6"},
     {QPalette::Highlight, "#0b63d8", "#2b70df"},   {QPalette::HighlightedText, "#ffffff", "#ffffff"},
-    {QPalette::Mid, "#c9c9cc", "#4a4a4e"},         {QPalette::Dark, "#8e8e93", "#8e8e93"},
+    {QPalette::Mid, "#88888d", "#7f7f84"},         {QPalette::Dark, "#85858a", "#8e8e93"},
     {QPalette::Light, "#ffffff", "#3a3a3d"},       {QPalette::Midlight, "#e4e4e6", "#3a3a3d"},
     {QPalette::Shadow, "#9a9a9e", "#000000"},      {QPalette::ToolTipBase, "#ffffff", "#3a3a3d"},
     {QPalette::ToolTipText, "#1d1d1f", "#f0f0f2"}, {QPalette::Link, "#0b63d8", "#6aa5ff"},

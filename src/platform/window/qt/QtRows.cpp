@@ -1,4 +1,5 @@
 #include <QListWidget>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPixmap>
 #include <QSignalBlocker>
@@ -51,10 +52,29 @@ class RowDelegate : public QStyledItemDelegate {
     painter->restore();
   }
 
+  /// A click anywhere in a row ticks it.
+  bool editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override {
+    const bool isClick = event->type() == QEvent::MouseButtonRelease &&
+                         static_cast<const QMouseEvent&>(*event).button() == Qt::LeftButton;
+    if (!isClick || !model->flags(index).testFlag(Qt::ItemIsUserCheckable)) {
+      return QStyledItemDelegate::editorEvent(event, model, option, index);
+    }
+    const bool isTicked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+    return model->setData(index, isTicked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+  }
+
   QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
     return {QStyledItemDelegate::sizeHint(option, index).width(), rowHeight};
   }
 };
+
+/// The same picture whether the row is selected or not, where Qt would tint it.
+QIcon plainIcon(const QPixmap& picture) {
+  QIcon icon(picture);
+  icon.addPixmap(picture, QIcon::Selected);
+  return icon;
+}
 
 void fill(QListWidgetItem& item, const ListRow& row, const std::function<Picture()>& genericPicture, qreal pixelRatio) {
   item.setText(toQt(row.text));
@@ -65,7 +85,7 @@ void fill(QListWidgetItem& item, const ListRow& row, const std::function<Picture
   item.setCheckState(row.isTicked ? Qt::Checked : Qt::Unchecked);
   const Picture shown = row.picture != nullptr ? row.picture : genericPicture();
   const auto* const picture = dynamic_cast<const QtPicture*>(shown.get());
-  item.setIcon(picture != nullptr ? QIcon(picture->fitted({rowPictureSize, rowPictureSize}, pixelRatio)) : QIcon());
+  item.setIcon(picture != nullptr ? plainIcon(picture->fitted({rowPictureSize, rowPictureSize}, pixelRatio)) : QIcon());
 }
 
 bool isSameRow(const ListRow& one, const ListRow& other) {

@@ -22,6 +22,8 @@ constexpr int boxRing = 2;
 constexpr int scrollBarWidth = 11;
 
 QColor line(const QPalette& palette) { return palette.color(QPalette::Mid); }
+/// Of what marks the control that has the focus.
+QColor focusColour(const QPalette& palette) { return palette.color(QPalette::Link); }
 
 QColor withAlpha(QColor colour, double alpha) {
   colour.setAlphaF(static_cast<float>(alpha));
@@ -33,7 +35,7 @@ QRectF inside(const QRect& rect) { return QRectF(rect).adjusted(0.5, 0.5, -0.5, 
 
 void drawRing(QPainter& painter, const QRectF& shape, const QPalette& palette, qreal corner, int width = ring) {
   painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(withAlpha(palette.color(QPalette::Highlight), 0.55), width));
+  painter.setPen(QPen(withAlpha(focusColour(palette), 0.85), width));
   painter.drawRoundedRect(shape.adjusted(-1, -1, 1, 1), corner + 1, corner + 1);
 }
 
@@ -90,7 +92,7 @@ void drawFrame(QPainter& painter, const QStyleOption& option) {
   painter.setPen(QPen(line(option.palette), 1));
   painter.drawRect(inside(option.rect));
   if (!option.state.testFlag(QStyle::State_HasFocus)) return;
-  painter.setPen(QPen(withAlpha(option.palette.color(QPalette::Highlight), 0.8), 2));
+  painter.setPen(QPen(focusColour(option.palette), 2));
   painter.drawRect(QRectF(option.rect).adjusted(1, 1, -1, -1));
 }
 
@@ -99,7 +101,7 @@ void drawField(QPainter& painter, const QStyleOption& option) {
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setBrush(option.palette.color(QPalette::Base));
   const bool hasFocus = option.state.testFlag(QStyle::State_HasFocus);
-  painter.setPen(QPen(hasFocus ? option.palette.color(QPalette::Highlight) : line(option.palette), hasFocus ? 2 : 1));
+  painter.setPen(QPen(hasFocus ? focusColour(option.palette) : line(option.palette), hasFocus ? 2 : 1));
   painter.drawRoundedRect(hasFocus ? shape.adjusted(0.5, 0.5, -0.5, -0.5) : shape, 4, 4);
 }
 
@@ -114,7 +116,7 @@ void drawRow(QPainter& painter, const QStyleOption& option) {
   painter.setRenderHint(QPainter::Antialiasing);
   if (option.state.testFlag(QStyle::State_HasFocus)) {
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(withAlpha(option.palette.color(QPalette::Highlight), 0.7), 1));
+    painter.setPen(QPen(focusColour(option.palette), 1));
     painter.drawRoundedRect(inside(option.rect.adjusted(3, 1, -3, -1)), 4, 4);
   }
   if (!option.state.testFlag(QStyle::State_Selected)) return;
@@ -219,10 +221,9 @@ void QtStyle::drawControl(ControlElement element, const QStyleOption* option, QP
     drawButton(*painter, *button);
     drawButtonLabel(*painter, *button);
   } else if (element == CE_ShapedFrame && frame != nullptr && frame->frameShape == QFrame::Panel) {
-    // A quiet frame only shows the focus, and that to who moves it with the keyboard.
-    if (frame->state.testFlag(State_HasFocus) && frame->state.testFlag(State_KeyboardFocusChange)) {
-      drawFrame(*painter, *frame);
-    }
+    // A quiet frame only shows the focus, and that to who moves it.
+    const bool isMoved = widget != nullptr && widget->property("isFocusMoved").toBool();
+    if (frame->state.testFlag(State_HasFocus) && isMoved) drawFrame(*painter, *frame);
   } else if (element == CE_ItemViewItem && item != nullptr) {
     QStyleOptionViewItem legible = *item;
     legible.palette.setColor(QPalette::HighlightedText, item->palette.color(QPalette::Text));
@@ -287,6 +288,7 @@ int QtStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget
   switch (hint) {
     case SH_DialogButtonLayout: return QDialogButtonBox::MacLayout;  // the default button lower right
     case SH_ItemView_ShowDecorationSelected: return true;
+    case SH_UnderlineShortcut: return false;
     case SH_DialogButtonBox_ButtonsHaveIcons: return false;
     default: return QProxyStyle::styleHint(hint, option, widget, result);
   }

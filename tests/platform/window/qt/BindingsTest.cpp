@@ -85,6 +85,22 @@ TEST_F(BindingsTest, HiddenPagesCatchUpWhenTheyAreShown) {
   EXPECT_EQ(the<QTextEdit>("edit").toPlainText(), "at last");
 }
 
+TEST_F(BindingsTest, AClickAnywhereInARowTicksIt) {
+  using Rows = std::vector<ListRow>;
+  owner_.values = {{"rows", Rows{{.text = "one"}, {.text = "two"}}}};
+  show(control("QListWidget", "list", property("bindRows", "rows")));
+  auto& list = the<QListWidget>("list");
+  the<QWidget>("top").show();
+  const auto ticked = [&](int row) { return std::get<Rows>(owner_.values["rows"]).at(row).isTicked; };
+  const QRect row = list.visualItemRect(list.item(1));
+  for (const QPoint place : {row.center(), QPoint(row.left() + 12, row.center().y())}) {
+    const bool before = ticked(1);
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, place);
+    EXPECT_NE(ticked(1), before) << place.x();
+  }
+  EXPECT_FALSE(ticked(0));
+}
+
 TEST_F(BindingsTest, WhatChangesFasterThanAnybodyReadsIsRightInTheEnd) {
   owner_.values = {{"text", "start"}};
   show(control("QLabel", "label", property("bindText", "text")));

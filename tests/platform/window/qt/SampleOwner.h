@@ -24,6 +24,10 @@ class SampleOwner : public InterfaceOwner {
     const auto found = values.find(key);
     return found == values.end() ? std::nullopt : std::optional(found->second);
   }
+  bool setTicked(std::string_view key, std::size_t row, bool isTicked) override {
+    std::get<std::vector<ListRow>>(values.find(key)->second).at(row).isTicked = isTicked;
+    return true;
+  }
   bool performAction(std::string_view action, const std::string& sender) override {
     if (action == "unheardOf:") return false;
     if (action == "fail:") throw std::logic_error("failed");

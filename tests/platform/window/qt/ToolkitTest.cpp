@@ -139,6 +139,11 @@ TEST(RichTextTest, BecomesADocumentThatCanBeRead) {
     for (const auto role : {QPalette::WindowText, QPalette::PlaceholderText}) {
       EXPECT_GE(contrast(palette.color(role), palette.color(QPalette::Window)), 4.5) << role;
     }
+    // Borders, and what marks the focus.
+    for (const auto role : {QPalette::Mid, QPalette::Dark, QPalette::Link}) {
+      EXPECT_GE(contrast(palette.color(role), palette.color(QPalette::Window)), 3) << role;
+      EXPECT_GE(contrast(palette.color(role), palette.color(QPalette::Base)), 3) << role;
+    }
   }
 }
 
