@@ -52,6 +52,8 @@ class TextField : public virtual View {
  public:
   virtual void setStringValue(const std::string& text) = 0;
   virtual void setFont(bool isBold, TextColour colour) = 0;
+  /// What a screen reader says of the text besides.
+  virtual void setDescription(const std::string& description) = 0;
 };
 
 class ImageView : public virtual View {

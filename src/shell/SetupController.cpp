@@ -185,6 +185,11 @@ void SetupController::stateDidChange(const Notification& notification) {
 void SetupController::leaveAndEnter(std::int32_t oldState, std::int32_t newState) {
   if (const auto row = getIndicatorForStep(oldState)) row->setCurrentStep(false);
   if (const auto row = getIndicatorForStep(newState)) row->setCurrentStep(true);
+  for (const auto& [number, step] : steps_) {
+    if (step.indicator == nullptr) continue;
+    const char* const key = number < newState ? "step_done" : number == newState ? "step_current" : "step_upcoming";
+    step.indicator->setDescription(localized(key));
+  }
   const std::int32_t delta = newState - oldState;
   if (const auto left = getControllerForStep(oldState)) attempt([&] { left->didProceed(delta); });
   const auto entered = getControllerForStep(newState);

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-
 std::shared_ptr<StepIndicator> StepIndicator::init(Platform& platform) {
   const std::shared_ptr<StepIndicator> row(new StepIndicator);
   row->dotBlue_ = platform.toolkit.imageNamed("DotBlue");
@@ -39,4 +38,8 @@ void StepIndicator::setText(const std::optional<std::string>& text) {
 void StepIndicator::setCurrentStep(bool isCurrent) {
   if (indicator_ != nullptr) indicator_->setImage(isCurrent ? dotBlue_ : dotGray_);
   if (label_ != nullptr) label_->setFont(isCurrent, isCurrent ? TextColour::black : TextColour::grey);
+}
+
+void StepIndicator::setDescription(const std::string& description) {
+  if (label_ != nullptr) label_->setDescription(description);
 }

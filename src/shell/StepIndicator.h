@@ -21,6 +21,8 @@ class StepIndicator : public InterfaceOwner {
   /// Nothing leaves the label as it is.
   void setText(const std::optional<std::string>& text);
   void setCurrentStep(bool isCurrent);
+  /// What a screen reader says of the step: that it is done, say.
+  void setDescription(const std::string& description);
 
  private:
   StepIndicator() = default;

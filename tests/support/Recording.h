@@ -45,6 +45,7 @@ class RecordingView : public virtual TextField, public virtual ImageView, public
   bool isHidden = true;
   Rect place;
   std::string text;
+  std::string description;
   bool isBold = false;
   TextColour colour = TextColour::black;
   Picture image;
@@ -64,6 +65,7 @@ class RecordingView : public virtual TextField, public virtual ImageView, public
     isBold = bold;
     colour = textColour;
   }
+  void setDescription(const std::string& value) override { description = value; }
   void setImage(const Picture& picture) override { image = picture; }
   void selectRow(std::size_t row) override { selectedRow = row; }
 

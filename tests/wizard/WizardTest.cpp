@@ -4,6 +4,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
+#include <QWindow>
 
 namespace {
 
@@ -24,7 +25,7 @@ std::string tabOrder() {
 }
 
 void pickByKeyboard(const char* item) {
-  QTest::keyClick(&window(), Qt::Key_Alt, Qt::AltModifier);
+  QTest::keyClick(&window(), Qt::Key_F10);
   auto* const bar = window().findChild<QMenuBar*>();
   QTest::keyClick(bar, Qt::Key_Down);
   waitUntil("the menu", [] { return QApplication::activePopupWidget() != nullptr; });
@@ -64,12 +65,15 @@ TEST_F(WizardTest, IsWalkedByKeyboardAlone) {
     waitForPage("licenseView");
     key(Qt::Key_Return);  // who has agreed is not asked again
     waitForPage("foundHostsController");
+    QTest::keyClick(window().windowHandle(), Qt::Key_I, Qt::AltModifier);
+    waitUntil("the menu by its letter", [] { return QApplication::activePopupWidget() != nullptr; });
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+    QTest::keyClick(window().findChild<QMenuBar*>(), Qt::Key_Escape);
     pickByKeyboard("customInstallItem");
     tabTo("customInstallButton");
     key(Qt::Key_Space);
     waitForPage("customPathField");
-    EXPECT_EQ(tabOrder(),
-              "browseButton customPathField installPluginCheckBox backwardButton ")
+    EXPECT_EQ(tabOrder(), "browseButton customPathField installPluginCheckBox backwardButton ")
         << "nothing about scripts and panels, which no host has to give";
     EXPECT_EQ(page(), "Programme auswählen [Zurück|-Fortfahren]") << "no folder yet";
     tabTo("backwardButton");

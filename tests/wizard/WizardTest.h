@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -109,6 +110,7 @@ class WizardTest : public testing::Test {
     const std::string program = volume_.string() + "/Applications/" + name + "/" + name + ".app/Contents/MacOS/" + name;
     host_ = ::fork();
     if (host_ == 0) {
+      ::prctl(PR_SET_PDEATHSIG, SIGTERM);  // a walk that gives up ends without tearing anything down
       ::execl(program.c_str(), program.c_str(), nullptr);
       ::_exit(1);
     }

@@ -15,7 +15,8 @@ constexpr std::chrono::milliseconds restingTime(50);
 
 /// What takes time to show, and shows nothing else than itself.
 bool mayWait(std::string_view property) {
-  return property == "bindText" || property == "bindImage" || property == "bindRows" || property == "bindProgress";
+  return property == "bindText" || property == "bindName" || property == "bindImage" || property == "bindRows" ||
+         property == "bindProgress";
 }
 
 }  // namespace

@@ -51,6 +51,8 @@ AlertAnswer askAlert(const Alert& alert, QWidget* window, const Picture& picture
   box.setObjectName("alert");
   box.setWindowTitle(window != nullptr ? window->windowTitle() : toQt(alert.title));
   box.setWindowModality(window != nullptr ? Qt::WindowModal : Qt::ApplicationModal);
+  box.setAccessibleName(toQt(alert.title));
+  box.setAccessibleDescription(toQt(alert.message));
   box.setTextFormat(Qt::PlainText);
   box.setText(toQt(alert.title));
   box.setInformativeText(toQt(alert.message));
@@ -79,6 +81,7 @@ AlertAnswer askAlert(const Alert& alert, QWidget* window, const Picture& picture
   box.setEscapeButton(refuse != nullptr ? refuse : accept);
   makeWide(box);
   box.exec();
+  if (window != nullptr) window->activateWindow();  // not every desktop gives it the keyboard back
   const bool isAccepted = box.clickedButton() == accept && !box.wasDismissed();
   return isAccepted ? AlertAnswer::defaultButton : AlertAnswer::alternateButton;
 }

@@ -10,6 +10,7 @@
 #include <QWidget>
 #include <utility>
 
+#include "platform/window/qt/QtAccessible.h"
 #include "platform/window/qt/QtControls.h"
 #include "platform/window/qt/QtText.h"
 
@@ -113,6 +114,7 @@ void QtBindings::connectRows(QObject& control, Bindings::Index index) {
   auto* const list = qobject_cast<QListWidget*>(&control);
   connect(list, &QListWidget::itemChanged, this, [this, index, list](const QListWidgetItem* item) {
     bindings_.setTicked(index, static_cast<std::size_t>(list->row(item)), item->checkState() == Qt::Checked);
+    announceTick(*list, list->row(item));
     // The list is in the middle of telling; what the owner made of the tick is shown afterwards.
     QMetaObject::invokeMethod(
         this, [this, index] { bindings_.show(index); }, Qt::QueuedConnection);

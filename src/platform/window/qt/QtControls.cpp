@@ -10,12 +10,14 @@
 #include <QPalette>
 #include <QProgressBar>
 #include <QTextEdit>
+#include <QTimer>
 #include <QWidget>
 #include <algorithm>
 #include <cmath>
 #include <functional>
 #include <optional>
 
+#include "platform/window/RareAnnouncements.h"
 #include "platform/window/Typography.h"
 #include "platform/window/qt/QtPicture.h"
 #include "platform/window/qt/QtRichText.h"
@@ -97,16 +99,24 @@ ShowValue showInTextEdit(QTextEdit& edit) {
 }
 
 /// Keeps a text on one line and inside its label, by leaving out the middle; all of it is in the label's tool tip, and
-/// told to who does not see the screen.
+/// told to who does not see the screen, now and then when it goes on changing.
 class Eliding : public QObject {
  public:
-  explicit Eliding(QLabel& label) : QObject(&label), label_(label) { label.installEventFilter(this); }
+  explicit Eliding(QLabel& label) : QObject(&label), label_(label) {
+    label.installEventFilter(this);
+    later_.setSingleShot(true);
+    connect(&later_, &QTimer::timeout, this, [this] { label_.setAccessibleName(text_); });
+  }
 
   void show(const QString& text) {
     text_ = text;
     label_.setToolTip(text);
-    label_.setAccessibleName(text);
     fit();
+    if (!later_.isActive() && named_.tells(std::chrono::steady_clock::now())) {
+      label_.setAccessibleName(text);
+    } else if (!later_.isActive()) {
+      later_.start(RareAnnouncements::interval);
+    }
   }
 
  private:
@@ -118,6 +128,8 @@ class Eliding : public QObject {
 
   QLabel& label_;
   QString text_;
+  RareAnnouncements named_;
+  QTimer later_;  ///< until the name catches up with the text
 };
 
 ShowValue showInLabel(QLabel& label) {
@@ -140,7 +152,12 @@ ShowValue showText(QObject& control) {
     return showCaption(*button, &QAbstractButton::setText);
   }
   if (auto* const action = qobject_cast<QAction*>(&control)) return showCaption(*action, &QAction::setText);
-  if (auto* const menu = qobject_cast<QMenu*>(&control)) return showCaption(*menu, &QMenu::setTitle);
+  if (auto* const menu = qobject_cast<QMenu*>(&control)) {
+    return showPlain(*menu, [](QMenu& shown, const QString& title) {
+      const bool hasLetter = !title.isEmpty() && title.front().isLetter();  // which opens it, together with Alt
+      shown.setTitle((hasLetter ? "&" : "") + caption(title));
+    });
+  }
   if (auto* const box = qobject_cast<QGroupBox*>(&control)) return showCaption(*box, &QGroupBox::setTitle);
   return {};
 }

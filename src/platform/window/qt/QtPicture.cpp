@@ -11,6 +11,8 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/window/qt/QtText.h"
+
 namespace {
 
 constexpr std::size_t largestFile = std::size_t{32} << 20U;
@@ -87,7 +89,7 @@ QPixmap QtPicture::fitted(const QSize& size, qreal pixelRatio) const {
   return pixmap;
 }
 
-Picture readPicture(const FileSystem& files, const std::string& path) {
+Picture readPicture(const FileSystem& files, const std::string& path, const std::string& meaning) {
   const auto bytes = files.readFile(path, largestFile);
   const char* const format = bytes ? formatOf(*bytes) : nullptr;
   if (format == nullptr) return nullptr;
@@ -99,7 +101,7 @@ Picture readPicture(const FileSystem& files, const std::string& path) {
   QImage largest = handler != nullptr ? readLargest(*handler) : QImageReader(&buffer, format).read();
   if (largest.isNull()) return nullptr;
   largest.convertTo(QImage::Format_ARGB32);  // one of few colours would stay so when it is scaled
-  return std::make_shared<QtPicture>(std::move(largest));
+  return std::make_shared<QtPicture>(std::move(largest), meaning);
 }
 
 void showPicture(QLabel& label, const Picture& picture) {
@@ -108,5 +110,7 @@ void showPicture(QLabel& label, const Picture& picture) {
     fitting = new Fitting(label);
     fitting->setObjectName("pictureFitting");
   }
+  const auto* const shown = dynamic_cast<const QtPicture*>(picture.get());
+  if (shown != nullptr && !shown->meaning().empty()) label.setAccessibleName(toQt(shown->meaning()));
   fitting->show(picture);
 }

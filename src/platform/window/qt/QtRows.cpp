@@ -6,6 +6,7 @@
 #include <QStyledItemDelegate>
 #include <utility>
 
+#include "platform/window/qt/QtAccessible.h"
 #include "platform/window/qt/QtControls.h"
 #include "platform/window/qt/QtPicture.h"
 #include "platform/window/qt/QtText.h"
@@ -115,6 +116,7 @@ ShowValue makeRowsBinding(QObject& control, std::function<Picture()> genericPict
       const bool isTicked = item.checkState() == Qt::Checked;
       if (isNew || !isSameRow(shown[i], (*rows)[i]) || isTicked != (*rows)[i].isTicked) {
         fill(item, (*rows)[i], genericPicture, list->devicePixelRatioF());
+        if (!isNew && isTicked != (*rows)[i].isTicked) announceTick(*list, static_cast<int>(i));
       }
       shown[i] = (*rows)[i];
     }

@@ -120,10 +120,11 @@ Result<std::unique_ptr<Interface>> QtToolkit::loadInterface(const std::string& n
 Picture QtToolkit::imageNamed(const std::string& name) {
   const auto known = pictures_.find(name);
   if (known != pictures_.end()) return known->second;
+  const std::string meaning = services_.bundles.mainBundle().localizedString("picture_" + name);
   Picture picture;
   for (const char* const type : {"icns", "tiff", "png"}) {
     const auto path = services_.bundles.mainBundle().pathForResource(name, type);
-    if (picture == nullptr && path) picture = readPicture(services_.files, *path);
+    if (picture == nullptr && path) picture = readPicture(services_.files, *path, meaning);
   }
   return pictures_[name] = picture;
 }

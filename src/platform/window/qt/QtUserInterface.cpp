@@ -4,6 +4,7 @@
 
 #include "foundation/Value.h"
 #include "platform/window/qt/Display.h"
+#include "platform/window/qt/QtAccessible.h"
 #include "platform/window/qt/QtPalette.h"
 #include "platform/window/qt/QtStyle.h"
 #include "platform/window/qt/QtText.h"
@@ -24,6 +25,7 @@ std::unique_ptr<QtUserInterface> QtUserInterface::make(const WindowServices& ser
 
 QtUserInterface::QtUserInterface(const WindowServices& services) : messages_(services.log) {
   application_.installEventFilter(&inputGuard_);
+  prepareAccessibility();
   QApplication::setQuitOnLastWindowClosed(false);  // the delegate is asked
   const Appearance appearance = wantedAppearance(QApplication::palette());
   QApplication::setStyle(new QtStyle);

@@ -3,6 +3,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QListWidget>
+#include <algorithm>
 #include <utility>
 
 #include "platform/window/qt/QtPicture.h"
@@ -33,6 +34,9 @@ class LabelView : public QtView, public virtual TextField, public virtual ImageV
     widget()->setFont(font);
     widget()->setForegroundRole(colour == TextColour::black ? QPalette::WindowText : QPalette::PlaceholderText);
   }
+  void setDescription(const std::string& description) override {
+    if (widget() != nullptr) widget()->setAccessibleDescription(toQt(description));
+  }
   void setImage(const Picture& image) override {
     if (auto* const label = qobject_cast<QLabel*>(widget())) showPicture(*label, image);
   }
@@ -61,6 +65,13 @@ bool isHiddenOnPurpose(const QWidget& widget) {
 
 bool takesKeyboard(const QWidget& widget) {
   return (widget.focusPolicy() & Qt::TabFocus) != 0 && widget.isEnabled() && widget.isVisibleTo(widget.window());
+}
+
+/// The order of widgets in their parent is that in which a screen reader meets them. None of them lies on another.
+void orderFromTheTop(QWidget& container) {
+  auto children = container.findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+  std::ranges::stable_sort(children, {}, [](const QWidget* child) { return child->y(); });
+  for (QWidget* const child : children) child->raise();
 }
 
 /// The first of the view's controls in the order of the tabulator key; null when there is none.
@@ -119,6 +130,7 @@ void QtView::addSubview(const std::shared_ptr<View>& view) {
   }
   child->setVisible(!isHidden);
   child->raise();
+  if (widget_->layout() == nullptr) orderFromTheTop(*widget_);
 }
 
 std::shared_ptr<View> QtView::superview() const {

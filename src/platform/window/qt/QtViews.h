@@ -20,7 +20,8 @@ class QtView : public virtual View {
   void setHidden(bool hidden) override;
   [[nodiscard]] Rect frame() const override;
   void setFrame(const Rect& frame) override;
-  /// In a container with a layout the view fills the container; in one without it keeps its frame.
+  /// In a container with a layout the view fills the container; in one without it keeps its frame, and a screen reader
+  /// meets what is in it from the top down.
   void addSubview(const std::shared_ptr<View>& view) override;
   [[nodiscard]] std::shared_ptr<View> superview() const override;
 

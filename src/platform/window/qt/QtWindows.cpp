@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QScreen>
 #include <utility>
@@ -36,6 +37,14 @@ bool pressDefaultButton(const QWidget& window) {
     return true;
   }
   return false;
+}
+
+bool openMenus(const QWidget& window) {
+  auto* const bar = window.findChild<QMenuBar*>();
+  if (bar == nullptr || bar->actions().isEmpty()) return false;
+  bar->setFocus(Qt::MenuBarFocusReason);
+  bar->setActiveAction(bar->actions().front());
+  return true;
 }
 
 }  // namespace
@@ -87,6 +96,7 @@ bool QtWindows::eventFilter(QObject* watched, QEvent* event) {
     const auto& key = static_cast<const QKeyEvent&>(*event);
     const bool isReturn = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
     if (isReturn && pressDefaultButton(*window)) return true;
+    if (key.key() == Qt::Key_F10 && openMenus(*window)) return true;
   } else if (event->type() == QEvent::Close) {
     if (asks_ && delegate_ != nullptr && !delegate_->windowShouldClose()) {
       event->ignore();
