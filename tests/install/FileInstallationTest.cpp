@@ -132,7 +132,8 @@ TEST_F(FileInstallationTest, ReportsEachFileThatFailsAndGoesOn) {
   EXPECT_EQ(log_.count("Could not install file: /T/a"), 1);
   EXPECT_EQ(log_.count("Took a delay to verify file late"), 1);
   const Alert& alert = machine_.toolkit.alerts[0];
-  EXPECT_EQ(alert.title + alert.message + alert.defaultButton + alert.alternateButton.value_or(""), "Title<|/T/a>Go on");
+  EXPECT_EQ(alert.title + alert.message + alert.defaultButton + alert.alternateButton.value_or(""),
+            "Title<|/T/a>Go on");
 }
 
 TEST_F(FileInstallationTest, ChangesNothingWithoutRights) {
