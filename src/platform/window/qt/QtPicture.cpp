@@ -11,6 +11,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/window/qt/PlainTiff.h"
 #include "platform/window/qt/QtText.h"
 
 namespace {
@@ -93,6 +94,10 @@ Picture readPicture(const FileSystem& files, const std::string& path, const std:
   const auto bytes = files.readFile(path, largestFile);
   const char* const format = bytes ? formatOf(*bytes) : nullptr;
   if (format == nullptr) return nullptr;
+  if (QImage plain = readPlainTiff(*bytes); !plain.isNull()) {
+    plain.convertTo(QImage::Format_ARGB32);
+    return std::make_shared<QtPicture>(std::move(plain), meaning);
+  }
   QByteArray data = QByteArray::fromRawData(bytes->data(), static_cast<qsizetype>(bytes->size()));
   QBuffer buffer(&data);
   if (!buffer.open(QIODevice::ReadOnly)) return nullptr;

@@ -7,6 +7,7 @@
 #include <QTextBlock>
 #include <QTextDocument>
 
+#include "platform/window/qt/PlainTiff.h"
 #include "platform/window/qt/QtPalette.h"
 #include "platform/window/qt/QtPicture.h"
 #include "platform/window/qt/QtRichText.h"
@@ -91,6 +92,19 @@ TEST_F(ToolkitTest, PicturesAreSharpAndDamagedOnesAreNone) {
     EXPECT_EQ(toolkit().imageNamed(name), nullptr) << name;
   writeFile(machine_.onVolume("/icon.png"), "no picture");
   EXPECT_EQ(toolkit().imageWithContentsOfFile("/icon.png"), nullptr);
+}
+
+TEST_F(ToolkitTest, PlainPicturesAreReadWithoutAPlugIn) {
+  QImage image(20, 10, QImage::Format_ARGB32);
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) image.setPixel(x, y, qRgba(x * 12, y * 20, 200, 128 + x));
+  }
+  picture("plain.tiff", image, "tiff");
+  const std::string whole = readFile(machine_.inBundle("Resources/plain.tiff"));
+  EXPECT_EQ(readPlainTiff(whole).convertToFormat(QImage::Format_ARGB32), image);
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    EXPECT_TRUE(readPlainTiff(whole.substr(0, length)).isNull()) << length;
+  }
 }
 
 TEST_F(ToolkitTest, AlertsGiveTheDefaultAnswerForItsButtonAlone) {
