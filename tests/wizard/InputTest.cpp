@@ -39,7 +39,7 @@ TEST_F(WizardTest, HeldKeysAndDoubleClicksPressNothingTwice) {
       QTest::keyClick(&alert, Qt::Key_Escape);
     });
     key(Qt::Key_Return);
-    EXPECT_EQ(page(), "Licence Agreement [Quit|Continue]");
+    EXPECT_EQ(page(), "License Agreement [Quit|Continue]");
     agreeToLicence();
     waitForPage("foundHostsController");
     for (const char* const control : {"foundHostsController", "forwardButton"}) {

@@ -111,7 +111,7 @@ class Wizard:
                                         stderr=subprocess.DEVNULL)
 
     def __enter__(self):
-        wait("the window", lambda: self.find("heading", "Licence Agreement"))
+        wait("the window", lambda: self.find("heading", "License Agreement"))
         return self
 
     def __exit__(self, *problem):
@@ -149,7 +149,7 @@ class Wizard:
 
     def agree(self):
         self.press("Continue")
-        wait("the question", lambda: self.find("alert", "Do you agree to the terms of the licence?"))
+        wait("the question", lambda: self.find("alert", "Do you agree to the terms of the license?"))
         self.answer("Agree")
         self.heading("Choose Applications")
 
@@ -178,13 +178,13 @@ def every_control_has_a_name_and_a_role(wizard):
 
 def install():
     with Wizard() as wizard:
-        assert wizard.steps() == [("Licence", "Current step"), ("Applications", "Still to come"),
+        assert wizard.steps() == [("License", "Current step"), ("Applications", "Still to come"),
                                   ("Preparation", "Still to come"), ("Installation", "Still to come"),
                                   ("Summary", "Still to come")], wizard.steps()
         every_control_has_a_name_and_a_role(wizard)
         wizard.press("Continue")
         wizard.answer("Disagree")
-        wizard.heading("Licence Agreement")
+        wizard.heading("License Agreement")
         wizard.agree()
         every_control_has_a_name_and_a_role(wizard)
         assert wizard.steps()[0][1] == "Done" and wizard.steps()[1][1] == "Current step", wizard.steps()
@@ -241,7 +241,7 @@ def choose_a_folder():
         wizard.press("Installer", role="menu item")
         wizard.press("Allow Installing into Another Folder", role="menu item")
         wizard.press("Custom…")
-        wizard.press("Browse…")
+        wizard.press("Choose…")
         path = wait("the path", lambda: wizard.find("text", "Path of the folder"))
         path.queryEditableText().setTextContents("/Users/Shared")
         wizard.press("Choose")

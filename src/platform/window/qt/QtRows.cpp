@@ -37,18 +37,19 @@ class RowDelegate : public QStyledItemDelegate {
     painter->setPen(row.palette.color(QPalette::Text));
     painter->setFont(row.font);
     const QFontMetrics metrics(row.font);
+    const int side = static_cast<int>(QStyle::visualAlignment(row.direction, Qt::AlignLeft)) | Qt::AlignAbsolute;
     if (detail.isEmpty()) {
-      painter->drawText(place, Qt::AlignVCenter, metrics.elidedText(text, Qt::ElideMiddle, place.width()));
+      painter->drawText(place, Qt::AlignVCenter | side, metrics.elidedText(text, Qt::ElideMiddle, place.width()));
     } else {
       QFont small = row.font;
       small.setPixelSize(11);
       const QFontMetrics smallMetrics(small);
       place.setTop(place.top() + (place.height() - metrics.height() - smallMetrics.height()) / 2);
-      painter->drawText(place, Qt::AlignTop, metrics.elidedText(text, Qt::ElideMiddle, place.width()));
+      painter->drawText(place, Qt::AlignTop | side, metrics.elidedText(text, Qt::ElideMiddle, place.width()));
       place.setTop(place.top() + metrics.height());
       painter->setFont(small);
       painter->setPen(row.palette.color(QPalette::PlaceholderText));
-      painter->drawText(place, Qt::AlignTop, smallMetrics.elidedText(detail, Qt::ElideMiddle, place.width()));
+      painter->drawText(place, Qt::AlignTop | side, smallMetrics.elidedText(detail, Qt::ElideMiddle, place.width()));
     }
     painter->restore();
   }

@@ -165,6 +165,7 @@ void drawProgress(QPainter& painter, const QStyleOptionProgressBar& bar) {
   const double share = (bar.progress - bar.minimum) / range;
   QRectF done = track;
   done.setWidth(std::max(6.0, track.width() * share));
+  if (bar.direction == Qt::RightToLeft) done.moveRight(track.right());
   painter.setBrush(bar.palette.color(QPalette::Highlight));
   painter.drawRoundedRect(done, 3, 3);
 }

@@ -64,6 +64,17 @@ std::unique_ptr<QUiLoader> makeLoader() {
   return loader;
 }
 
+/// Where a language is read from the right, layouts mirror what is in them; this does the same for fixed places.
+void mirrorPlaces(const QWidget& top) {
+  for (QWidget* const widget : top.findChildren<QWidget*>()) {
+    const QWidget* const parent = widget->parentWidget();
+    const bool isPlain = parent != nullptr && parent->metaObject() == &QWidget::staticMetaObject;
+    if (!isPlain || parent->layout() != nullptr || widget->isWindow()) continue;
+    const int width = std::max(parent->minimumWidth(), parent->width());
+    widget->move(width - widget->x() - widget->width(), widget->y());
+  }
+}
+
 Error unusable(const std::string& name, const std::string& why) {
   Error error = Error::posix(std::errc::invalid_argument, name);
   error.userInfo[std::string(Error::localizedDescriptionKey)] = formatted("Interface %@: %@", name, why);
@@ -72,7 +83,10 @@ Error unusable(const std::string& name, const std::string& why) {
 
 }  // namespace
 
-QtToolkit::QtToolkit(const WindowServices& services) : services_(services) {}
+QtToolkit::QtToolkit(const WindowServices& services) : services_(services) {
+  const bool isMirrored = services.bundles.mainBundle().localizedString("layout_direction") == "rightToLeft";
+  QApplication::setLayoutDirection(isMirrored ? Qt::RightToLeft : Qt::LeftToRight);
+}
 
 QtToolkit::~QtToolkit() = default;
 
@@ -104,6 +118,7 @@ Result<std::unique_ptr<Interface>> QtToolkit::loadInterface(const std::string& n
   if (top == nullptr) return unusable(name, fromQt(loader_->errorString()));
   QWidget& widgets = *top;
   finish(widgets);
+  if (QApplication::isRightToLeft()) mirrorPlaces(widgets);
   auto made = std::make_unique<QtInterface>(std::move(top), views_, windows_);
   made->connectTo(owner,
                   {.interfaceName = name,

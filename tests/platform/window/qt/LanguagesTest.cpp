@@ -8,7 +8,17 @@
 
 namespace {
 
-const std::vector<std::string> translations = {"de", "fr", "es", "ja", "zh-Hans"};
+/// The languages of the bundle but English.
+std::vector<std::string> languagesOfBundle() {
+  std::vector<std::string> languages;
+  for (const auto& folder : fs::directory_iterator(INSTALLER_BUNDLE "/Contents/Resources")) {
+    const fs::path name = folder.path().filename();
+    if (name.extension() == ".lproj" && name != "en.lproj") languages.push_back(name.stem().string());
+  }
+  return languages;
+}
+
+const std::vector<std::string> translations = languagesOfBundle();
 
 fs::path inLanguage(const std::string& language, const std::string& file) {
   return fs::path(INSTALLER_BUNDLE "/Contents/Resources") / (language + ".lproj") / file;
@@ -32,6 +42,7 @@ std::multiset<std::string> placeholders(const std::string& text) {
 TEST(LanguagesTest, EveryTableHasTheKeysAndPlaceholdersOfTheEnglishOne) {
   const auto english = table("en");
   ASSERT_GT(english.size(), 50U);
+  ASSERT_GE(translations.size(), 16U);
   for (const std::string& language : translations) {
     const auto texts = table(language);
     EXPECT_EQ(texts.size(), english.size()) << language;
