@@ -7,6 +7,7 @@
 #include "foundation/Format.h"
 #include "foundation/Path.h"
 #include "install/DestinationFolders.h"
+#include "install/InstallTexts.h"
 #include "install/UpgradeRules.h"
 #include "install/tasks/AnalyticsIdentifier.h"
 #include "install/tasks/ApplicationRegistration.h"
@@ -85,11 +86,14 @@ void InstallFilesController::noteUnreadable() {
 
 void InstallFilesController::begin() {
   setInstallComplete(false);
+  report_ = {};  // the log tells of this install alone
+  isStopWanted_ = false;
   setInProgress(true);
   tools_.clearDenied();
   fileOpErrorOccurred_ = installComplete_ = false;
-  report_ = {};  // the log tells of this install alone
   shownProgress_ = 0;
+  progress_ = {};
+  pace_.begin(std::chrono::steady_clock::now());
 }
 
 void InstallFilesController::run(const InstallPlan& plan) {
@@ -108,12 +112,13 @@ bool InstallFilesController::lockVolume() {
         "waiting_for_installer", "Waiting for another installer to finish…", "Localizable");
     if (!std::exchange(isShown, true)) platform_.log.write(text);
     setUIText(text);
-    return !platform_.interruptions.requested();
+    return !platform_.interruptions.requested() && !isStopWanted_;
   };
   const Status locked = tools_.lockVolume(waiting);
   if (locked) return true;
-  if (const auto signal = platform_.interruptions.requested()) {
-    report_.interruption = {*signal, Interruption::Moment::beforeChanges};
+  const auto signal = platform_.interruptions.requested();
+  if (signal || isStopWanted_) {
+    report_.interruption = {signal.value_or(0), Interruption::Moment::beforeChanges};
   } else {
     itemFailed(locked.error().subject, locked.error());
   }
@@ -137,7 +142,7 @@ void InstallFilesController::noteShortage() {
   const std::string text = shortageText(platform_, *report_.shortage);
   platform_.log.write(text);
   setUIText(text);
-  platform_.toolkit.runAlertPanel(fileErrorAlert(platform_, text));
+  ask(fileErrorAlert(platform_, text));
 }
 
 // What is shown meanwhile.
@@ -154,14 +159,38 @@ void InstallFilesController::itemFailed(const std::string& path, const Error& re
   report_.failures.push_back({path, reason});
   fileOpErrorOccurred_ = true;
   platform_.log.write(formatted("Could not install file: %@", path));
-  platform_.toolkit.runAlertPanel(fileErrorAlert(platform_, "", path));
+  ask(fileErrorAlert(platform_, "", path));
 }
 
 void InstallFilesController::progressed(const InstallProgress& progress) {
   if (mainController_ == nullptr) return;
-  announce({"installProgress"}, [&] { shownProgress_ = std::max(shownProgress_, progress.fraction()); });
+  announce({"installProgress", "installStatus"}, [&] {
+    shownProgress_ = std::max(shownProgress_, progress.fraction());
+    progress_ = progress;
+    pace_.note(shownProgress_, std::chrono::steady_clock::now());
+  });
   platform_.runLoop.runUntilDate(RunLoop::Clock::now());
 }
+
+AlertAnswer InstallFilesController::ask(const Alert& alert) {
+  ++alerts_;
+  const AlertAnswer answer = platform_.toolkit.runAlertPanel(alert);
+  --alerts_;
+  return answer;
+}
+
+bool InstallFilesController::askToStop() {
+  if (!copyInProgress_ || isStopWanted_) return isStopWanted_;
+  if (alerts_ > 0 || !installedPaths().empty()) return false;
+  const Alert question{.title = localized("stop_title"),
+                       .message = localized("stop_text"),
+                       .defaultButton = localized("install_error_stop"),
+                       .alternateButton = localized("install_error_proceed")};
+  isStopWanted_ = ask(question) == AlertAnswer::defaultButton;
+  return isStopWanted_;
+}
+
+std::string InstallFilesController::statusText() const { return progressText(platform_, progress_, pace_.remaining()); }
 
 void InstallFilesController::setInProgress(bool inProgress) {
   announce({"enableForward", "enableBackward", "canProceed", "copyInProgress"}, [&] { copyInProgress_ = inProgress; });

@@ -13,7 +13,9 @@
 #include "foundation/Value.h"
 #include "hosts/HostModel.h"
 #include "install/InstallFilesModel.h"
+#include "install/InstallPace.h"
 #include "install/InstallPlanner.h"
+#include "install/InstallProgress.h"
 #include "install/InstallReport.h"
 #include "install/ItemInstaller.h"
 #include "install/PrivilegedTools.h"
@@ -39,6 +41,13 @@ class InstallFilesController : public SetupStepController, private InstallListen
 
   /// How much of the install that the page shows is done, from 0 to 1; never less than it was since the start.
   [[nodiscard]] double progress() const { return shownProgress_; }
+
+  /// How far it has come, in words: megabytes, and the time that is left.
+  [[nodiscard]] std::string statusText() const;
+
+  /// Asks the person whether to stop an install that is under way. True when it stops, without having changed anything;
+  /// false when the person wants to go on, when another question is open, or when there are changes already.
+  [[nodiscard]] bool askToStop();
 
   /// Runs the whole install. What went wrong shows in authDenied(), fileOpErrorOccurred() and the report.
   void install(const HostList& hosts, bool shouldConfigureLumatraExternalEditors);
@@ -104,11 +113,13 @@ class InstallFilesController : public SetupStepController, private InstallListen
   void itemFailed(const std::string& path, const Error& reason) override;
   void progressed(const InstallProgress& progress) override;
   [[nodiscard]] bool hasFailed() const override { return fileOpErrorOccurred_; }
+  [[nodiscard]] bool wantsToStop() const override { return isStopWanted_; }
 
   void run(const InstallPlan& plan);
   void begin();
   [[nodiscard]] bool lockVolume();
   void registerApplications(const InstallPlan& plan);
+  AlertAnswer ask(const Alert& alert);
   void noteShortage();
   void noteUnreadable();
   [[nodiscard]] HostList selectedHosts() const;
@@ -127,4 +138,8 @@ class InstallFilesController : public SetupStepController, private InstallListen
   InstallReport report_;
   ItemInstaller installer_;
   double shownProgress_ = 0;
+  InstallProgress progress_;
+  InstallPace pace_;
+  bool isStopWanted_ = false;
+  int alerts_ = 0;  ///< that are open
 };

@@ -6,3 +6,10 @@
 std::size_t InstallReport::placeCount() const {
   return std::set<std::string_view>(installedPaths.begin(), installedPaths.end()).size();
 }
+
+std::string InstallReport::folderOfHost(std::size_t host) const {
+  for (std::size_t i = 0; i < installedPaths.size() && i < hostsOfPaths.size(); ++i) {
+    if (hostsOfPaths[i] == host + 1) return installedPaths[i].substr(0, installedPaths[i].rfind('/'));
+  }
+  return {};
+}

@@ -27,7 +27,7 @@ struct Interruption {
     betweenItems,   ///< items were installed one at a time, and some are in place
     tooLate,        ///< the install was completed
   };
-  int signal = 0;
+  int signal = 0;  ///< 0: the person stopped the install
   Moment moment = Moment::beforeChanges;
 };
 
@@ -49,4 +49,6 @@ struct InstallReport {
   }
   /// Paths that were installed, each counted once.
   [[nodiscard]] std::size_t placeCount() const;
+  /// The folder of the first item that was installed for the host at this position; empty when none was.
+  [[nodiscard]] std::string folderOfHost(std::size_t host) const;
 };

@@ -114,10 +114,11 @@ void ItemInstaller::failAll(std::span<const Member> members, const Error& reason
 
 bool ItemInstaller::isInterrupted() {
   using Moment = Interruption::Moment;
-  const auto signal = platform_.interruptions.requested();
+  if (!isStopWanted()) return false;
   const Moment moment = report_.installedPaths.empty() ? Moment::beforeChanges : Moment::betweenItems;
-  if (signal && !report_.interruption) report_.interruption = {*signal, moment};
-  return signal.has_value();
+  const int signal = platform_.interruptions.requested().value_or(0);
+  if (!report_.interruption) report_.interruption = {signal, moment};
+  return true;
 }
 
 void ItemInstaller::discard() {

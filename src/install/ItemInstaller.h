@@ -28,6 +28,8 @@ class InstallListener {
   virtual void progressed(const InstallProgress& progress) = 0;
   /// Whether a failure has come up that keeps the next group from being installed.
   [[nodiscard]] virtual bool hasFailed() const = 0;
+  /// Whether the person wants the install to stop, as long as nothing has changed.
+  [[nodiscard]] virtual bool wantsToStop() const = 0;
 };
 
 /// Carries out a plan: stages all items, flushes, and gives them their places in one go; or one item after the other,
@@ -78,6 +80,8 @@ class ItemInstaller {
   /// The same failure keeps all of these from being installed: tells of the first, and adds the others to the report.
   void failAll(std::span<const Member> members, const Error& reason);
   /// Whether the program is asked to end, which cuts the install short.
+  [[nodiscard]] bool isStopWanted() const { return platform_.interruptions.requested() || listener_.wantsToStop(); }
+  /// The same; the report then tells of it.
   [[nodiscard]] bool isInterrupted();
   [[nodiscard]] Status flush();
 

@@ -60,7 +60,7 @@ class ItemInstaller::Observer : public TransactionObserver {
   bool whileBusy(const CopiedAmount& copied) override {
     installer_.progress_.copied = copied;
     installer_.listener_.progressed(installer_.progress_);
-    return !installer_.platform_.interruptions.requested();
+    return !installer_.isStopWanted();
   }
 
   /// The items whose turn has not ended.

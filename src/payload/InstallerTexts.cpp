@@ -1,5 +1,7 @@
 #include "payload/InstallerTexts.h"
 
+#include <string_view>
+
 namespace {
 
 std::string installerText(const Platform& platform, const char* key) {
@@ -20,3 +22,10 @@ std::string productName(const Platform& platform) { return fileName(platform, "p
 std::string productPreferencesDomain(const Platform& platform) { return installerText(platform, "app_plist"); }
 std::string shownCompanyName(const Platform& platform) { return installerText(platform, "company_name"); }
 std::string shownProductName(const Platform& platform) { return installerText(platform, "product_name"); }
+
+std::string shownInText(const Platform& platform, const std::string& path) {
+  constexpr std::string_view fromTheLeft = "\u2066";
+  constexpr std::string_view end = "\u2069";
+  const bool isMirrored = platform.bundles.mainBundle().localizedString("layout_direction") == "rightToLeft";
+  return isMirrored && !path.empty() ? std::string(fromTheLeft) + path + std::string(end) : path;
+}

@@ -15,5 +15,8 @@
 [[nodiscard]] std::string shownCompanyName(const Platform& platform);
 [[nodiscard]] std::string shownProductName(const Platform& platform);
 
+/// The path so that it reads from the left among texts of a language that is read from the right.
+[[nodiscard]] std::string shownInText(const Platform& platform, const std::string& path);
+
 /// Preferences domain of the installed product.
 [[nodiscard]] std::string productPreferencesDomain(const Platform& platform);

@@ -50,6 +50,10 @@ class Workspace {
   /// Shows the address in the person's browser. Failing to is not reported.
   virtual void openUrl(const std::string& url) = 0;
 
+  /// Shows the file or folder at the path of the target volume in the application that the person has for it. Failing
+  /// to is not reported.
+  virtual void openItem(const std::string& path) = 0;
+
   /// Path of the picture that the system shows for the file or bundle at the path; empty when it has none of its own.
   [[nodiscard]] virtual std::string iconFile(const std::string& path) const = 0;
 };

@@ -18,6 +18,10 @@ constexpr std::string_view buildLocaleTag = "";
 constexpr std::array<std::string_view, 5> keysOfAStep = {"enableForward", "enableBackward", "mainLabelText",
                                                          "informativeText", "successfulInstall"};
 
+/// What besides depends on the hosts that are selected, or on the last install.
+constexpr std::array<std::string_view, 5> keysOfAnInstall = {"planText", "resultText", "canInstallAgain", "hasLog",
+                                                             "hasFolder"};
+
 /// Counts a transition for as long as it lasts.
 class Transition {
  public:
@@ -43,7 +47,8 @@ SetupController::SetupController(Platform& platform)
       licenseController_(std::make_shared<LicenseController>(platform)),
       installFilesModel_(std::make_shared<InstallFilesModel>(platform)),
       installFilesController_(std::make_shared<InstallFilesController>(platform)),
-      hostsModel_(std::make_shared<HostsModel>(platform)) {
+      hostsModel_(std::make_shared<HostsModel>(platform)),
+      preview_(platform) {
   viewModel_.setStateController(stateController_);
   static_cast<void>(SupportLevel(platform.processor));  // every processor will do; a maker may ask for more here
   setCanConfigureLumatraExternalEditors(false);
@@ -91,6 +96,7 @@ void SetupController::awakeFromInterface() {
     willChangeValueForKey(key);
     didChangeValueForKey(key);
   }
+  interruption_ = platform_.interruptions.observe([this] { endWasRequested(); });
   platform_.toolkit.setApplicationDelegate(this);
   mainWindow_->centre();
 }
@@ -180,6 +186,11 @@ void SetupController::stateDidChange(const Notification& notification) {
   setGoBackwardsText(viewModel_.goBackwardsText());
   setGoForwardText(viewModel_.goForwardText());
   for (const std::string_view key : keysOfAStep) didChangeValueForKey(key);
+  for (const std::string_view key : keysOfAnInstall) {
+    willChangeValueForKey(key);
+    didChangeValueForKey(key);
+  }
+  if (closesAfterInstall_ && transitions_ == 0) closeWindow();
 }
 
 void SetupController::leaveAndEnter(std::int32_t oldState, std::int32_t newState) {
@@ -189,6 +200,12 @@ void SetupController::leaveAndEnter(std::int32_t oldState, std::int32_t newState
     if (step.indicator == nullptr) continue;
     const char* const key = number < newState ? "step_done" : number == newState ? "step_current" : "step_upcoming";
     step.indicator->setDescription(localized(key));
+  }
+  if (newState == step::installation) servedHosts_ = selectedHosts();
+  if (newState == step::hosts && oldState > newState) {
+    willChangeValueForKey("foundHosts");  // versions may be others now
+    preview_.forget();
+    didChangeValueForKey("foundHosts");
   }
   const std::int32_t delta = newState - oldState;
   if (const auto left = getControllerForStep(oldState)) attempt([&] { left->didProceed(delta); });
@@ -202,6 +219,25 @@ void SetupController::attempt(const std::function<void()>& what) const {
     what();
   } catch (const std::exception& exception) {
     platform_.log.write(formatted("%@", exception.what()));
+  }
+}
+
+void SetupController::installAgain() {
+  if (!canInstallAgain()) return;
+  stateController_->retreatStateWithStepController(currentController(), this);
+}
+
+bool SetupController::windowShouldClose() {
+  if (!copyInProgress()) return true;
+  if (installFilesController_->askToStop()) closesAfterInstall_ = true;
+  return false;
+}
+
+void SetupController::endWasRequested() {
+  if (copyInProgress()) {
+    closesAfterInstall_ = true;  // the install ends by itself, as soon as it can
+  } else {
+    closeWindow();
   }
 }
 

@@ -14,6 +14,7 @@
 #include "install/InstallFilesController.h"
 #include "platform/Platform.h"
 #include "shell/InstallStateController.h"
+#include "shell/PlanPreview.h"
 #include "shell/SetupViewModel.h"
 #include "shell/StepIndicator.h"
 #include "steps/ApertureRunController.h"
@@ -55,6 +56,11 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   void previousView(const std::string& sender);
   void subViewButtonPress(const std::string& sender);
   void customInstallMenu() { setIsCustomInstallAllowed(true); }
+  /// From the last page back to the choice of hosts, for another try.
+  void installAgain();
+  void showLog();
+  /// Shows the folder of the first host that was served.
+  void showFolder();
   /// Does nothing; interface descriptions of makers may send it.
   void initialView() {}
 
@@ -74,7 +80,16 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   [[nodiscard]] bool copyInProgress() const;
   /// How much of the install is done, from 0 to 1.
   [[nodiscard]] double installProgress() const;
+  /// How far it has come, in words.
+  [[nodiscard]] std::string installStatus() const { return installFilesController_->statusText(); }
   [[nodiscard]] bool successfulInstall() const override;
+  /// What an install into the selected hosts needs.
+  [[nodiscard]] std::string planText() const;
+  /// The success page or the failure message, with what was installed where, and what failed and why.
+  [[nodiscard]] RichText resultText() const;
+  [[nodiscard]] bool canInstallAgain() const;
+  [[nodiscard]] bool hasLog() const { return installFilesController_->report().isLogWritten; }
+  [[nodiscard]] bool hasFolder() const { return !folderToShow().empty(); }
   [[nodiscard]] std::string windowTitle() const { return productFormat("main_wnd_title_fmt"); }
   [[nodiscard]] std::string aboutMenuText() const { return productFormat("about_menu_fmt"); }
   [[nodiscard]] std::string quitMenuText() const { return productFormat("quit_menu_fmt"); }
@@ -110,8 +125,8 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   [[nodiscard]] bool textShouldChange(std::string_view replacement) override;
 
   // The application.
-  /// Not while files are being installed.
-  [[nodiscard]] bool windowShouldClose() override { return !copyInProgress(); }
+  /// While files are being installed, the person is asked whether to stop; the window closes once that has happened.
+  [[nodiscard]] bool windowShouldClose() override;
   [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const override { return true; }
 
  private:
@@ -130,6 +145,8 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   void stateDidChange(const Notification& notification);
   void leaveAndEnter(std::int32_t oldState, std::int32_t newState);
   void closeWindow();
+  void endWasRequested();
+  [[nodiscard]] std::string folderToShow() const;
   void setFlag(bool& flag, bool value, std::string_view key);
   /// The view of the window with this name; null, and a line of the log, when there is none.
   [[nodiscard]] std::shared_ptr<View> viewNamed(const std::string& name) const;
@@ -178,6 +195,10 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   bool isCustomInstallRecommended_ = true;
 
   int transitions_ = 0;  ///< how many are under way, one inside the other
+  bool closesAfterInstall_ = false;
+  HostList servedHosts_;  ///< of the last install
+  mutable PlanPreview preview_;
   mutable std::map<std::string, Picture> icons_;
   NotificationCenter::Observation observation_;
+  Interruptions::Observation interruption_;
 };

@@ -3,7 +3,9 @@
 
 #include "foundation/Format.h"
 #include "foundation/Path.h"
+#include "install/InstallTexts.h"
 #include "payload/InstallerTexts.h"
+#include "payload/PlugInFilesModel.h"
 #include "platform/OwnerTables.h"
 #include "shell/SetupController.h"
 #include "steps/PageResource.h"
@@ -72,6 +74,37 @@ HostList SetupController::selectedHosts() const { return filteredHosts(foundHost
 
 bool SetupController::copyInProgress() const { return !installFilesController_->enableForward(); }
 
+std::string SetupController::planText() const { return preview_.text(selectedHosts()); }
+
+RichText SetupController::resultText() const {
+  if (stateController_->currentState() != step::completion) return {};
+  const InstallOutcome outcome{.report = installFilesController_->report(),
+                               .hosts = servedHosts_,
+                               .isSuccessful = successfulInstall(),
+                               .isDenied = installFilesController_->authDenied()};
+  return outcomeText(platform_, outcome, registerModel_->informativeText());
+}
+
+bool SetupController::canInstallAgain() const {
+  return stateController_->currentState() == step::completion && !successfulInstall();
+}
+
+std::string SetupController::folderToShow() const {
+  std::string folder;
+  for (std::size_t i = 0; folder.empty() && i < servedHosts_.size(); ++i) {
+    folder = installFilesController_->report().folderOfHost(i);
+  }
+  return folder;
+}
+
+void SetupController::showFolder() {
+  if (hasFolder()) platform_.workspace.openItem(folderToShow());
+}
+
+void SetupController::showLog() {
+  if (hasLog()) platform_.workspace.openItem(PlugInFilesModel(platform_).installerLogPath());
+}
+
 double SetupController::installProgress() const { return installFilesController_->progress(); }
 
 bool SetupController::successfulInstall() const { return installFilesController_->successfulInstall(); }
@@ -126,6 +159,12 @@ struct SetupController::Tables {
       {"foundHosts", read<&Of::hostRows>},
       {"copyInProgress", read<&Of::copyInProgress>},
       {"installProgress", read<&Of::installProgress>},
+      {"installStatus", read<&Of::installStatus>},
+      {"planText", read<&Of::planText>},
+      {"resultText", read<&Of::resultText>},
+      {"canInstallAgain", read<&Of::canInstallAgain>},
+      {"hasLog", read<&Of::hasLog>},
+      {"hasFolder", read<&Of::hasFolder>},
       {"successfulInstall", read<&Of::successfulInstall>},
       {"windowTitle", read<&Of::windowTitle>},
       {"aboutMenuText", read<&Of::aboutMenuText>},
@@ -146,6 +185,9 @@ struct SetupController::Tables {
       {"nextView:", [](Of& of, const std::string& /*from*/) { of.nextView(nullptr); }},
       {"previousView:", [](Of& of, const std::string& from) { of.previousView(from); }},
       {"subViewButtonPress:", [](Of& of, const std::string& from) { of.subViewButtonPress(from); }},
+      {"installAgain:", [](Of& of, const std::string& /*from*/) { of.installAgain(); }},
+      {"showLog:", [](Of& of, const std::string& /*from*/) { of.showLog(); }},
+      {"showFolder:", [](Of& of, const std::string& /*from*/) { of.showFolder(); }},
       {"customInstallMenu:", [](Of& of, const std::string& /*from*/) { of.customInstallMenu(); }},
       {"initialView:", [](Of& of, const std::string& /*from*/) { of.initialView(); }}};
 };
@@ -161,7 +203,10 @@ bool SetupController::setShownValue(std::string_view key, const ShownValue& valu
 bool SetupController::setTicked(std::string_view key, std::size_t row, bool isTicked) {
   if (key != "foundHosts") return false;
   const HostList hosts = foundHosts();
-  if (row < hosts.size() && transitions_ == 0) hosts[row]->setHostIsSelected(isTicked);
+  if (row >= hosts.size() || transitions_ > 0) return true;
+  hosts[row]->setHostIsSelected(isTicked);
+  willChangeValueForKey("planText");
+  didChangeValueForKey("planText");
   return true;
 }
 
@@ -185,9 +230,12 @@ bool SetupController::textShouldChange(std::string_view replacement) {
 
 std::vector<ListRow> SetupController::hostRows() const {
   std::vector<ListRow> rows;
-  for (const auto& host : foundHosts()) {
+  const HostList hosts = foundHosts();
+  for (const auto& host : hosts) {
+    const std::string version = preview_.version(hosts, rows.size());
+    const std::string folder = shownInText(platform_, joinPath({host->plugInPath()}));
     rows.push_back({.text = host->hostName(),
-                    .detail = joinPath({host->plugInPath()}),
+                    .detail = version.empty() ? folder : version + "  ·  " + folder,
                     .isTicked = host->hostIsSelected(),
                     .picture = iconOf(*host)});
   }

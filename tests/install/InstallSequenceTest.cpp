@@ -99,6 +99,30 @@ TEST_F(InstallSequenceTest, MovesOnByItselfFromThePage) {
   EXPECT_EQ(main_.announced, "") << "nothing is installed on the way back";
 }
 
+TEST_F(InstallSequenceTest, StopsForThePersonAsLongAsNothingIsChanged) {
+  EXPECT_FALSE(controller_.askToStop()) << "nothing is under way";
+  std::string askedBefore = "flush";
+  bool stops = false;
+  machine_.authorizations.transaction.before = [&](const std::string& step) {
+    if (step == askedBefore) stops = controller_.askToStop();
+  };
+  enter();
+  EXPECT_TRUE(stops && !controller_.successfulInstall());
+  EXPECT_EQ(controller_.report().interruption->signal, 0);
+  EXPECT_FALSE(fs::exists(on(studio_)));
+  EXPECT_EQ(log(), "(no such file)");
+
+  machine_.toolkit.answer = AlertAnswer::alternateButton;
+  enter();
+  EXPECT_TRUE(!stops && controller_.successfulInstall()) << "the person goes on";
+  EXPECT_EQ(machine_.toolkit.alerts.size(), 2U);
+  machine_.toolkit.answer = AlertAnswer::defaultButton;
+  askedBefore = "finish";
+  enter();
+  EXPECT_TRUE(!stops && controller_.successfulInstall()) << "too late to ask";
+  EXPECT_EQ(machine_.toolkit.alerts.size(), 2U);
+}
+
 TEST_F(InstallSequenceTest, EndsInFailureWithoutRights) {
   machine_.authorizations.canBeObtained = false;
   enter();

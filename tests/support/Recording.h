@@ -207,7 +207,9 @@ class RecordingWorkspace : public Workspace {
     launches.push_back(launch);
     return canLaunch ? std::make_unique<Launched>(launches) : nullptr;
   }
+  std::vector<std::string> opened;
   void openUrl(const std::string& /*url*/) override {}
+  void openItem(const std::string& path) override { opened.push_back(path); }
   [[nodiscard]] std::string iconFile(const std::string& path) const override { return path + "/icon"; }
 
  private:

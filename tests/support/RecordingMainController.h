@@ -39,6 +39,7 @@ class RecordingMainController : public SetupMainController {
  private:
   Observation own_ = observe([this](std::string_view key, Moment moment) {
     if (key == "installProgress") return onProgress();
+    if (key == "installStatus") return;
     announced += (moment == Moment::willChange ? "+" : "-") + std::string(key) + " ";
   });
 };

@@ -107,7 +107,7 @@ TEST_F(WizardTest, IsWalkedByKeyboardAlone) {
     EXPECT_EQ(page(), "Ergebnis der Installation [-Zurück|Fertig]");
     EXPECT_EQ(steps(), "Lizenz Programme Vorbereitung Installation Zusammenfassung* ");
     EXPECT_TRUE(textIn("registerTextView").starts_with("Dunmore 3 ist installiert."));
-    EXPECT_EQ(tabOrder(), "registerTextView forwardButton ");
+    EXPECT_EQ(tabOrder(), "registerTextView showFolderButton showLogButton forwardButton ");
     key(Qt::Key_Return);
   });
   expectWholeInstall();
@@ -179,8 +179,6 @@ TEST_F(WizardTest, LetsNothingStopAnInstallHalfWay) {
       shownWidget<QAbstractButton>("forwardButton")->click();
       if (isEnabled("forwardButton")) return;  // it is done, and about to show how it went
       ++times;
-      EXPECT_FALSE(window().close());
-      pick("quitItem");
       for (const auto pressed : {Qt::Key_Return, Qt::Key_Escape, Qt::Key_Space}) QTest::keyClick(&window(), pressed);
       EXPECT_FALSE(isEnabled("backwardButton"));
     });
@@ -193,21 +191,36 @@ TEST_F(WizardTest, LetsNothingStopAnInstallHalfWay) {
   EXPECT_GT(times, 10);
   expectWholeInstall();
   EXPECT_TRUE(logTells("/CC" + filter_));
-  const std::string inWindow = installed(log_);
+}
 
-  fs::remove(volume_.string() + log_);
-  run([] {
-    agreeToLicence();
-    waitForPage("foundHostsController");
-    QTimer impatience;
-    QObject::connect(&impatience, &QTimer::timeout, [] {
-      if (shownWidget<QWidget>("installFilesView") != nullptr) window().close();
+TEST_F(WizardTest, AsksWhoClosesItsWindowWhetherToStopTheInstall) {
+  for (const char* const answer : {"defaultButton", "alternateButton"}) {
+    const bool stops = answer == std::string("defaultButton");
+    run([answer, stops] {
+      agreeToLicence();
+      waitForPage("foundHostsController");
+      bool isAsked = false;
+      QTimer impatience;
+      QObject::connect(&impatience, &QTimer::timeout, [&isAsked, answer] {
+        if (shownWidget<QWidget>("installFilesView") == nullptr || std::exchange(isAsked, true)) return;
+        pressLater(answer, [] {
+          EXPECT_EQ(fromQt(shownWidget<QWidget>("alert")->findChild<QLabel*>("qt_msgbox_label")->text()),
+                    "Stop installing?");
+        });
+        EXPECT_FALSE(window().close());
+      });
+      impatience.start(0);
+      press("forwardButton");
+      EXPECT_TRUE(isAsked);
+      if (stops) return;
+      impatience.stop();
+      waitForPage("registerView");
+      press("forwardButton");
     });
-    impatience.start(0);
-    press("forwardButton");
-    EXPECT_EQ(shownWidget<QWidget>("mainWindow"), nullptr) << "it closes as soon as it may";
-  });
-  EXPECT_EQ(installed(log_), inWindow);
+    EXPECT_EQ(installed(log_) == "(no such file)", stops);
+    EXPECT_EQ(namesIn(volume_ / "Library/Application Support") == "Adobe", stops);
+  }
+  expectWholeInstall();
 }
 
 TEST_F(WizardTest, ProgramLoadsItsWindowAndEndsWithSuccess) {

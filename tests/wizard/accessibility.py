@@ -225,7 +225,14 @@ def fail():
             turn(0.2)
         assert alerts > 0
         wizard.heading("Installation Result")
-        wizard.end()
+        text = wait("the result", lambda: wizard.find("text", "Installation Result")).queryText().getText(0, -1)
+        assert "Something else is where a folder should be" in text, text
+        wizard.press("Try Again")
+        wizard.heading("Choose Applications")
+        wizard.press("Go Back")
+        wizard.heading("License Agreement")
+        wizard.press("Quit")
+        assert wizard.program.wait(20) == 0
 
 
 def quit_at_once():

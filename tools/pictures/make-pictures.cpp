@@ -191,7 +191,6 @@ QImage error() {
 
 bool save(const QImage& image, const QString& path) {
   QImageWriter writer(path);
-  if (path.endsWith(".tiff")) writer.setCompression(1);  // LZW
   if (writer.write(image.convertToFormat(QImage::Format_ARGB32))) return true;
   std::cerr << path.toStdString() << ": " << writer.errorString().toStdString() << '\n';
   return false;
@@ -214,13 +213,12 @@ int main(int argc, char** argv) {
   }
   const QString folder = QString::fromLocal8Bit(argv[1]) + '/';
   const QString icons = QString::fromLocal8Bit(argv[2]) + '/';
-  const bool isDone = save(product(), folder + "Product.tiff") &&
-                      save(iconFile(installer), folder + "Installer.icns") &&
-                      save(application(), folder + "GenericApplication.tiff") &&
+  const bool isDone = save(product(), folder + "Product.png") && save(iconFile(installer), folder + "Installer.icns") &&
+                      save(application(), folder + "GenericApplication.png") &&
                       save(dot(QColor(0x4c, 0x9b, 0xff), QColor(0x0b, 0x5f, 0xd6)), folder + "DotBlue.tiff") &&
                       save(dot(QColor(0xb4, 0xb4, 0xb9), QColor(0x95, 0x95, 0x9b)), folder + "DotGray.tiff") &&
-                      save(checkmark(), folder + "checkmark.tiff") && save(error(), folder + "Installer_Error.tiff") &&
-                      save(caution(QColor(0xff, 0xc5, 0x3d), QColor(0xf0, 0x9a, 0x12)), folder + "Caution.tiff") &&
+                      save(checkmark(), folder + "checkmark.png") && save(error(), folder + "Installer_Error.png") &&
+                      save(caution(QColor(0xff, 0xc5, 0x3d), QColor(0xf0, 0x9a, 0x12)), folder + "Caution.png") &&
                       save(hostTile("PH", QColor(0x1c, 0x8c, 0x7c)), icons + "Photoshop.icns") &&
                       save(hostTile("EL", QColor(0xa8, 0x4a, 0x78)), icons + "Elements.icns") &&
                       save(hostTile("LI", QColor(0xc4, 0x7a, 0x1a)), icons + "Lightroom.icns") &&

@@ -2,15 +2,10 @@
 
 #include "foundation/Format.h"
 #include "foundation/Text.h"
+#include "install/InstallTexts.h"
 #include "payload/InstallerTexts.h"
 
 namespace {
-
-/// Megabytes, rounded up, as people read them.
-std::string megabytes(std::uint64_t bytes) {
-  constexpr std::uint64_t megabyte = 1'000'000;
-  return std::to_string((bytes + megabyte - 1) / megabyte) + " MB";
-}
 
 const char* textOf(SkippedEntry::Reason reason) {
   switch (reason) {
@@ -43,7 +38,7 @@ Error errorWithText(const std::string& text) {
 std::string shortageText(const Platform& platform, const SpaceShortage& shortage) {
   const std::string format = platform.bundles.mainBundle().localizedString(
       "no_space", "There is not enough room: %1$@ are needed, %2$@ are available.", "Localizable");
-  return formatted(format, megabytes(shortage.required), megabytes(shortage.available));
+  return formatted(format, sizeText(platform, shortage.required), sizeText(platform, shortage.available));
 }
 
 void logSkippedEntries(const Platform& platform, const InstallPlan& plan) {

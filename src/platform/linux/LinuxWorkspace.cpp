@@ -84,4 +84,9 @@ void LinuxWorkspace::openUrl(const std::string& url) {
   static_cast<void>(session_.start(urlOpener_, {url}));
 }
 
+void LinuxWorkspace::openItem(const std::string& path) {
+  const auto real = volume_.realPath(path, Volume::LastLink::follow, Volume::Purpose::look);
+  if (real) openUrl(*real);
+}
+
 std::string LinuxWorkspace::iconFile(const std::string& path) const { return iconFileOf(path, bundles_, files_); }

@@ -21,6 +21,7 @@ class MacWorkspace : public Workspace {
   std::unique_ptr<RunningApplication> launchHidden(const std::string& path,
                                                    const std::vector<std::string>& arguments) override;
   void openUrl(const std::string& url) override;
+  void openItem(const std::string& path) override;
   [[nodiscard]] std::string iconFile(const std::string& path) const override;
 
  private:

@@ -120,4 +120,14 @@ void MacWorkspace::openUrl(const std::string& url) {
   }
 }
 
+void MacWorkspace::openItem(const std::string& path) {
+  const auto place = volume_.realPath(path, Volume::LastLink::follow, Volume::Purpose::look);
+  if (!place) return;
+  @autoreleasepool {
+    NSString* const location = toObject(*place);
+    if (location == nil) return;
+    [[NSWorkspace sharedWorkspace] openURL:[NSURL fileURLWithPath:location isDirectory:NO]];
+  }
+}
+
 std::string MacWorkspace::iconFile(const std::string& path) const { return iconFileOf(path, bundles_, files_); }
