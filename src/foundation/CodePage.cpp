@@ -8,7 +8,7 @@ namespace {
 constexpr std::uint32_t firstBeyondAscii = 0x80;
 constexpr std::uint32_t replacement = 0xFFFD;
 
-/// From 0x80 up; from 0xA0 on, bytes stand for themselves.
+/// Code points of the bytes from 0x80 to 0x9F. From 0xA0 up, code point and byte are equal.
 constexpr std::array<std::uint16_t, 32> windowsLatin = {0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                                         0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD,
                                                         0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,

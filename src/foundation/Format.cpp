@@ -6,7 +6,7 @@ namespace {
 
 struct Placeholder {
   std::size_t length = 0;                              ///< in the format, the per-cent sign included
-  std::optional<std::size_t> position = std::nullopt;  ///< from 1; nothing: the next argument
+  std::optional<std::size_t> position = std::nullopt;  ///< from 1; empty: the next argument
 };
 
 /// The placeholder at the start of `text`, which starts with a per-cent sign.
@@ -15,8 +15,8 @@ std::optional<Placeholder> placeholderAt(std::string_view text) {
   if (isConversion(1)) return Placeholder{2};
   std::size_t i = 1;
   std::size_t position = 0;
-  constexpr std::size_t mostDigits = 3;
-  for (; i < text.size() && i <= mostDigits && text[i] >= '0' && text[i] <= '9'; ++i) {
+  constexpr std::size_t maxDigits = 3;
+  for (; i < text.size() && i <= maxDigits && text[i] >= '0' && text[i] <= '9'; ++i) {
     position = position * 10 + static_cast<std::size_t>(text[i] - '0');
   }
   if (i == 1 || position == 0 || i >= text.size() || text[i] != '$' || !isConversion(i + 1)) return std::nullopt;

@@ -5,9 +5,8 @@
 #include <string_view>
 
 /// A localized format with its placeholders filled in: "%@" and "%d" take the next argument, "%1$@" the one with that
-/// number, "%%" is a per-cent sign. Formats come from translators, so no format is wrong enough to fail: a placeholder
-/// without an argument becomes nothing, an argument without a placeholder is left out, and everything that is not one
-/// of these placeholders stays as it is written.
+/// number, "%%" is a per-cent sign. Never fails, because formats come from translators: a placeholder without an
+/// argument is removed, an argument without a placeholder is ignored, and anything else is copied unchanged.
 [[nodiscard]] std::string formatted(std::string_view format, std::span<const std::string_view> arguments);
 
 template <class... Texts>

@@ -6,7 +6,7 @@
 #include "foundation/Exception.h"
 #include "foundation/Value.h"
 
-/// Raised for a key that the object does not have.
+/// Thrown for an unknown key.
 class UnknownKey : public Exception {
  public:
   explicit UnknownKey(std::string_view key) : Exception("no value for the key " + std::string(key)) {}
@@ -20,6 +20,6 @@ class KeyValueCoding {
   KeyValueCoding& operator=(const KeyValueCoding&) = delete;
   virtual ~KeyValueCoding() = default;
 
-  /// The value of the property; throws UnknownKey when there is none of that name.
+  /// Returns the value of the property. Throws UnknownKey when the object has no property of this name.
   [[nodiscard]] virtual Value valueForKey(std::string_view key) const = 0;
 };

@@ -5,13 +5,13 @@
 #include <memory>
 #include <string_view>
 
-/// Announces the changes of properties by key name, a will-change and a did-change for each. Pairs may nest, and an
-/// observer may change a property, or end an observation, while it is told of another change.
+/// Announces changes of properties by key, with a will-change and a did-change for each. Pairs may nest. Observers may
+/// change properties and end observations while they are called.
 class KeyValueObserving {
  public:
   enum class Moment { willChange, didChange };
   using Observer = std::function<void(std::string_view key, Moment moment)>;
-  /// The observation lasts as long as this object, which may outlive what it observes.
+  /// Ends the observation when it is destroyed. May outlive the observed object.
   using Observation = std::shared_ptr<void>;
 
   KeyValueObserving() = default;
@@ -22,7 +22,7 @@ class KeyValueObserving {
   void willChangeValueForKey(std::string_view key) { announce(key, Moment::willChange); }
   void didChangeValueForKey(std::string_view key) { announce(key, Moment::didChange); }
 
-  /// Observes every key; observers are told in the order in which they came.
+  /// Observes every key. Observers are called in the order of their registration.
   [[nodiscard]] Observation observe(Observer observer);
 
  private:

@@ -8,22 +8,22 @@
 
 #include "foundation/Value.h"
 
-/// Something that happened: a name, the object that it happened to (an identity, never dereferenced), and values.
+/// An event: a name, the object that it concerns (an identity, never dereferenced), and values.
 struct Notification {
   std::string name;
   const void* object = nullptr;
   Value::Dictionary userInfo = {};
 };
 
-/// Delivers notifications to their observers, synchronously, in the order in which they came. A handler may post, add
-/// and remove while it is told.
+/// Delivers notifications to their observers synchronously, in the order of registration. Handlers may post, add and
+/// remove.
 class NotificationCenter {
  public:
   using Handler = std::function<void(const Notification&)>;
-  /// The observation lasts as long as this object.
+  /// Ends the observation when it is destroyed.
   using Observation = std::shared_ptr<void>;
 
-  /// `object` null: from any object.
+  /// Observes notifications of `object`, or of any object when it is null.
   [[nodiscard]] Observation addObserver(std::string_view name, const void* object, Handler handler);
 
   void post(const Notification& notification);

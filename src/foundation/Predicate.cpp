@@ -219,7 +219,7 @@ bool Predicate::evaluate(const KeyValueCoding& object) const {
 }
 
 bool isLike(std::string_view text, std::string_view pattern) {
-  // Greedy, with one point to come back to: the last "*", and where in the text it stood.
+  // Greedy, with one backtracking point: the last "*" and its position in the text.
   std::size_t at = 0;
   std::size_t in = 0;
   std::optional<std::pair<std::size_t, std::size_t>> star;

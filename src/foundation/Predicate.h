@@ -8,24 +8,24 @@
 #include "foundation/KeyValueCoding.h"
 #include "foundation/Value.h"
 
-/// A test written as text and evaluated over values or over objects with keyed properties:
+/// A condition that is parsed from text and evaluated on values or on objects with keyed properties:
 ///
 ///     hostIsInstalled == YES
 ///     SELF contains 'Paths' AND SELF contains 'Adobe'
 ///     (kMDItemFSName LIKE %@)
 ///
 /// Comparisons are ==, !=, contains (a substring, case-sensitive) and LIKE ("*" stands for any text, "?" for one byte);
-/// they join with NOT, AND and OR, in that order of strength. A word that is no keyword is the key of a property.
+/// NOT, AND and OR combine them, in descending order of precedence. Any other word is the key of a property.
 class Predicate {
  public:
-  /// Reads the text; "%@" takes the next argument as a value, never as text of the predicate. Throws Exception when the
-  /// text is not a predicate.
+  /// Parses the text. "%@" stands for the next argument, which is a value and never parsed. Throws Exception when the
+  /// text is malformed.
   static Predicate parse(std::string_view text, std::span<const Value> arguments = {});
 
-  /// SELF is the value; every key is unknown.
+  /// Evaluates with SELF as the value. Every key is unknown.
   [[nodiscard]] bool evaluate(const Value& value) const;
 
-  /// Keys are those of the object, SELF is no value. Throws UnknownKey as the object does.
+  /// Evaluates with the keys of the object and an empty SELF. Throws UnknownKey as the object does.
   [[nodiscard]] bool evaluate(const KeyValueCoding& object) const;
 
   using Lookup = std::function<Value(std::string_view key)>;

@@ -9,11 +9,11 @@
 #include <utility>
 #include <variant>
 
-/// What went wrong: a domain, a code of that domain, and texts that belong to it.
+/// An error: a domain, a code of that domain, and texts.
 struct Error {
-  /// Domain of what the file system reports; the code is then a std::errc.
+  /// Domain of errors of the file system, whose code is a std::errc.
   static constexpr std::string_view posixDomain = "NSPOSIXErrorDomain";
-  /// Key of the text that tells a person what happened.
+  /// Key of the text for the user.
   static constexpr std::string_view localizedDescriptionKey = "NSLocalizedDescription";
 
   std::string domain;
@@ -26,14 +26,14 @@ struct Error {
 
   [[nodiscard]] bool is(std::errc posixCode) const;
 
-  /// Why, without the subject: the localized description, the system's words, or domain and code.
+  /// Returns the reason without the subject: the localized description, the system's message, or domain and code.
   [[nodiscard]] std::string reason() const;
 
-  /// One line for the log: the subject, if there is one, and the reason.
+  /// Returns one line for the log: the subject, unless it is empty, and the reason.
   [[nodiscard]] std::string description() const;
 };
 
-/// A value, or the error that took its place.
+/// A value or an error.
 template <class T>
 class [[nodiscard]] Result {
  public:
@@ -52,7 +52,7 @@ class [[nodiscard]] Result {
   std::variant<T, Error> content_;
 };
 
-/// Success, or the error. Success costs nothing.
+/// Success or an error. Success allocates nothing.
 class [[nodiscard]] Status {
  public:
   Status() = default;
@@ -65,5 +65,5 @@ class [[nodiscard]] Status {
   std::shared_ptr<const Error> error_;
 };
 
-/// Says at the call that a failure is ignored on purpose; the reason stands in a comment beside it.
+/// Marks a deliberately ignored failure. A comment at the call gives the reason.
 inline void ignore(const Status& /*status*/) {}

@@ -17,7 +17,7 @@ bool RichText::replaceOccurrences(std::string_view what, std::string_view with) 
   std::size_t found = what.empty() ? std::string::npos : text_.find(what);
   if (found == std::string::npos) return false;
   RichText result;
-  std::size_t next = 0;  // what stands before it is in the result, or has been replaced
+  std::size_t next = 0;  // everything before it has been copied or replaced
   std::size_t end = 0;
   for (const Run& run : runs_) {
     end += run.length;

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-/// Text with attributes: characters, and runs that cover them from the first to the last.
+/// Text with attributes: characters, and runs that cover all of them.
 class RichText {
  public:
   enum class Alignment { natural, centre, right, justified };
@@ -22,8 +22,8 @@ class RichText {
     bool bold = false;
     bool italic = false;
     bool underline = false;
-    double size = 0;                              ///< in points; 0: the usual one
-    std::optional<Colour> colour = std::nullopt;  ///< nothing: the usual one
+    double size = 0;                              ///< in points; 0: the default
+    std::optional<Colour> colour = std::nullopt;  ///< empty: the default
     Alignment alignment = Alignment::natural;     ///< of the paragraph
     double indent = 0;                            ///< of the paragraph, in points
     double spaceAfter = 0;                        ///< of the paragraph, in points
@@ -37,7 +37,7 @@ class RichText {
   };
 
   RichText() = default;
-  /// Plain text, with the usual attributes.
+  /// Creates plain text with default attributes.
   explicit RichText(std::string_view plain) { append(plain, {}); }
 
   /// The characters; paragraphs end with a line feed.
@@ -47,8 +47,8 @@ class RichText {
 
   void append(std::string_view text, const Attributes& attributes);
 
-  /// Replaces every occurrence that is there now; what comes in has the attributes of the first character that goes.
-  /// False when there is no occurrence.
+  /// Replaces every occurrence in the current text. A replacement has the attributes of the first character replaced.
+  /// Returns false when there is no occurrence.
   bool replaceOccurrences(std::string_view what, std::string_view with);
 
   bool operator==(const RichText&) const = default;

@@ -28,14 +28,14 @@ constexpr NamedCharacter namedCharacters[] = {
     {"rdblquote", "”"}, {"bullet", "•"}, {"emspace", "\u2003"}, {"enspace", "\u2002"},
     {"sect", "\n"},     {"page", "\n"},  {"cell", "\t"},        {"row", "\n"}};
 
-/// Those that are not marked as ones that a reader may leave out.
+/// Destinations that are skipped although they are not marked as optional.
 constexpr std::string_view destinationsWithoutText[] = {
     "fonttbl",   "stylesheet", "info",     "pict",    "nonshppict", "header",     "headerl",
     "headerr",   "headerf",    "footer",   "footerl", "footerr",    "footerf",    "filetbl",
     "listtable", "object",     "footnote", "fldinst", "annotation", "NeXTGraphic"};
 
-/// The most characters that may stand in for one that a reader does not know.
-constexpr std::int64_t longestFallback = 16;
+/// Maximum number of substitute characters for a code point.
+constexpr std::int64_t maxFallback = 16;
 
 class Reader {
  public:
@@ -65,7 +65,7 @@ class Reader {
  private:
   struct Group {
     Attributes attributes;
-    int bytesAfterUnicode = 1;  ///< how many bytes stand after a code point for readers that do not know it
+    int bytesAfterUnicode = 1;  ///< number of substitute bytes after a code point
     bool isText = true;
     bool isColourTable = false;
   };
@@ -136,7 +136,7 @@ class Reader {
       case '~': addText("\u00A0"); break;
       case '_': addText("\u2011"); break;
       case '-': break;
-      case '*': group().isText = false; break;  // a destination that a reader may leave out
+      case '*': group().isText = false; break;  // an optional destination
       case '\r':
       case '\n': addText("\n"); break;
       default: break;
@@ -167,7 +167,7 @@ class Reader {
     apply(word, number);
   }
 
-  /// The number that belongs to a control word. A hyphen without digits is text.
+  /// Reads the parameter of a control word. A hyphen without digits is text.
   std::optional<std::int64_t> readNumber() {
     const auto isDigit = [&](std::size_t at) { return at < bytes_.size() && bytes_[at] >= '0' && bytes_[at] <= '9'; };
     const std::size_t start = next_;
@@ -189,7 +189,7 @@ class Reader {
     } else if (word == "u") {
       addUtf16Unit(static_cast<std::uint16_t>(number.value_or(0)));
     } else if (word == "uc") {
-      group().bytesAfterUnicode = static_cast<int>(std::clamp<std::int64_t>(number.value_or(1), 0, longestFallback));
+      group().bytesAfterUnicode = static_cast<int>(std::clamp<std::int64_t>(number.value_or(1), 0, maxFallback));
     } else if (word == "b") {
       attributes.bold = isOn;
     } else if (word == "i") {
@@ -280,7 +280,7 @@ class Reader {
   std::optional<RichText::Colour> colour_;
   CodePage codePage_ = CodePage::windowsLatin;
   std::uint32_t highHalf_ = 0;
-  int skipped_ = 0;  ///< characters still to be passed over after a code point
+  int skipped_ = 0;  ///< substitute characters still to be skipped
   RichText result_;
   std::string pending_;
   Attributes pendingAttributes_;

@@ -24,7 +24,7 @@ class TableParser {
       auto key = parseText();
       if (!key) break;
       skipBlanks();
-      std::string text = *key;  // "key"; alone stands for itself
+      std::string text = *key;  // a key without a value is its own value
       if (consume('=')) {
         skipBlanks();
         auto value = parseText();
@@ -133,7 +133,7 @@ class TableParser {
     }
   }
 
-  /// \Uhhhh, with the second half of a surrogate pair when the first is one.
+  /// Decodes \Uhhhh, and the escape after it when the two are a surrogate pair.
   void appendUtf16Escapes(std::string& result) {
     const std::uint32_t high = parseDigits(16, 4);
     const bool isHighHalf = high >= 0xD800 && high <= 0xDBFF;

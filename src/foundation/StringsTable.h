@@ -7,14 +7,14 @@
 /// One table of localized texts, from the text form of a .strings file:
 ///
 ///     /* comment */
-///     "key" = "text with \"escapes\" and \U00e4";   // the quotes may go where a word is plain
+///     "key" = "text with \"escapes\" and \U00e4";   // quotes are optional around a plain word
 ///
-/// A file that is wrong somewhere still gives every entry that stands before the fault.
+/// A malformed file gives the entries before the first error.
 struct StringsTable {
   std::map<std::string, std::string, std::less<>> texts;
-  /// What is wrong with the file, with the line it is in; empty when nothing is.
+  /// Describes the first error, with its line; empty when there is none.
   std::string problem;
 };
 
-/// Reads UTF-8 and UTF-16 (see decodeTextFile()).
+/// Parses UTF-8 or UTF-16 (see decodeTextFile()).
 [[nodiscard]] StringsTable parseStringsTable(std::string_view bytes);

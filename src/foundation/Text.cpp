@@ -9,7 +9,7 @@ constexpr std::uint32_t replacementCharacter = 0xFFFD;
 
 bool isContinuation(unsigned char byte) { return (byte & 0xC0U) == 0x80U; }
 
-/// Length of the well-formed sequence at the start of `bytes`, 0 when there is none.
+/// Returns the length of the well-formed sequence at the start of `bytes`, 0 when it is malformed.
 std::size_t sequenceLength(std::string_view bytes) {
   const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
   const unsigned char lead = at(0);

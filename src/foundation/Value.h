@@ -7,14 +7,14 @@
 #include <variant>
 #include <vector>
 
-/// A property-list value, or none: what preferences, info dictionaries and keyed properties hold.
+/// A property-list value or none, as in preferences, info dictionaries and keyed properties.
 class Value {
  public:
   struct Data {
     std::string bytes;
     bool operator==(const Data&) const = default;
   };
-  /// A moment, in seconds since 2001-01-01 00:00 UTC.
+  /// A time, in seconds since 2001-01-01 00:00 UTC.
   struct Date {
     double seconds = 0;
     bool operator==(const Date&) const = default;
@@ -25,7 +25,7 @@ class Value {
   Value() = default;
   Value(bool value) : content_(value) {}
   Value(std::int64_t value) : content_(value) {}
-  /// For numbers beyond the signed range only.
+  /// Only for numbers beyond the signed range.
   Value(std::uint64_t value) : content_(value) {}
   Value(double value) : content_(value) {}
   Value(std::string value) : content_(std::move(value)) {}
@@ -38,7 +38,7 @@ class Value {
 
   [[nodiscard]] bool isNone() const { return std::holds_alternative<std::monostate>(content_); }
 
-  /// The content when it is a T, null otherwise.
+  /// Returns the content when it is a T, null otherwise.
   template <class T>
   [[nodiscard]] const T* as() const {
     return std::get_if<T>(&content_);
@@ -48,7 +48,7 @@ class Value {
     return std::get_if<T>(&content_);
   }
 
-  /// The text, or an empty one when this is no text.
+  /// Returns the text, or an empty one when the value is not a text.
   [[nodiscard]] std::string text() const;
 
   bool operator==(const Value&) const = default;
@@ -58,5 +58,5 @@ class Value {
       content_;
 };
 
-/// The entry of the dictionary, or no value when it has none or when this is no dictionary.
+/// Returns the entry of the dictionary, or none when it is missing or the value is not a dictionary.
 [[nodiscard]] Value entryOf(const Value& dictionary, std::string_view key);

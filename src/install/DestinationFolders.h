@@ -5,8 +5,8 @@
 #include "install/PrivilegedTools.h"
 #include "platform/Platform.h"
 
-/// Makes the folder, and the one that it is in, and hands what it made to the user. Whoever needs the folder sees
-/// whether it is there, or that the rights were refused.
+/// Creates the folder and its parent for the user. Reports no error: callers check whether the folder exists or rights
+/// were refused.
 void ensureDirExists(Platform& platform, PrivilegedTools& tools, const std::string& path);
 
 /// Sets the attributes on the item and, if it is a folder, on all that is in it. What is not ours to change stays as it

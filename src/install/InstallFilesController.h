@@ -39,7 +39,7 @@ class InstallFilesController : public SetupStepController, private InstallListen
   /// Whether the last install put everything in place.
   [[nodiscard]] bool successfulInstall() const { return installComplete_ && !authDenied(); }
 
-  /// How much of the install that the page shows is done, from 0 to 1; never less than it was since the start.
+  /// Progress of the install on the page, from 0 to 1. Never decreases during an install.
   [[nodiscard]] double progress() const { return shownProgress_; }
 
   /// How far it has come, in words: megabytes, and the time that is left.
@@ -60,8 +60,8 @@ class InstallFilesController : public SetupStepController, private InstallListen
   /// Every path installed, in order.
   [[nodiscard]] const std::vector<std::string>& installedPaths() const { return report_.installedPaths; }
 
-  /// Gets hold of administrator rights, unless they are held already; false when they cannot be had. The operations
-  /// below need them.
+  /// Obtains administrator rights unless they are held. Returns false when they are not available. The operations below
+  /// need them.
   [[nodiscard]] bool obtainAuthorization() { return tools_.obtain(); }
 
   void setInProgress(bool inProgress);

@@ -14,7 +14,7 @@ class PrivilegedTools {
  public:
   explicit PrivilegedTools(Platform& platform) : platform_(platform) {}
 
-  /// Gets hold of administrator rights, unless they are held already; false when they cannot be had. Everything below
+  /// Obtains administrator rights unless they are held. Returns false when they are not available. Everything below
   /// needs them.
   [[nodiscard]] bool obtain();
   void release();
@@ -29,20 +29,20 @@ class PrivilegedTools {
   void unlockVolume() { lock_.reset(); }
   [[nodiscard]] bool isVolumeLocked() const { return lock_ != nullptr; }
 
-  /// Whether the code of a failed launch means that there are no rights to be had.
+  /// Whether the code of a failed launch means that rights are not available.
   [[nodiscard]] static bool isFatalAuthCode(std::int32_t code) { return code >= 5530 && code <= 5540; }
 
-  // Run a tool and wait for it. False when there are no rights to be had, which isDenied() then tells, too. Whether the
-  // tool did its work shows on the disk.
+  // Run a tool and wait for it. Return false when rights are not available, as isDenied() does then. Check the disk for
+  // what the tool did.
   bool run(const std::string& tool, const std::vector<std::string>& arguments);
   bool runWithoutOutput(const std::string& tool, const std::vector<std::string>& arguments);
   void runIgnoringResult(const std::string& tool, const std::vector<std::string>& arguments);
-  /// Starts a tool that nobody waits for.
+  /// Starts a tool without waiting for it.
   void start(const std::string& tool, const std::vector<std::string>& arguments);
 
   /// Begins a transaction on the volume, which must be locked. A refusal shows in isDenied(), too.
   Result<std::unique_ptr<Transaction>> beginTransaction();
-  /// Whether the error means that there are no rights to be had. Notes it.
+  /// Whether the error means that rights are not available. Records it.
   bool noteRefusal(const Error& error);
 
   /// "USER:admin", as chown wants it.

@@ -8,8 +8,8 @@ std::string installerText(const Platform& platform, const char* key) {
   return platform.bundles.mainBundle().localizedString(key, "", "installer");
 }
 
-/// A name that folders and files are given. One that leads elsewhere counts as missing: what is installed, and removed,
-/// by that name would be other makers'.
+/// Returns a name for folders and files. A name that leads elsewhere counts as missing: installing and removing by it
+/// would affect other makers' files.
 std::string fileName(const Platform& platform, const char* key) {
   const std::string name = installerText(platform, key);
   return name == "." || name == ".." || name.find('/') != std::string::npos ? "" : name;

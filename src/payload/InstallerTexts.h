@@ -4,8 +4,7 @@
 
 #include "platform/Platform.h"
 
-// The names that make the installer one product's: the entries of the strings table "installer". A missing entry is an
-// empty text.
+// Names of the product: the entries of the strings table "installer". A missing entry is an empty text.
 
 // As folders and files are named; empty for a name that would lead elsewhere.
 [[nodiscard]] std::string companyName(const Platform& platform);

@@ -14,7 +14,7 @@ void noteHidden(PayloadPart& part, const std::string& path) {
   part.skipped.push_back({path, SkippedEntry::Reason::hidden});
 }
 
-/// A part of the payload may be missing altogether.
+/// Tolerates a missing part of the payload.
 void noteUnreadable(PayloadPart& part, const Error& error, const std::string& root) {
   if (error.subject == root && error.is(std::errc::no_such_file_or_directory)) return;
   const bool isKnown = std::ranges::find(part.unreadable, error.subject, &Error::subject) != part.unreadable.end();
@@ -91,7 +91,7 @@ PayloadPart Payload::filesBelow(const std::string& folder) const {
     const bool isFile = item.type == ItemType::regularFile;
     if (item.isPackage || isFile) {
       part.items.push_back(item);
-    } else if (item.type != ItemType::folder) {  // folders come into being with what is in them
+    } else if (item.type != ItemType::folder) {  // folders are created with their content
       part.skipped.push_back({item.path, SkippedEntry::Reason::noFileOrFolder});
     }
   };

@@ -11,7 +11,7 @@ struct SkippedEntry {
     hidden,
     notPartOfProduct,  ///< loose in the mirror of the volume, outside the product folders
     lightroomOnly,     ///< a Lightroom plug-in, and Lightroom was not selected
-    noFileOrFolder,    ///< a link, a pipe, a socket or a device that would stand by itself
+    noFileOrFolder,    ///< a link, pipe, socket or device outside a package
   };
   std::string path;
   Reason reason;
@@ -30,8 +30,8 @@ struct ProductFolder {
   std::vector<WalkedItem> items = {};
 };
 
-/// What the installer's bundle brings, below its resources: "files" holds a folder for each kind of payload. Looks at
-/// the disk each time it is asked.
+/// Payload in the resources of the installer's bundle: "files" holds a folder for each kind. Reads the disk on each
+/// call.
 class Payload {
  public:
   explicit Payload(Platform& platform);
@@ -45,8 +45,8 @@ class Payload {
   [[nodiscard]] PayloadPart packages(bool isLightRoomSelected) const;
 
   /// Folders of the maker's in the mirror's Application Support, and what is directly in each that is not a package.
-  /// What is skipped or unreadable is added to `part`. None when the maker has no name: every maker's folder would be
-  /// ours.
+  /// What is skipped or unreadable is added to `part`. Returns none without a company
+  /// name, which would match the folders of all makers.
   [[nodiscard]] std::vector<ProductFolder> productFolders(PayloadPart& part) const;
 
   /// Packages and files at any depth below a folder of the payload. Empty when the payload has no such folder.

@@ -6,13 +6,13 @@
 
 #include "platform/Platform.h"
 
-/// Where the payload lies in the installer's bundle, and where what belongs to no host goes. Holds nothing: everybody
-/// who asks makes one. All results are absolute paths; whether anything is there is another question.
+/// Paths of the payload in the installer's bundle and of destinations outside hosts. Stateless. All results are
+/// absolute paths, which need not exist.
 class PlugInFilesModel {
  public:
   explicit PlugInFilesModel(Platform& platform) : platform_(platform) {}
 
-  /// Whether the user's first language is the one with this code; letter case does not count.
+  /// Whether the user's first language has this code, without regard to case.
   [[nodiscard]] bool IsCurrentLocale(std::string_view languageCode) const;
 
   // Payload, in the bundle:
@@ -33,7 +33,7 @@ class PlugInFilesModel {
   [[nodiscard]] std::string userAppSupportPathForProduct(std::string_view product) const;
 
   /// The folder that the product keeps its settings in: below the "User Folder" of its own preferences when that is
-  /// there, else in the user's Application Support. The only answer that looks at the disk.
+  /// there, else in the user's Application Support. The only function that reads the disk.
   [[nodiscard]] std::string userSettingsPath() const;
 
   [[nodiscard]] std::string settingsInstallPath() const;

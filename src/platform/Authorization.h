@@ -20,7 +20,7 @@ inline constexpr LaunchStatus errAuthorizationToolExecuteFailure = -60031;
 /// Domain of errors whose code is a LaunchStatus.
 inline constexpr std::string_view authorizationErrorDomain = "NSOSStatusErrorDomain";
 
-/// Reading end of a launched tool's standard output.
+/// The reading end of a launched tool's standard output.
 class CommunicationsPipe {
  public:
   CommunicationsPipe() = default;
@@ -28,7 +28,7 @@ class CommunicationsPipe {
   CommunicationsPipe& operator=(const CommunicationsPipe&) = delete;
   virtual ~CommunicationsPipe() = default;
 
-  /// Reads up to `size` bytes, waiting until there are that many or the output has ended. Returns how many; 0 at the
+  /// Reads up to `size` bytes. Waits until there are that many or the output has ended. Returns their number, 0 at the
   /// end.
   virtual std::size_t read(char* bytes, std::size_t size) = 0;
 };
@@ -36,7 +36,7 @@ class CommunicationsPipe {
 /// A handle on administrator rights.
 class Authorization {
  public:
-  /// Flag of obtain(): extend the rights that the user has.
+  /// Flag of obtain(): extends the rights of the user.
   static constexpr std::uint32_t extendRights = 2;
 
   Authorization() = default;
@@ -44,8 +44,8 @@ class Authorization {
   Authorization& operator=(const Authorization&) = delete;
   virtual ~Authorization() = default;
 
-  /// Obtains rights, none of them named. False when they cannot be had. The user is asked for a password by the first
-  /// launch, not here.
+  /// Obtains rights without naming any. Returns false when they are not available. The first launch asks the user for a
+  /// password, this function does not.
   virtual bool obtain(std::uint32_t flags) = 0;
 
   /// Starts the tool with administrator rights and its standard output connected to `pipe`. The path is that of a
@@ -56,11 +56,11 @@ class Authorization {
                                              std::unique_ptr<CommunicationsPipe>& pipe) = 0;
 
   /// Begins a transaction on the target volume with these rights, and undoes or removes what an interrupted one left.
-  /// The user is asked for a password here or while items are staged. Fails with authorizationErrorDomain when there
-  /// are no rights to be had, and with device_or_resource_busy when another process holds the lock of the volume.
+  /// The user is asked for a password here or while items are staged. Fails with authorizationErrorDomain when rights
+  /// are not available, and with device_or_resource_busy when another process holds the lock of the volume.
   virtual Result<std::unique_ptr<Transaction>> beginTransaction() = 0;
 
-  /// Reaps the child process that ends first, whichever it is; does nothing when the installer has no child.
+  /// Waits for any child process. Returns at once when there is none.
   virtual void waitForAnyChild() = 0;
 };
 

@@ -8,7 +8,7 @@
 #include "foundation/Value.h"
 
 /// A folder laid out as an application, plug-in or other bundle: "Contents" with its Info.plist, resources and
-/// shared-support files. A damaged bundle answers as if what is damaged were missing.
+/// shared-support files. Treats damaged parts as missing.
 class Bundle {
  public:
   Bundle() = default;
@@ -20,7 +20,7 @@ class Bundle {
   [[nodiscard]] virtual std::string resourcePath() const = 0;
   [[nodiscard]] virtual std::string sharedSupportPath() const = 0;
 
-  /// A value of the info dictionary (Info.plist), or none.
+  /// Returns a value of the info dictionary (Info.plist), or none.
   [[nodiscard]] virtual Value infoValue(std::string_view key) const = 0;
 
   /// The text for the key in the table, in the first of the user's languages that the bundle has, else in English; the
@@ -47,6 +47,6 @@ class Bundles {
   /// The installer's own bundle.
   [[nodiscard]] virtual const Bundle& mainBundle() const = 0;
 
-  /// The folder at the path as a bundle; null when there is no folder. It need not hold an Info.plist.
+  /// Returns the folder at the path as a bundle, with or without an Info.plist; null when there is no folder.
   [[nodiscard]] virtual std::unique_ptr<Bundle> bundleAtPath(const std::string& path) const = 0;
 };

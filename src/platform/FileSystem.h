@@ -19,18 +19,18 @@ struct ItemAttributes {
   std::int64_t modificationNanoseconds = 0;  ///< since 1970-01-01 00:00 UTC
 };
 
-/// What to set on an item; what is empty stays as it is.
+/// Attributes to set on an item. Empty ones are left unchanged.
 struct OwnershipAndMode {
   std::optional<std::string> owner = std::nullopt;  ///< short name of a user
   std::optional<std::string> group = std::nullopt;  ///< name of a group
   std::optional<std::uint32_t> permissions = std::nullopt;
 };
 
-/// An item met on a walk through a folder.
+/// An item visited by a walk.
 struct WalkedItem {
   std::string path;
   ItemType type = ItemType::other;
-  bool isPackage = false;  ///< a folder that people see as one item: an application, a plug-in, a bundle
+  bool isPackage = false;  ///< a folder that users see as one item: an application, a plug-in, a bundle
   std::uint64_t size = 0;  ///< of a regular file, in bytes
 };
 
@@ -47,7 +47,7 @@ struct WalkHandlers {
   std::function<void(const Error&)> unreadable = {};  ///< of each folder that cannot be listed; the walk goes on
 };
 
-/// A file open for writing at its start. Closing it is its end of life.
+/// A file opened for writing from its start. The destructor closes it.
 class WritableFile {
  public:
   WritableFile() = default;
@@ -55,24 +55,24 @@ class WritableFile {
   WritableFile& operator=(const WritableFile&) = delete;
   virtual ~WritableFile() = default;
 
-  /// Writes all of it or throws Exception with the reason; part of it may then have been written.
+  /// Writes `data` or throws Exception with the reason. Part of it may then have been written.
   virtual void writeData(std::string_view data) = 0;
 };
 
-/// How much there is in an item and below it.
+/// Total sizes of an item and everything below it.
 struct TreeSize {
   std::uint64_t bytes = 0;      ///< of content
   std::uint64_t allocated = 0;  ///< bytes that the item takes on a disk, about
   std::uint64_t files = 0;      ///< regular files
 };
 
-/// Room on one file system.
+/// Free space of one file system.
 struct DiskSpace {
   std::uint64_t fileSystem = 0;  ///< tells file systems apart
   std::uint64_t available = 0;   ///< bytes that this user may still write
 };
 
-/// Keeps other installers from changing the volume as long as it lives.
+/// Holds the lock of the volume, which excludes other installers.
 class VolumeLock {
  public:
   VolumeLock() = default;
@@ -83,7 +83,7 @@ class VolumeLock {
 
 /// The disk. Paths are those of the target volume, or lie inside the installer's own bundle, which is never changed: a
 /// change below it fails with read_only_file_system. Links on the way to an item are followed inside the target volume
-/// and never lead out of it. A path that does not start with "/" leads nowhere.
+/// and never lead out of it. A path without a leading "/" does not exist.
 ///
 /// Changes are made with the rights of this process. Files and folders that it creates belong to the logged-in user and
 /// to the group of the folder that they are in, also when it runs as root. Items are installed by a Transaction.
@@ -94,16 +94,16 @@ class FileSystem {
   FileSystem& operator=(const FileSystem&) = delete;
   virtual ~FileSystem() = default;
 
-  /// Whether the path leads to an item. A link that leads nowhere is none.
+  /// Whether the path leads to an item. A dangling link does not.
   [[nodiscard]] virtual bool exists(const std::string& path) const = 0;
 
-  /// Whether the name is taken: by an item, or by a link, wherever it leads.
+  /// Whether the name is in use, be it by a dangling link.
   [[nodiscard]] virtual bool isTaken(const std::string& path) const = 0;
 
-  /// Of the item itself; a link is not followed.
+  /// Returns attributes of the item itself. Does not follow a link.
   virtual Result<ItemAttributes> attributesOfItem(const std::string& path) const = 0;
 
-  /// Names of the direct entries, hidden ones included, in ascending byte order.
+  /// Returns the names of the direct entries, with hidden ones, in ascending byte order.
   virtual Result<std::vector<std::string>> contentsOfDirectory(const std::string& path) const = 0;
 
   /// The same names in the order in which the file system lists them.
@@ -113,7 +113,7 @@ class FileSystem {
   /// entries in ascending byte order. Links are visited, not followed. A handler may change the folder's content.
   virtual void walk(const std::string& folder, const WalkHandlers& handlers) const = 0;
 
-  /// The same for a walk that passes over what cannot be listed.
+  /// Walks likewise and skips folders that cannot be listed.
   void walk(const std::string& folder, const std::function<void(const WalkedItem&)>& visit) const {
     walk(folder, WalkHandlers{.visit = visit});
   }
@@ -125,35 +125,34 @@ class FileSystem {
     return entriesOf(folder).valueOr({}).visible;
   }
 
-  /// The bytes of a regular file, at most `limit` of them from its start. Never waits for a writer.
+  /// The bytes of a regular file, at most `limit` of them from its start. Does not wait for a writer of a pipe.
   virtual Result<std::string> readFile(const std::string& path, std::size_t limit) const = 0;
 
-  /// Creates the file with this content, all of it or none: the name changes over to a complete file, which is on the
-  /// medium by then. Replaces a file or a link of that name; fails when a folder has it.
+  /// Creates the file atomically: flushes it under a hidden name, then renames it. Replaces a file or a link of that
+  /// name. Fails when the name is that of a folder.
   virtual Status createFile(const std::string& path, std::string_view content, std::uint32_t permissions) = 0;
 
-  /// Opens an existing regular file to be written from its start; what is in it stays until it is overwritten. A link
-  /// is none.
+  /// Opens an existing regular file for writing from its start. Does not truncate it and does not follow a link.
   virtual Result<std::unique_ptr<WritableFile>> openForWriting(const std::string& path) = 0;
 
-  /// Makes the folder with exactly these permissions, and the missing folders above it with the usual ones. Succeeds
-  /// when it is there already, which changes nothing. A failure may leave some of the folders above.
+  /// Creates the folder with exactly these permissions, and missing parents with default ones. Succeeds without a
+  /// change when the folder exists. A failure may leave some parents behind.
   virtual Status createDirectory(const std::string& path, std::uint32_t permissions) = 0;
 
-  /// Of the item itself; on a link the permissions are left alone. May set some and fail at another.
+  /// Sets attributes of the item itself, but not the permissions of a link. May set some and fail at another.
   virtual Status setAttributes(const std::string& path, const OwnershipAndMode& attributes) = 0;
 
-  /// Removes the item with everything below it; a link itself, never what it leads to. Not atomic: when it fails, part
-  /// of a folder's content may be gone.
+  /// Removes the item with everything below it. Removes links, not their targets. Not atomic: a failure may leave part
+  /// of a folder's content.
   virtual Status removeItem(const std::string& path) = 0;
 
-  /// Sizes of the item and of everything below it. Fails when part of it cannot be read.
+  /// Returns the sizes of the item and everything below it. Fails when part of it cannot be read.
   virtual Result<TreeSize> sizeOfItem(const std::string& path) const = 0;
 
-  /// Room for an item at the path, whose folder need not exist.
+  /// Returns the free space for an item at the path, whose folder need not exist.
   virtual Result<DiskSpace> spaceFor(const std::string& path) const = 0;
 
-  /// Whether a copy from `source` to `target` may share its blocks and need no room.
+  /// Whether a copy from `source` to `target` may share blocks and need no space.
   [[nodiscard]] virtual bool mayShareBlocks(const std::string& source, const std::string& target) const = 0;
 
   /// What could not be looked at so far, for another reason than that there is nothing: whoever asked took it for
@@ -167,7 +166,7 @@ class FileSystem {
   /// Whether the item could be removed with such rights. Looks at everything below it.
   virtual Status checkReplaceable(const std::string& path) const = 0;
 
-  /// Takes the lock of the volume. Fails with device_or_resource_busy when another installer has it. There is one lock
-  /// in a process at a time.
+  /// Takes the lock of the volume. Fails with device_or_resource_busy when another installer holds it. A process holds
+  /// at most one lock at a time.
   virtual Result<std::unique_ptr<VolumeLock>> tryLock() = 0;
 };

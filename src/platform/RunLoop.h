@@ -12,13 +12,12 @@ class RunLoop {
   RunLoop& operator=(const RunLoop&) = delete;
   virtual ~RunLoop() = default;
 
-  /// The moment that never comes.
+  /// A time that is never reached.
   static constexpr Clock::time_point distantFuture = Clock::time_point::max();
 
-  /// Waits for the first events until the limit, and handles them. False when it could not run because there is nothing
-  /// that could happen.
+  /// Waits for events until the limit and handles them. Returns false when there is nothing to wait for.
   virtual bool runBeforeDate(Clock::time_point limit) = 0;
 
-  /// Handles what happens until the limit; with the present moment, what has happened.
+  /// Handles events until the limit. Handles only pending ones when the limit is now.
   virtual void runUntilDate(Clock::time_point limit) = 0;
 };

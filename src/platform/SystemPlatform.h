@@ -17,16 +17,16 @@ class SystemPlatform {
 
   [[nodiscard]] virtual Platform& platform() = 0;
 
-  /// Where a path of the target volume lies on this machine, for people to read.
+  /// Returns the path on this machine for a path of the target volume, for display.
   [[nodiscard]] virtual std::string shownPath(const std::string& path) const = 0;
 };
 
-/// How the program is to meet the person.
+/// Whether the program runs with a window.
 enum class Surface { console, window };
 
-/// Domain of the error that tells why there is no window to be had.
+/// Domain of the error when no window can be opened.
 inline constexpr std::string_view noWindowDomain = "NoWindow";
 
 /// The platform for installing into `target`, a mounted volume or a folder laid out like one ("/" for the running
-/// system). Fails when the target cannot be entered, when the program does not lie in a bundle, or with noWindowDomain.
+/// system). Fails when the target cannot be opened, when the program does not lie in a bundle, or with noWindowDomain.
 [[nodiscard]] Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& target, Surface surface);

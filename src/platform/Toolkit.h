@@ -24,7 +24,7 @@ struct Rect {
   Size size;
 };
 
-/// A part of the window. The window owns how it looks.
+/// A part of the window. Its appearance belongs to the window.
 class View {
  public:
   View() = default;
@@ -44,7 +44,7 @@ class View {
   [[nodiscard]] virtual std::shared_ptr<View> superview() const = 0;
 };
 
-/// Black and grey are what the person's appearance makes of them: on a dark window, black text is light.
+/// Colours follow the user's appearance: black text is light on a dark window.
 enum class TextColour { black, grey };
 
 /// A line of text. Its font has the system's usual size.
@@ -58,14 +58,14 @@ class TextField : public virtual View {
 
 class ImageView : public virtual View {
  public:
-  /// Null: shows nothing.
+  /// Shows the picture, or nothing when it is null.
   virtual void setImage(const Picture& image) = 0;
 };
 
 /// A list whose rows can be selected.
 class ListView : public virtual View {
  public:
-  /// Makes the row, counted from 0, the only selected one; one that does not exist selects none.
+  /// Selects only this row, counted from 0. Selects none when it does not exist.
   virtual void selectRow(std::size_t row) = 0;
 };
 
@@ -76,14 +76,14 @@ class Window {
   Window& operator=(const Window&) = delete;
   virtual ~Window() = default;
 
-  /// Puts the window into the middle of the screen and shows it.
+  /// Centres the window on the screen and shows it.
   virtual void centre() = 0;
-  /// Takes the window away, without asking the application's delegate.
+  /// Closes the window without asking the application's delegate.
   virtual void close() = 0;
 };
 
-/// What was made from an interface description. Look-ups take the names given in the description, and yield null for
-/// one that is not there or is of another kind.
+/// Objects created from an interface description. Look-ups by the names in the description return null for an unknown
+/// name or another type.
 class Interface {
  public:
   Interface() = default;
@@ -110,7 +110,7 @@ struct Alert {
 
 enum class AlertAnswer { defaultButton, alternateButton };
 
-/// Has a folder of the target volume chosen.
+/// A panel for choosing a folder of the target volume.
 struct OpenPanel {
   std::string title;
   std::string message;
@@ -119,7 +119,7 @@ struct OpenPanel {
   std::function<bool(const std::string& path)> shouldShowFilename;
 };
 
-/// Told what happens to the application.
+/// Receives events of the application.
 class ApplicationDelegate {
  public:
   ApplicationDelegate() = default;
@@ -127,12 +127,12 @@ class ApplicationDelegate {
   ApplicationDelegate& operator=(const ApplicationDelegate&) = delete;
   virtual ~ApplicationDelegate() = default;
 
-  /// Asked before the person's wish to close the window is followed.
+  /// Called before the user closes the window. Return false to keep it open.
   [[nodiscard]] virtual bool windowShouldClose() = 0;
   [[nodiscard]] virtual bool applicationShouldTerminateAfterLastWindowClosed() const = 0;
 };
 
-/// Talks to the person at the machine.
+/// The user interface.
 class Toolkit {
  public:
   Toolkit() = default;
@@ -148,8 +148,8 @@ class Toolkit {
   /// path, or nothing when the person cancels.
   virtual std::optional<std::string> runOpenPanel(const OpenPanel& panel) = 0;
 
-  /// Makes what the installer bundle's interface description of that name describes, and connects it to its owner,
-  /// which must outlive it. Fails when the description is missing or damaged.
+  /// Loads the interface description of this name from the installer's bundle and connects it to `owner`, which must
+  /// outlive it. Fails when the description is missing or damaged.
   virtual Result<std::unique_ptr<Interface>> loadInterface(const std::string& name, InterfaceOwner& owner) = 0;
 
   /// The picture of that name in the installer's bundle; null when there is none that can be read.

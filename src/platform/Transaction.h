@@ -16,19 +16,19 @@ struct TransactionItem {
   bool losesQuarantine = false;  ///< whether the download-quarantine mark is left out of the copy
 };
 
-/// What became of an item in one step.
+/// Result of one step for an item.
 struct ItemResult {
-  Status status;  ///< the error's text names the path; authorizationErrorDomain when there are no rights to be had
-  Status attributes = {};  ///< the first owner, mode or time that the file system did not take
+  Status status;           ///< the error's text names the path; authorizationErrorDomain when rights are not available
+  Status attributes = {};  ///< the first owner, mode or time that could not be set
 };
 
-/// What was copied since a transaction began.
+/// Amount copied since the transaction began.
 struct CopiedAmount {
   std::uint64_t bytes = 0;  ///< of content
   std::uint64_t files = 0;
 };
 
-/// Follows a transaction, on the calling thread. It must not change the transaction.
+/// Observes a transaction on the calling thread. Must not change the transaction.
 class TransactionObserver {
  public:
   TransactionObserver() = default;
@@ -36,9 +36,9 @@ class TransactionObserver {
   TransactionObserver& operator=(const TransactionObserver&) = delete;
   virtual ~TransactionObserver() = default;
 
-  /// The turn of the item has come. Items have their turns in order; the copying may be ahead of it.
+  /// Called for each item in order. Copying may be ahead of it.
   virtual void willStage(std::size_t item) = 0;
-  /// The item is staged or has failed. Return false to stop.
+  /// Called when the item is staged or has failed. Return false to stop.
   [[nodiscard]] virtual bool didStage(std::size_t item, const ItemResult& result) = 0;
   /// Called every few hundredths of a second while a step takes longer than that. Return false to stop staging; other
   /// steps go on.
@@ -56,7 +56,7 @@ class Transaction {
   Transaction() = default;
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
-  /// Finishes, see finish(), without telling of what stays behind.
+  /// Calls finish() and ignores what stays behind.
   virtual ~Transaction() = default;
 
   /// Stages the items in order. Their numbers go on from the previous call, beginning with 0. An item that fails leaves

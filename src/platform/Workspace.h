@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// An application that was started through the workspace. Nothing happens to it when this object goes.
+/// An application launched through the workspace. Destroying this object does not end it.
 class RunningApplication {
  public:
   RunningApplication() = default;
@@ -13,16 +13,16 @@ class RunningApplication {
   RunningApplication& operator=(const RunningApplication&) = delete;
   virtual ~RunningApplication() = default;
 
-  /// Asks the application to end; does not wait for it. One that has ended is left alone.
+  /// Asks the application to end and does not wait. Does nothing when it has ended.
   virtual void terminate() = 0;
 };
 
-/// The applications of the machine, as the person knows them.
+/// The applications of the machine.
 class Workspace {
  public:
   using TerminationHandler = std::function<void(const std::string& applicationName)>;
   using LaunchHandler = std::function<void(const std::string& applicationName)>;
-  /// The observation lasts as long as this object.
+  /// Ends the observation when it is destroyed.
   using Observation = std::shared_ptr<void>;
 
   Workspace() = default;
@@ -47,7 +47,7 @@ class Workspace {
   virtual std::unique_ptr<RunningApplication> launchHidden(const std::string& path,
                                                            const std::vector<std::string>& arguments) = 0;
 
-  /// Shows the address in the person's browser. Failing to is not reported.
+  /// Opens the address in the user's browser. Ignores failures.
   virtual void openUrl(const std::string& url) = 0;
 
   /// Shows the file or folder at the path of the target volume in the application that the person has for it. Failing

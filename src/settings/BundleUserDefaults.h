@@ -10,23 +10,23 @@
 /// Domain in which the installer keeps its own settings.
 inline constexpr const char* installerPreferencesDomain = "com.corvane.installer";
 
-/// A settings store on one named preferences domain. What the domain does not hold falls back to registered defaults,
-/// which are kept in memory only. A store that lives until the program ends writes its domain's changes then.
+/// A settings store for one preferences domain. Missing values fall back to registered defaults, which are kept only in
+/// memory. Writes the changes of its domain when the program terminates.
 class BundleUserDefaults {
  public:
   [[nodiscard]] static BundleUserDefaults initWithPersistentDomainName(Platform& platform, std::string domain);
 
-  /// The stored value, else the registered one, else none.
+  /// Returns the stored value, else the registered default, else none.
   [[nodiscard]] Value objectForKey(const std::string& key) const;
 
-  /// In memory; synchronize() writes it.
+  /// Changes the value in memory; synchronize() writes it.
   void setObject(Value value, const std::string& forKey);
   void removeObjectForKey(const std::string& key);
 
-  /// Replaces what was registered before, as a whole.
+  /// Replaces all registered defaults.
   void registerDefaults(Value::Dictionary defaults);
 
-  /// Writes the domain's changes; false when that failed.
+  /// Writes the changes of the domain. Returns false when that failed.
   bool synchronize();
 
  private:

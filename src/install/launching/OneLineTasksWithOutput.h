@@ -9,7 +9,7 @@
 #include "platform/Platform.h"
 
 /// Runs system tools, each in one call that is synchronous for the caller. Tool paths are absolute; an argument reaches
-/// the tool as it is, with no shell between. Nothing here has a time-out.
+/// the tool as it is, with no shell between. There are no time-outs.
 namespace OneLineTasksWithOutput {
 
 /// Domain of every error from here.

@@ -61,7 +61,7 @@ std::optional<std::string> configureLumatraExternalEditors(Platform& platform, P
     return std::nullopt;
   }
 
-  // Not worth failing an install for: without a new list Lumatra X offers the editors that it offered before.
+  // Not a failure of the install: Lumatra X goes on with the old list.
   const Status created = platform.files.createFile(list, text, 0644);
   if (!created) {
     platform.log.write(created.error().description());

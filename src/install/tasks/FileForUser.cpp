@@ -5,14 +5,14 @@
 #include "foundation/Path.h"
 
 bool writeFileForUser(Platform& platform, PrivilegedTools& tools, const FileForUser& file, std::string_view content) {
-  // Written under another name: whatever happens meanwhile, the file of this name is whole.
+  // Write under another name first, so that the file is always complete.
   const std::string fresh = joinPath(deletingLastPathComponent(file.path), "." + lastPathComponent(file.path) + ".new");
   tools.runIgnoringResult("/bin/rm", {"-fR", fresh});
   tools.runIgnoringResult("/usr/bin/touch", {fresh});
   tools.runIgnoringResult("/usr/sbin/chown", {"-R", tools.ownerText(), fresh});
   tools.runIgnoringResult(file.chmodTool, {"-R", file.mode, fresh});
 
-  // Whether the tools did their work shows now, with the user's own rights.
+  // Opening it with the user's own rights shows whether the tools have succeeded.
   const auto opened = platform.files.openForWriting(fresh);
   if (!opened) {
     platform.log.write(file.cannotOpen);

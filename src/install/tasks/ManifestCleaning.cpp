@@ -17,7 +17,7 @@ constexpr std::string_view manifestFolders;
 void cleanManifests(Platform& platform) {
   const std::string company = companyName(platform);
   if (company.empty()) {
-    // Without the name, the manifests of every maker would go.
+    // Without the name, this would remove the manifests of all makers.
     platform.log.write("The strings table has no company_name: manifests are not cleaned");
     return;
   }
@@ -27,7 +27,7 @@ void cleanManifests(Platform& platform) {
       if (item.type != ItemType::regularFile || lastPathComponent(item.path) != "manifest.xml") return;
       ignore(platform.files.removeItem(item.path));
     };
-    // A stale manifest costs the application some time, no more: what cannot be listed or removed is no failure.
+    // Ignore failures: a stale manifest only costs the application some time.
     platform.files.walk(joinPath(base, folder), {.visit = visit, .unreadable = [](const Error& /*error*/) {}});
   }
 }

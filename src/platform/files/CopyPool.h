@@ -16,8 +16,8 @@
 #include "platform/files/FileCopy.h"
 #include "platform/files/FolderListing.h"
 
-/// Copies items with everything below them, several at a time. The threads have the rights of the thread that makes the
-/// pool. One that cannot be started is done without.
+/// Copies items with everything below them, several at a time. The threads have the rights of the thread that creates
+/// the pool. Works with fewer threads when some cannot be started.
 class CopyPool {
  public:
   /// An item to be copied to a free name in an open folder.
@@ -30,11 +30,11 @@ class CopyPool {
   };
 
   struct Outcome {
-    Status content;     ///< why there is no complete copy; what there is of it is the caller's to remove
+    Status content;     ///< why the copy is incomplete; the caller removes what exists of it
     Status attributes;  ///< the first attribute that could not be set
   };
 
-  /// Whether the calling thread copies, too, while it waits for an item.
+  /// Whether the calling thread also copies while it waits.
   enum class Caller { helps, onlyWaits };
 
   /// `copied` grows with the bytes of content.
@@ -47,12 +47,12 @@ class CopyPool {
   /// Queues the items, and starts threads when there is work for several. Their numbers go on from 0.
   void add(std::vector<Request> requests);
 
-  /// How many items were added.
+  /// Number of added items.
   [[nodiscard]] std::size_t size() const { return items_.size(); }
 
   /// Waits until the item is complete or has failed, but not much longer than `limit`. Returns whether it is done.
   [[nodiscard]] bool waitFor(std::size_t item, std::chrono::milliseconds limit);
-  /// The outcome of an item that is done, once.
+  /// Returns the outcome of a finished item. Call it once per item.
   [[nodiscard]] Outcome takeOutcome(std::size_t item);
 
   /// Lets the items that are not complete fail with operation_canceled, and returns when nothing is being copied.
@@ -76,7 +76,7 @@ class CopyPool {
   void copyItem(const std::shared_ptr<Item>& item);
   void copyFolder(const std::shared_ptr<Item>& item, FileDescriptor source, int targetParent, const std::string& name);
   void copyFiles(const std::shared_ptr<Folder>& folder, std::vector<std::string> names);
-  /// Leaves half of the files that are not done to a thread that has nothing to do.
+  /// Gives half of the remaining files to an idle thread.
   void shareFiles(const std::shared_ptr<Folder>& folder, std::size_t done, std::vector<std::string>& names);
 
   const Caller caller_;
@@ -84,7 +84,7 @@ class CopyPool {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::vector<std::shared_ptr<Item>> items_;
-  std::size_t next_ = 0;  ///< the first item that nobody has begun
+  std::size_t next_ = 0;  ///< the first item not begun yet
   std::deque<Job> jobs_;
   std::vector<std::thread> threads_;
   std::size_t running_ = 0;               ///< jobs

@@ -13,7 +13,7 @@ struct Ownership {
   gid_t group = 0;
 };
 
-/// Changes with more rights than this thread has. Each is tried with the own rights first by its caller, who asks here
+/// Changes with more rights than this thread has. Callers try each change with their own rights first and come here
 /// after EACCES or EPERM. Every change fails with operation_not_permitted where the rights do not reach.
 class Elevation {
  public:
@@ -45,7 +45,7 @@ class Elevation {
          (status.error().is(std::errc::permission_denied) || status.error().is(std::errc::operation_not_permitted));
 }
 
-/// For a process whose own rights are all there are.
+/// For a process that has no further rights.
 class NoElevation : public Elevation {
  public:
   [[nodiscard]] bool covers(const std::string& /*resolved*/) const override { return false; }

@@ -28,7 +28,7 @@ class Attempt {
   CopyErrors errors;
 };
 
-/// Copies the bytes in pieces, each of which is counted when it is there.
+/// Copies the bytes in pieces and counts each when it is written.
 int copyRange(int source, int target, off_t offset, off_t end, CopyCount& copied) {
   constexpr off_t piece = off_t{8} << 20U;
   while (offset < end) {
@@ -47,7 +47,7 @@ int copyContent(int source, int target, const struct stat& status, CopyCount& co
   while (offset < status.st_size) {
     const off_t data = ::lseek(source, offset, SEEK_DATA);
     if (data < 0 && errno == ENXIO) break;                                      // a hole up to the end
-    if (data < 0) return copyRange(source, target, 0, status.st_size, copied);  // the file system does not tell
+    if (data < 0) return copyRange(source, target, 0, status.st_size, copied);  // the file system has no such query
     const off_t hole = ::lseek(source, data, SEEK_HOLE);
     const off_t end = hole < 0 ? status.st_size : hole;
     if (const int error = copyRange(source, target, data, end, copied)) return error;

@@ -10,14 +10,14 @@
 
 #include "platform/files/Elevation.h"
 
-/// What a copy gets instead of what its source has.
+/// Attributes of the copy that differ from the source.
 struct CopyAttributes {
-  std::optional<Ownership> ownership = std::nullopt;  ///< none: the copy has it from its folder
+  std::optional<Ownership> ownership = std::nullopt;  ///< none: inherited from the folder
   mode_t mode = 0;
   bool losesQuarantine = false;
 };
 
-/// Grows while files are copied, by several threads.
+/// Amount copied so far, updated by several threads.
 struct CopyCount {
   std::atomic<std::uint64_t> bytes = 0;
   std::atomic<std::uint64_t> files = 0;
@@ -26,7 +26,7 @@ struct CopyCount {
 /// 0 or errno values.
 struct CopyErrors {
   int content = 0;    ///< why there is no complete copy
-  int attribute = 0;  ///< the first attribute that the file system does not know or does not let this process set
+  int attribute = 0;  ///< the first attribute that the file system lacks or that this process may not set
 };
 
 /// Copies an open regular file, whose status is known, to a free name: content with its holes, modification time,
@@ -39,7 +39,7 @@ CopyErrors copyFile(int source, const struct stat& status, int targetFolder, con
 CopyErrors copyFile(int sourceFolder, const std::string& name, int targetFolder, const CopyAttributes& attributes,
                     CopyCount& copied);
 
-/// Copies a link as a link.
+/// Copies a link itself, not its target.
 CopyErrors copyLink(int sourceFolder, const std::string& sourceName, int targetFolder, const std::string& targetName,
                     const CopyAttributes& attributes);
 

@@ -11,8 +11,8 @@
 
 #include "platform/posix/FileDescriptor.h"
 
-/// A walk through everything below a folder that can be interrupted at any entry. No link is followed, not even one
-/// that takes a folder's place while the walk goes on; a folder that cannot be opened is passed over. Only the folders
+/// A walk through everything below a folder that can be suspended at any entry. Follows no link, not even one that
+/// replaces a folder during the walk. Skips folders that cannot be opened. Only the folders
 /// on the way down to the present place are open: a Mac's paths have room for 512 of them.
 class FolderWalk {
  public:

@@ -40,7 +40,7 @@ Result<std::unique_ptr<Transaction>> StagedTransaction::begin(const Volume& volu
 }
 
 StagedTransaction::~StagedTransaction() {
-  if (unflushed_ == 0) static_cast<void>(removeAreas());  // the next transaction tries again
+  if (unflushed_ == 0) static_cast<void>(removeAreas());  // the next transaction retries
 }
 
 Status StagedTransaction::stage(std::span<const TransactionItem> items, TransactionObserver& observer) {
@@ -148,7 +148,7 @@ Result<std::size_t> StagedTransaction::areaFor(const TargetFolder& found) {
   if (!wanted) return wanted.error();
   const auto known = std::ranges::find(fileSystems_, *wanted);
   if (known != fileSystems_.end()) return static_cast<std::size_t>(known - fileSystems_.begin());
-  // Noted first: an area that nobody knows of would stay.
+  // Record the area before creating it: an unknown area would never be removed.
   const std::string path = joinPath(found.place.resolved, StagingArea::folderName);
   if (Status noted = areas_.front().noteArea(path); !noted) return noted.error();
   if (Status added = add(found.place.resolved); !added) return added.error();
@@ -223,7 +223,7 @@ void StagedTransaction::attend(const std::function<void()>& work, TransactionObs
   try {
     done = std::async(std::launch::async, work);
   } catch (const std::system_error&) {
-    return work();  // no thread to be had
+    return work();  // no thread available
   }
   while (done.wait_for(observedEvery) == std::future_status::timeout) static_cast<void>(observer.whileBusy(copied()));
   done.get();

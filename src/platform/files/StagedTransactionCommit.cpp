@@ -47,7 +47,7 @@ std::vector<Status> StagedTransaction::commit(std::span<const std::size_t> items
   return results;
 }
 
-/// How many copies of each folder are about to be placed.
+/// Counts the listed copies of each folder.
 std::vector<std::size_t> StagedTransaction::countListed(std::span<const std::size_t> items) const {
   std::vector<std::size_t> listed(folders_.size());
   for (const std::size_t number : items) {
@@ -82,8 +82,8 @@ Status StagedTransaction::commitItem(Item& item, const std::vector<std::size_t>&
   return placed;
 }
 
-/// Items that go to a folder that does not exist yet get there in one step, folder and all. Where that fails, they get
-/// there one by one.
+/// Moves the items of a missing target folder in one step, with the folder itself. When that fails, they are moved one
+/// by one.
 void StagedTransaction::moveWholeFolder(std::size_t number) {
   Folder& folder = folders_[number];
   const auto staged = stagedFolder(number);
@@ -130,10 +130,10 @@ Status StagedTransaction::placeInTwoSteps(const Item& item, const Volume::Spot& 
   Status placed = moveItem(staged, target, Move::toFreeName, elevation_);
   if (placed) return {};
   const Status back = moveOld(item, target, /*isSetAside=*/false);
-  return back ? placed : back;  // the next transaction tries again
+  return back ? placed : back;  // the next transaction retries
 }
 
-/// Sets the old item aside, or gives it its place back.
+/// Sets the old item aside, or moves it back.
 Status StagedTransaction::moveOld(const Item& item, const Volume::Spot& target, bool isSetAside) {
   const StagingArea& area = areas_[folders_[item.folder].area];
   const auto old = area.openOldFolder(item.folder);
@@ -169,7 +169,7 @@ std::vector<Error> StagedTransaction::removeAreas() {
   source_ = {};
   staged_ = target_ = {};
   std::vector<Error> left;
-  // Others first: the main area tells where they are.
+  // The main area last: it lists the others.
   for (auto area = areas_.rbegin(); area != areas_.rend(); ++area) {
     Status removed = area->markDone();
     if (const Status attempted = area->remove(elevation_); !attempted) removed = attempted;

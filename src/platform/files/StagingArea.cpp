@@ -39,7 +39,7 @@ class LeftArea {
   LeftArea(const Volume& volume, Elevation& elevation, const Ownership& ownership)
       : volume_(volume), elevation_(elevation), ownership_(ownership) {}
 
-  /// Nothing is there: success.
+  /// Succeeds when there is no area.
   Status recover(const std::string& path) {
     auto place = volume_.find(path, LastLink::keep, Purpose::change);
     if (!place && place.error().is(std::errc::no_such_file_or_directory)) return {};
@@ -66,7 +66,7 @@ class LeftArea {
   }
 
  private:
-  /// An area of somebody else's, in a folder that they can write to, says what they want it to say.
+  /// Whether nobody but root and the user can have planted the area.
   [[nodiscard]] bool isTrusted(int area, int parent) const {
     struct stat itself {};
     struct stat holding {};
@@ -104,7 +104,7 @@ class LeftArea {
     return {};
   }
 
-  /// Root moves what a user's area tells it to no further than that user could.
+  /// Whether root may move an item there. A user's area must not let root move items where that user could not.
   [[nodiscard]] bool mayMove(int area, const std::string& resolved) const {
     struct stat status {};
     return ::geteuid() != 0 || elevation_.covers(resolved) || (::fstat(area, &status) == 0 && status.st_uid == 0);

@@ -15,7 +15,7 @@
 
 namespace {
 
-/// As long as any name may be, however long `name` is.
+/// Returns a hidden name of fixed length, however long `name` is.
 std::string hiddenNameFor(std::string_view name) {
   std::uint64_t hash = 14695981039346656037U;  // FNV-1a
   for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
@@ -24,7 +24,7 @@ std::string hiddenNameFor(std::string_view name) {
   return ".installing-" + digits;
 }
 
-/// Whether nobody else has prepared the file: a second name for somebody's file, for one.
+/// Whether the file is a new one of ours, and not a hard link to another file.
 bool isOurs(const struct stat& status) {
   return S_ISREG(status.st_mode) && status.st_nlink == 1 && status.st_uid == ::geteuid();
 }
@@ -67,7 +67,7 @@ Result<TemporaryFile> TemporaryFile::open(int folder, const std::string& name, c
     }
     while (::flock(file.get(), LOCK_EX) != 0 && errno == EINTR) {
     }
-    // Whoever had the lock before may have moved the file to its place.
+    // The previous holder of the lock may have renamed the file.
     if (!isNamed(folder, hidden, status)) continue;
     if (::ftruncate(file.get(), 0) != 0) return systemError(errno, subject);
     return TemporaryFile(folder, name, hidden, subject, std::move(file));

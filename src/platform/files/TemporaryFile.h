@@ -7,8 +7,7 @@
 #include "platform/posix/FileDescriptor.h"
 
 /// A file that is written under a hidden name beside its place and then takes the place in one step. A place always has
-/// the same hidden name, so that what a killed process left is used by the next one who writes there. Two who write at
-/// the same time take turns.
+/// the same hidden name, so the next writer reuses what a killed process left. Concurrent writers take turns.
 class TemporaryFile {
  public:
   /// Opens the empty file for writing, in an open folder; `name` is that of its place. `subject` names it in errors.
@@ -20,7 +19,7 @@ class TemporaryFile {
 
   [[nodiscard]] int handle() const { return file_.get(); }
 
-  /// Writes all of it or fails.
+  /// Writes all of the content or fails.
   Status write(std::string_view content);
 
   /// Flushes the file to the medium and moves it to its place, over what is there.

@@ -44,7 +44,7 @@ Status checkRemovable(int folder, const std::string& name, bool withOwnRights) {
   const FileDescriptor inner(::openat(folder, name.c_str(), folderToRead | O_NOFOLLOW));
   if (!inner) {
     const bool isFolder = errno != ENOTDIR && errno != ELOOP;
-    // A file or a link goes with the right to its folder. What only others can look into, they remove, too.
+    // Removing a file or a link needs rights to its folder only. EACCES: the elevation looks into it and removes it.
     return isFolder && withOwnRights ? systemError(errno, name) : Status();
   }
   const auto entries = listFolder(inner.get());

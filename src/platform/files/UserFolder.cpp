@@ -22,11 +22,11 @@ Status makeWithOwnRights(const Volume::Spot& place, mode_t mode, const Ownership
   if (::mkdirat(place.folder, place.name, 0700) != 0) return systemError(errno, place.resolved);
   const auto made = open(place);
   if (!made) return made.error();
-  // The mode first: who is not of the group cannot set its bit, and giving a folder away leaves the bit alone.
+  // Mode before owner: only members of the group can set the set-group-id bit, and chown keeps it.
   if (::fchmod(made->get(), mode) != 0) return systemError(errno, place.resolved);
   const Status given =
       systemStatus(::fchown(made->get(), ownership.user, ownership.group) != 0 ? errno : 0, place.resolved);
-  // The folder serves its purpose in any group.
+  // The folder works with any group.
   if (isLackOfRights(given) && elevation.covers(place.resolved)) ignore(elevation.handOver(place));
   return given || isLackOfRights(given) ? Status() : given;
 }

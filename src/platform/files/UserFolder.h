@@ -15,7 +15,7 @@ enum class FolderRole { holdsItem, isAboveThat, leadsThere };
 
 /// Opens the folder on the volume, and creates what is missing of it for the user: the folder that holds an item and
 /// the one above it with mode 0775 and the group of what is installed, those further up with mode 0755 and the group
-/// that new folders have there. A link that leads nowhere stays in the way: the disk that it leads to may be back
-/// tomorrow.
+/// that new folders have there. Fails at a dangling link: its target may be a disk that is not mounted
+/// at present.
 Result<FileDescriptor> openOrMakeUserFolders(const Volume& volume, const std::string& path, FolderRole role,
                                              const Ownership& ownership, Elevation& elevation);

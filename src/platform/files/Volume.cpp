@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int mostLinks = 40;
+constexpr int maxLinks = 40;
 
 /// Pushes the path's components so that the first is on top.
 void pushComponents(std::vector<std::string>& pending, std::string_view path) {
@@ -39,7 +39,7 @@ struct Volume::Walk {
   void goUp() {
     if (!names.empty()) names.pop_back();
     if (folders.size() > names.size() + 1) folders.pop_back();
-    if (folders.size() == names.size() + 1) error = 0;  // back among what exists
+    if (folders.size() == names.size() + 1) error = 0;  // the rest exists again
   }
 
   void goToRoot() {
@@ -92,7 +92,7 @@ Result<Volume::Walk> Volume::walk(const std::string& path, LastLink lastLink, Pu
       link = readLink(walk.folder(), name);
     }
     if (link) {
-      if (++links > mostLinks) return Error::posix(std::errc::too_many_symbolic_link_levels, path);
+      if (++links > maxLinks) return Error::posix(std::errc::too_many_symbolic_link_levels, path);
       if (link->starts_with('/')) walk.goToRoot();
       pushComponents(pending, *link);
       walk.error = 0;
@@ -145,7 +145,7 @@ bool Volume::isDanglingLink(const std::string& path) const {
 }
 
 Result<std::shared_ptr<FileDescriptor>> Volume::tryLock() const {
-  // The helper has a copy of the descriptor: closing this one would not unlock.
+  // Unlock explicitly: the helper holds a copy of the descriptor, so closing this one is not enough.
   const auto unlock = [](FileDescriptor* lock) {
     ::flock(lock->get(), LOCK_UN);
     delete lock;

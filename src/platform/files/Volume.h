@@ -7,12 +7,11 @@
 #include "foundation/Result.h"
 #include "platform/posix/FileDescriptor.h"
 
-/// The target volume: where its paths lie on this system. Nothing else knows. Its root is opened once: whatever becomes
-/// of the path of the root, this is the folder that is meant.
+/// Maps paths of the target volume to this system; nothing else does. Opens the root once, so renaming or replacing the
+/// root's path has no effect.
 ///
-/// Links on the volume are resolved as the system booted from it would: an absolute one starts at the volume's root,
-/// and
-/// ".." stops there. Paths of the installer's own bundle are those of this system.
+/// Resolves links as a system booted from the volume would: an absolute one starts at the volume's root, and ".." stops
+/// there. Paths of the installer's own bundle are those of this system.
 class Volume {
  public:
   /// What to do about a link as the last component of a path; links before it are always followed.

@@ -13,5 +13,5 @@
 /// own.
 [[nodiscard]] Status checkMacVolume(int folder, uid_t user, const std::string& shownPath);
 
-/// Opens the volume to install into and checks it as above. Fails when it is no folder or cannot be entered.
+/// Opens the volume to install into and checks it as above. Fails when the target is not a folder or cannot be opened.
 [[nodiscard]] Result<Volume> openMacVolume(const std::string& target, const std::string& bundlePath, uid_t user);

@@ -2,7 +2,7 @@
 
 #include "platform/Processor.h"
 
-/// Asks the processor itself, where it is one that can be asked.
+/// Reads the identification of the processor, if it has the CPUID instruction.
 class CpuidProcessor : public Processor {
  public:
   [[nodiscard]] Registers identification(std::uint32_t leaf, std::uint32_t subLeaf) const override;

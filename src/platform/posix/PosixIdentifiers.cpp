@@ -11,7 +11,7 @@
 
 std::string PosixIdentifiers::makeUuid() {
   std::array<unsigned char, 16> bytes{};
-  // Cannot fail for so few bytes; an identifier that is not random must not be given out.
+  // Cannot fail for at most 256 bytes. Never return an identifier that is not random.
   if (::getentropy(bytes.data(), bytes.size()) != 0) std::abort();
   bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0FU) | 0x40U);  // version 4: random
   bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3FU) | 0x80U);  // the usual variant

@@ -27,7 +27,7 @@ std::optional<uid_t> parseNumber(std::string_view text) {
   return number;
 }
 
-/// The caller of sudo or pkexec. Only root's environment is believed: anybody else could write there what they like.
+/// Returns the caller of sudo or pkexec. Trusts only root's environment: other users can set any variables.
 std::optional<uid_t> callerOfElevation() {
   if (::geteuid() != 0) return std::nullopt;
   for (const char* const variable : {"SUDO_UID", "PKEXEC_UID"}) {
@@ -46,12 +46,12 @@ Result<UserAccount> loggedInUser() {
   if (const passwd* const entry = ::getpwuid(id)) {
     return UserAccount{id, entry->pw_gid, entry->pw_name, entry->pw_dir};
   }
-  // Some of these the C library gives for an account that there is not.
+  // Values of errno that the C library may set for an unknown account.
   constexpr std::array unknown = {0, ENOENT, ESRCH, EBADF, EPERM};
   if (std::ranges::find(unknown, errno) == unknown.end()) {
     return Error::posix(static_cast<std::errc>(errno), "the account of the user");
   }
-  // An account that the database does not know, as containers have them: its number serves as its name.
+  // An account without an entry in the database, as in containers: its number serves as its name.
   return UserAccount{id, ::getgid(), std::to_string(id), "/"};
 }
 

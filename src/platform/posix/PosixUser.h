@@ -18,8 +18,8 @@ struct UserAccount {
   std::string home;  ///< on this system
 };
 
-/// Who runs this process, or who called sudo or pkexec when that made it root. Fails when the database of accounts
-/// cannot be read.
+/// Returns the user who runs this process, or who called sudo or pkexec when the process is root. Fails when the
+/// database of accounts cannot be read.
 Result<UserAccount> loggedInUser();
 
 /// The user's home folder as a path of the volume with this root: their own on the running system, else one of their
@@ -40,7 +40,7 @@ class PosixUser : public User {
   std::vector<std::string> languages_;
 };
 
-/// Number of the user with the short name; nothing when there is none.
+/// Returns the number of the user with this name; nothing when there is none.
 [[nodiscard]] std::optional<uid_t> userNumber(const std::string& name);
 
 /// Number of the group. "admin" is 80, which it is on every Mac, where the system has no group of that name.
@@ -55,8 +55,8 @@ struct LanguageVariables {
 };
 
 /// Language codes from such values ("de_AT.UTF-8" gives "de-AT" and "de"), weighed as the system's own programs do;
-/// English is the last resort.
+/// English is the last one.
 [[nodiscard]] std::vector<std::string> preferredLanguages(const LanguageVariables& variables);
 
-/// From the environment of this process.
+/// Reads the environment of this process.
 [[nodiscard]] std::vector<std::string> preferredLanguages();

@@ -56,8 +56,8 @@ std::optional<std::string> programOfProcess(pid_t id) {
 /// Whether a process of the interpreter may be running this file as its script, and not just working on it. A script
 /// that cannot be looked at is taken for one that runs.
 bool mayBeScriptOf(const std::string& interpreter, const std::string& script) {
-  constexpr std::size_t longestFirstLine = 256;  // what the system reads of it
-  const auto start = readStart(script, longestFirstLine);
+  constexpr std::size_t maxFirstLine = 256;  // what the system reads of it
+  const auto start = readStart(script, maxFirstLine);
   if (!start) return true;
   if (!start->starts_with("#!")) return false;
   const std::string line = replacingOccurrences(start->substr(2, start->find('\n') - 2), "\t", " ");
@@ -72,8 +72,8 @@ std::optional<std::string> bundleOfProcess(pid_t id) {
   if (program) {
     if (auto bundle = bundleOfProgram(*program)) return bundle;
   }
-  constexpr std::size_t longestCommandLine = std::size_t{4} * PATH_MAX;
-  const auto commandLine = readStart(inProc(id, "cmdline"), longestCommandLine);
+  constexpr std::size_t maxCommandLine = std::size_t{4} * PATH_MAX;
+  const auto commandLine = readStart(inProc(id, "cmdline"), maxCommandLine);
   if (!commandLine || commandLine->empty()) return std::nullopt;
   const std::vector<std::string_view> arguments = split(*commandLine, '\0');
   if (!program) {
@@ -99,9 +99,9 @@ std::optional<std::string> bundleOfProgram(std::string_view program) {
 }
 
 std::optional<std::uint64_t> startTimeOfProcess(pid_t id) {
-  constexpr std::size_t longestStatus = 4096;
+  constexpr std::size_t maxStatus = 4096;
   constexpr std::size_t startTimeAfterName = 20;  // the third field is the first after the name
-  const auto status = readStart(inProc(id, "stat"), longestStatus);
+  const auto status = readStart(inProc(id, "stat"), maxStatus);
   if (!status) return std::nullopt;
   // The name is in parentheses, and may itself hold blanks and parentheses.
   const std::size_t nameEnd = status->rfind(')');

@@ -7,8 +7,8 @@
 
 #include "foundation/Result.h"
 
-/// What a child process gets. Everything else it does not: no other descriptor, no environment but PATH and a plain
-/// locale, no signal disposition or mask of ours.
+/// A child process to start. It inherits no other descriptor, no environment except PATH and the C locale, and no
+/// signal disposition or mask.
 struct ChildProcess {
   std::string executable;
   std::vector<std::string> arguments;  ///< without the program's name

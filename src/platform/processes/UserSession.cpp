@@ -19,24 +19,24 @@
 
 namespace {
 
-/// What tells a program the person's language and display.
+/// Variables for the user's language and display.
 constexpr std::array passedOn = {"LANG",         "LANGUAGE",        "LC_ALL",
                                  "LC_CTYPE",     "LC_MESSAGES",     "DISPLAY",
                                  "XAUTHORITY",   "WAYLAND_DISPLAY", "XDG_CURRENT_DESKTOP",
                                  "XDG_DATA_DIRS"};
 
 std::string groupsOf(const UserAccount& account) {
-  constexpr int mostGroups = 1024;
-  std::array<gid_t, mostGroups> groups{};
-  int count = mostGroups;
-  // An account without an entry, or in more groups than that, gets along with its own group.
+  constexpr int maxGroups = 1024;
+  std::array<gid_t, maxGroups> groups{};
+  int count = maxGroups;
+  // Unknown accounts, and accounts in more groups, get only their primary group.
   if (::getgrouplist(account.name.c_str(), account.group, groups.data(), &count) < 0) return {};
   std::string text;
   for (int i = 0; i < count; ++i) text += (i > 0 ? "," : "") + std::to_string(groups.at(static_cast<std::size_t>(i)));
   return text;
 }
 
-/// The number that the helper writes once the program runs; nothing when it ends without one.
+/// Reads the process number that the helper writes once the program runs; nothing when it ends without one.
 std::optional<pid_t> readProcess(int pipe) {
   std::array<char, 32> bytes{};
   std::size_t size = 0;
@@ -68,7 +68,7 @@ std::vector<std::string> UserSession::environment() const {
   for (const char* const name : passedOn) {
     if (const char* const value = std::getenv(name)) variables.push_back(std::string(name) + "=" + value);
   }
-  // Ours would be root's under sudo; these are where every login session has them.
+  // Under sudo our own variables are root's. These are the paths of every login session.
   const std::string runtime = "/run/user/" + std::to_string(account.id);
   if (::access(runtime.c_str(), F_OK) == 0) {
     variables.push_back("XDG_RUNTIME_DIR=" + runtime);

@@ -15,9 +15,9 @@ class UserSession {
       : user_(user), helpersFolder_(std::move(helpersFolder)) {}
 
   /// Starts the program of this system as the logged-in user, without the rights that this process may have, in a
-  /// session of its own, with that user's home and display and nothing else of our environment. It is no child of this
-  /// process: nobody has to wait for it, and who waits for any child does not meet it. Gives a descriptor that stands
-  /// for the process; the error tells that it could not be started.
+  /// session of its own, with that user's home and display and nothing else of our environment. It is not a child
+  /// of this process, so waiting for any child does not find it. Returns a descriptor for the process. Fails when it
+  /// cannot be started.
   [[nodiscard]] Result<FileDescriptor> start(const std::string& program,
                                              const std::vector<std::string>& arguments) const;
 

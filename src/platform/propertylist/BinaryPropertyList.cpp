@@ -32,7 +32,7 @@ class Reader {
         objectCount_ > (trailer - tableOffset_) / offsetSize_) {
       return fail("its trailer is wrong");
     }
-    // Objects may be shared, so that a small file can stand for a huge value. No honest one has more values than bytes.
+    // Objects may be shared, so a small file can expand to a huge value. Valid files have fewer values than bytes.
     budget_ = bytes_.size();
     return readObject(top, 0);
   }

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t largestBundleFile = std::size_t{16} << 20U;
+constexpr std::size_t maxBundleFile = std::size_t{16} << 20U;
 
 }  // namespace
 
@@ -27,7 +27,7 @@ Value BundleOnDisk::readInfo() const {
   // An application or plug-in, a framework, and a bundle of the old flat form.
   for (const char* const place : {"Contents/Info.plist", "Resources/Info.plist", "Info.plist"}) {
     const std::string path = joinPath(path_, place);
-    const auto bytes = files_.readFile(path, largestBundleFile);
+    const auto bytes = files_.readFile(path, maxBundleFile);
     if (!bytes) continue;
     auto value = readPropertyList(*bytes);
     if (value) return std::move(*value);
@@ -78,7 +78,7 @@ BundleOnDisk::Texts BundleOnDisk::readTable(std::string_view table) const {
 }
 
 std::optional<BundleOnDisk::Texts> BundleOnDisk::readTableFile(const std::string& path) const {
-  const auto bytes = files_.readFile(path, largestBundleFile);
+  const auto bytes = files_.readFile(path, maxBundleFile);
   if (!bytes) return std::nullopt;
   // Tables that a build has compiled are property lists.
   if (bytes->starts_with("bplist") || bytes->starts_with("<?xml")) {

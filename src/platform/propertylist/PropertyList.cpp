@@ -11,7 +11,7 @@
 
 namespace {
 
-/// XML has no way to write most control characters, nor the two code points that are none.
+/// Whether XML can represent the code point: not most control characters, U+FFFE and U+FFFF.
 bool canBeWritten(std::string_view text) {
   if (text.find("\xEF\xBF\xBE") != std::string_view::npos || text.find("\xEF\xBF\xBF") != std::string_view::npos) {
     return false;

@@ -6,7 +6,7 @@
 #include "foundation/Result.h"
 #include "foundation/Value.h"
 
-/// Reads a property list in its XML or binary form. The bytes come from outside: whatever they are, the answer is a
+/// Reads a property list in its XML or binary form. Untrusted input gives a
 /// value or an error. Nesting beyond 128 levels, and a value beyond what the bytes can hold, are errors.
 Result<Value> readPropertyList(std::string_view bytes);
 

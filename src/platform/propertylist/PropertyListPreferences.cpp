@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::size_t largestPreferences = std::size_t{16} << 20U;
+constexpr std::size_t maxPreferences = std::size_t{16} << 20U;
 
 }  // namespace
 
@@ -28,14 +28,14 @@ std::string PropertyListPreferences::userFile(const std::string& domain) const {
 }
 
 std::optional<Value::Dictionary> PropertyListPreferences::read(const std::string& path) const {
-  const auto bytes = files_.readFile(path, largestPreferences + 1);
+  const auto bytes = files_.readFile(path, maxPreferences + 1);
   if (!bytes && bytes.error().is(std::errc::no_such_file_or_directory)) return Value::Dictionary();
   Error problem = Error::posix(std::errc::file_too_large, path);
   if (!bytes) {
     problem = bytes.error();
   } else if (bytes->empty()) {
-    return Value::Dictionary();  // as a settings program leaves it when it is stopped at the wrong moment
-  } else if (bytes->size() <= largestPreferences) {
+    return Value::Dictionary();  // a program was stopped while it wrote the file
+  } else if (bytes->size() <= maxPreferences) {
     auto value = readPropertyList(*bytes);
     if (value && value->as<Value::Dictionary>() != nullptr) return std::move(*value->as<Value::Dictionary>());
     problem =
@@ -77,7 +77,7 @@ bool PropertyListPreferences::synchronize(const std::string& domain) {
   const auto changes = changes_.find(domain);
   if (changes == changes_.end()) return true;
   const std::string path = userFile(domain);
-  // Read again at the last moment: other programs may have written to the domain since.
+  // Read again: other programs may have written to the domain since.
   auto dictionary = read(path);
   if (!dictionary) return false;
   for (const auto& [key, value] : changes->second) {

@@ -11,7 +11,7 @@
 #include "platform/Preferences.h"
 
 /// Preferences as one property list a domain: the user's in Library/Preferences of the home folder, those for all users
-/// in /Library/Preferences. What is still unwritten when this ends is written then.
+/// in /Library/Preferences. The destructor writes pending changes.
 class PropertyListPreferences final : public Preferences {
  public:
   PropertyListPreferences(FileSystem& files, const Folders& folders, Log& log)
@@ -28,13 +28,13 @@ class PropertyListPreferences final : public Preferences {
   [[nodiscard]] static bool isDomainName(const std::string& domain);
   [[nodiscard]] std::string userFile(const std::string& domain) const;
   [[nodiscard]] Value valueForAllUsers(const std::string& key, const std::string& domain) const;
-  /// The dictionary in the file; empty when there is no file, nothing when there is one that cannot be understood.
+  /// Returns the dictionary in the file: empty when there is no file, nothing when it is malformed.
   [[nodiscard]] std::optional<Value::Dictionary> read(const std::string& path) const;
 
   FileSystem& files_;
   const Folders& folders_;
   Log& log_;
-  /// By domain, then by key: what has been set and not yet written. No value: to be deleted.
+  /// Changes that are not written yet, by domain and key. No value: to be deleted.
   std::map<std::string, Value::Dictionary> changes_;
   mutable std::set<std::string> complaints_;  ///< lines that the log has
 };

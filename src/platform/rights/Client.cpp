@@ -22,7 +22,7 @@ namespace {
 
 Error notServed(std::string_view why) { return Error::posix(std::errc::operation_not_permitted, why); }
 
-/// Whether every tool that raises rights, as far as one was used, was called by this user.
+/// Whether sudo and pkexec, if they were used, were called by this user.
 bool wasCalledBy(uid_t user) {
   for (const char* const variable : {"SUDO_UID", "PKEXEC_UID"}) {
     const char* const caller = std::getenv(variable);
@@ -44,7 +44,7 @@ Result<std::vector<gid_t>> groupsOf(int socket) {
   return groups;
 }
 
-/// A process that is neither quite the one nor the other user must do nothing more.
+/// Ends the process: changing the user has failed half-way.
 void require(bool succeeded) {
   if (!succeeded) std::_Exit(EXIT_FAILURE);
 }
@@ -103,7 +103,7 @@ Result<Client> clientOf(int socket) {
   return client;
 }
 
-// The C library's calls would change all threads at once, those that copy among them.
+// The C library's functions would change all threads, with those that copy. The system calls change one thread.
 
 void becomeClient(const Client& client) {
   constexpr int unchanged = -1;

@@ -25,7 +25,7 @@ Status HelperElevation::makeFolder(const Volume::Spot& place, mode_t mode) {
   const char* const name = place.name;
   const AsHelper helper(client_);
   if (!places_.cover(place.resolved)) {
-    // The places themselves, and what holds them, are everybody's: they stay root's.
+    // The places and their parents are shared by all users and stay root's.
     if (!places_.holdOne(place.resolved)) return refuse(place);
     return systemStatus(::mkdirat(folder, name, 0755) != 0 ? errno : 0, place.resolved);
   }
@@ -33,11 +33,11 @@ Status HelperElevation::makeFolder(const Volume::Spot& place, mode_t mode) {
   const FileDescriptor made(::openat(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   struct stat status {};
   if (!made || ::fstat(made.get(), &status) != 0) return systemError(errno, place.resolved);
-  // Whoever may rename in the folder may have put another one in its place. Only an empty one of root's is handed over.
+  // Avoids a race: another user may have replaced the folder. Hand over only an empty folder of root's.
   const auto entries = listFolder(made.get());
   const bool isTheOne = status.st_uid == 0 && (status.st_mode & 0777U) == 0700 && entries && entries->empty();
   if (!isTheOne) return refuse(place);
-  // The mode first: without the right to keep it, the set-group-id bit can be set for a group of one's own only.
+  // Mode before owner: afterwards the set-group-id bit could be set only for a group of the caller.
   if (::fchmod(made.get(), mode) != 0) return systemError(errno, place.resolved);
   return systemStatus(::fchown(made.get(), ownership_.user, ownership_.group) != 0 ? errno : 0, place.resolved);
 }
@@ -63,7 +63,7 @@ Status HelperElevation::handOver(const Volume::Spot& place) {
 Status HelperElevation::makeFile(const Volume::Spot& place) {
   if (!places_.cover(place.resolved)) return refuse(place);
   const AsHelper helper(client_);
-  // Only what was not there before: an old file of somebody else's is theirs.
+  // O_EXCL: an existing file keeps its owner.
   constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
   const FileDescriptor made(::openat(place.folder, place.name, flags, 0644));
   const bool isMade = made && ::fchown(made.get(), ownership_.user, ownership_.group) == 0;

@@ -134,7 +134,7 @@ bool HelperService::serve() {
 }
 
 bool HelperService::answer(const Packet& packet, FileDescriptor descriptor) {
-  if (packet.name == InstallerSays::stop) return true;  // it came too late
+  if (packet.name == InstallerSays::stop) return true;  // the step had ended already
   isGone_ = !send(carryOut(packet, descriptor)) || isGone_;
   return true;
 }

@@ -27,13 +27,13 @@ bool isSet(const char* variable) {
   return value != nullptr && *value != '\0';
 }
 
-/// A terminal that this process is not in the foreground of would stop whoever reads from it.
+/// Whether this process is in the foreground of its terminal: reading stops a background process.
 bool ownsTerminal() {
   const FileDescriptor terminal(::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC));
   return terminal && ::tcgetpgrp(terminal.get()) == ::getpgrp();
 }
 
-/// A group of the user's own, which some systems give everybody, lets nobody else in.
+/// Whether the group is the user's private group, which has no other members.
 bool isGroupOfUserAlone(gid_t number) {
   const passwd* const user = ::getpwuid(::getuid());
   if (user == nullptr || user->pw_gid != number) return false;
@@ -48,10 +48,10 @@ bool isGroupOfUserAlone(gid_t number) {
 
 bool isOutOfReach(const struct stat& status) {
   if (status.st_uid != 0 && status.st_uid != ::getuid()) return false;
-  // In a folder like /tmp everybody makes items and nobody takes away another's.
+  // Sticky folders such as /tmp: users cannot remove each other's items.
   if (S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX) != 0) return true;
   if ((status.st_mode & S_IWOTH) != 0) return false;
-  // An access control list that lets others in shows as rights of the group, root's included.
+  // With an ACL the group bits are the ACL mask, whatever the group is.
   return (status.st_mode & S_IWGRP) == 0 || isGroupOfUserAlone(status.st_gid);
 }
 
@@ -66,7 +66,7 @@ std::optional<SocketPair> makeSocketPair() {
   return SocketPair{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
 }
 
-/// Starts the program that asks. It detaches at once, so that it is nobody's child and no wait of ours finds it.
+/// Starts the program that asks. It detaches at once, so waiting for any child does not find it.
 bool startAsking(const std::string& program, const std::vector<std::string>& command, int helpersSocket, int report) {
   std::vector<char*> arguments = {const_cast<char*>(program.c_str())};
   for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
@@ -85,7 +85,7 @@ bool startAsking(const std::string& program, const std::vector<std::string>& com
   return true;
 }
 
-/// What became of the question, when the helper did not come to be ready.
+/// Status when the helper did not become ready.
 LaunchStatus outcome(int report, bool isPkexec) {
   AskingReport asked;
   if (::read(report, &asked, sizeof asked) != sizeof asked) return errAuthorizationDenied;
@@ -94,7 +94,7 @@ LaunchStatus outcome(int report, bool isPkexec) {
   return errAuthorizationDenied;
 }
 
-/// Waits for the helper's first message, or for the news that there will be none.
+/// Waits for the helper's first message. Returns false when there will be none.
 bool isFirstMessageThere(int socket, int report, const std::function<void()>& meanwhile) {
   constexpr int pause = 30;
   std::array<pollfd, 2> polled = {pollfd{socket, POLLIN, 0}, pollfd{report, POLLIN, 0}};

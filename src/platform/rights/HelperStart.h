@@ -31,8 +31,8 @@ struct AskingMeans {
 /// Those of this process.
 [[nodiscard]] AskingMeans askingMeans();
 
-/// The command to put before the helper's, so that the user is asked where they are looking, and nobody is asked where
-/// nobody looks. Empty when rights cannot be had.
+/// Returns the command that runs the helper with rights. It asks for the password where the user can see it, and not at
+/// all where nobody can. Empty when rights are not available.
 [[nodiscard]] std::vector<std::string> askingCommand(const AskingMeans& means, Surface surface);
 
 /// Asks the user for a password if the system wants one, starts the helper with administrator rights, and waits until
@@ -40,5 +40,5 @@ struct AskingMeans {
 [[nodiscard]] std::variant<HelperConnection, LaunchStatus> startHelper(const HelperSetup& setup,
                                                                        const AskingMeans& means);
 
-/// Whether nobody but root and the user of this process can put another program in the place of this one.
+/// Whether only root and the user of this process can replace the program.
 [[nodiscard]] bool isOutOfReachOfOthers(const std::string& program);

@@ -14,7 +14,7 @@ struct Message {
   enum class Kind {
     whole,
     broken,  ///< longer than a message may be, or with more than one descriptor
-    end,     ///< there is nobody on the other side any more
+    end,     ///< the other side has closed the connection
   };
   Kind kind = Kind::end;
   std::string bytes = {};
@@ -28,7 +28,7 @@ class MessageSocket {
 
   [[nodiscard]] int descriptor() const { return socket_.get(); }
 
-  /// Waits for room. False when nobody is on the other side.
+  /// Waits for buffer space. Returns false when the other side has closed the connection.
   [[nodiscard]] bool send(std::string_view bytes, int descriptor = -1) const;
 
   /// Waits for a message. One without bytes counts as the end.

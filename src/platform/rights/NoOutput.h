@@ -2,7 +2,7 @@
 
 #include "platform/Authorization.h"
 
-/// The output of a change that no program makes.
+/// Empty output, for a change that is made without a program.
 class NoOutput : public CommunicationsPipe {
  public:
   std::size_t read(char* /*bytes*/, std::size_t /*size*/) override { return 0; }
