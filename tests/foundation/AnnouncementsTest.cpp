@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(KeyValueObserving, NestsAndStandsChangesOfItsObservers) {
+TEST(KeyValueObserving, ToleratesNestingAndChangesByObservers) {
   KeyValueObserving object;
   std::string told;
   KeyValueObserving::Observation second;

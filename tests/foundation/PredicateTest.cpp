@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(Predicate, TestsTexts) {
+TEST(Predicate, EvaluatesOperatorsByPrecedence) {
   const Value argument("a' OR SELF == 'b");
   const auto holds = [&](const char* predicate, const char* text) {
     return Predicate::parse(predicate, {&argument, 1}).evaluate(Value(text));
@@ -20,7 +20,7 @@ TEST(Predicate, TestsTexts) {
   EXPECT_TRUE(holds("(SELF LIKE %@)", "a' OR SELF == 'b"));
 }
 
-TEST(Predicate, RefusesWhatIsNone) {
+TEST(Predicate, RejectsMalformedPredicates) {
   for (const std::string& text :
        std::vector<std::string>{"", "SELF", "SELF ==", "SELF == 'a", "(SELF == 'a'", "SELF == 'a')", "SELF ~ 'a'",
                                 "SELF == 'a' SELF == 'b'", "SELF == %@", std::string(100000, '(')}) {

@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST(Text, TellsEncodingsApart) {
+TEST(Text, DetectsEncodings) {
   for (const auto* const good : {"", "Größe", "日本語", "\xF4\x8F\xBF\xBF"}) EXPECT_EQ(decodeUtf8(good), good);
   for (const auto* const bad :
        {"\xFF", "\xC3", "\xC0\xAF", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "a\x80"}) {
@@ -25,7 +25,7 @@ TEST(Text, TellsEncodingsApart) {
   for (const auto& bad : {"Ma\xDF"s, "\xFE\xFF\xD8\x3D"s, "\xFF\xFE\x41"s}) EXPECT_FALSE(decodeTextFile(bad).lossless);
 }
 
-TEST(Text, FindsNumbersAndReplacesTexts) {
+TEST(Text, ParsesNumbersAndReplacesText) {
   EXPECT_EQ(std::to_string(integerValue(" 6 beta")) + std::to_string(integerValue("-5.1")), "6-5");
   EXPECT_EQ(integerValue("99999999999999999999"), std::numeric_limits<std::int64_t>::max());
   EXPECT_EQ(replacingOccurrences("/a/a/a", "/a", "/b/a"), "/b/a/b/a/b/a");
@@ -44,12 +44,14 @@ TEST(Path, IsJoinedAndTakenApart) {
     EXPECT_EQ(lastPathComponent(path), name) << path;
     EXPECT_EQ(pathExtension(path), extension) << path;
   }
-  EXPECT_TRUE(isAtOrBelow("/a/b", "/a/") && isAtOrBelow("/a", "/a"));
-  EXPECT_FALSE(isAtOrBelow("/ab", "/a") || isAtOrBelow("/a", ""));
+  EXPECT_TRUE(isAtOrBelow("/a/b", "/a/"));
+  EXPECT_TRUE(isAtOrBelow("/a", "/a"));
+  EXPECT_FALSE(isAtOrBelow("/ab", "/a"));
+  EXPECT_FALSE(isAtOrBelow("/a", ""));
   EXPECT_EQ(fileUrl("/A b/ü?#%"), "file:///A%20b/%C3%BC%3F%23%25");
 }
 
-TEST(Format, FillsInWhatItCan) {
+TEST(Format, ToleratesMissingAndExtraPlaceholders) {
   EXPECT_EQ(formatted("%2$@ of %1$@, %d", "one", "two"), "two of one, one");
   EXPECT_EQ(formatted("100%% %@", "%@"), "100% %@") << "an argument is no format";
   EXPECT_EQ(formatted("%@ %@ %9$@|", "few"), "few  |");
@@ -74,7 +76,7 @@ bare-word_1.2 = 'single';
   EXPECT_EQ(parseStringsTable("\xFF\xFE\"\0k\0\"\0=\0\"\0\xE4\0\"\0;\0"s).texts.at("k"), "ä");
 }
 
-TEST(StringsTable, KeepsWhatStandsBeforeTheFault) {
+TEST(StringsTable, KeepsEntriesBeforeAnError) {
   for (const auto* const fault : {"\"b\" = \"cut sho", "\"b\" =", "\"b\" = c", "= d;", "/* no end", "\"b\" \"c\";"}) {
     const StringsTable table = parseStringsTable("\"a\" = \"kept\";\n" + std::string(fault));
     EXPECT_EQ(table.texts.at("a"), "kept") << fault;

@@ -76,20 +76,25 @@ TEST_F(HostsControllerTest, GoesToTheCustomScreenAndBack) {
             "+enableForward -enableForward +own.customPath +own.customPath64 +enableForward "
             "-own.customPath -own.customPath64 -enableForward ");
   EXPECT_EQ(shown() + " " + selected(), "custom Folder ") << "no other host";
-  EXPECT_TRUE(main_.isChosen && controller_.willBranch(-1) && !controller_.willBranch(1));
+  EXPECT_TRUE(main_.isChosen);
+  EXPECT_TRUE(controller_.willBranch(-1));
+  EXPECT_FALSE(controller_.willBranch(1));
 
   const auto custom = main_.found.back();
   EXPECT_TRUE(controller_.overrideBackButton("back"));
   EXPECT_EQ(shown() + " " + selected(), "list Lightroom Photoshop CC 2019 ");
   EXPECT_TRUE(custom->hostIsSelected()) << "the one that is no longer in the list, too";
-  EXPECT_FALSE(main_.isChosen || controller_.willBranch(1) || controller_.overrideBackButton("back"));
+  EXPECT_FALSE(main_.isChosen);
+  EXPECT_FALSE(controller_.willBranch(1));
+  EXPECT_FALSE(controller_.overrideBackButton("back"));
 
   main_.isAllowed = true;
   controller_.performAction("checkboxClicked:", "tick");
   EXPECT_TRUE(main_.isAllowed) << "a tick in the list ends custom install only where it is chosen";
   main_.isChosen = true;
   controller_.performAction("checkboxClicked:", "tick");
-  EXPECT_FALSE(main_.isAllowed || main_.isChosen);
+  EXPECT_FALSE(main_.isAllowed);
+  EXPECT_FALSE(main_.isChosen);
 }
 
 TEST_F(HostsControllerTest, EnablesForwardOnceThereIsSomethingToInstallSomewhere) {
@@ -145,7 +150,8 @@ TEST_F(HostsControllerTest, WritesTheChoicesIntoTheCustomHostAndRemembersItsFold
     page.setInstallScriptsAndPanelsChosen(true);
     main_.selected = main_.found;
     page.didProceed(1);
-    EXPECT_FALSE(custom.shouldInstallPanels() || custom.shouldInstallScripts());
+    EXPECT_FALSE(custom.shouldInstallPanels());
+    EXPECT_FALSE(custom.shouldInstallScripts());
     EXPECT_EQ(custom.shouldInstallPlugIns(), withPlugIn);
     const std::string kept = readFile(machine_.inLibrary("Preferences/com.corvane.installer.plist"));
     EXPECT_NE(kept.find("/Mine"), std::string::npos) << "on the disk, should a signal end the program";

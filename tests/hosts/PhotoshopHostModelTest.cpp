@@ -56,7 +56,7 @@ TEST_F(PhotoshopHostModelTest, TakesItsFoldersFromAPathsFile) {
   }
 }
 
-TEST_F(PhotoshopHostModelTest, SurvivesPathsFilesOfAnyBytes) {
+TEST_F(PhotoshopHostModelTest, ToleratesAnyBytesInPathsFiles) {
   writeFile(on("/PS/Photoshop.app/x"), "");
   for (const auto& content :
        {""s, "\0/PS\0/PS/Filters\0"s, "\xFF\xFE/PS\0/PS/Filters\0"s, "PS relative\0Filters\0"s, "/\0/PS/Filters\0"s,

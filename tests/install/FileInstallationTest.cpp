@@ -40,7 +40,7 @@ class FileInstallationTest : public MachineTest {
   InstallFilesController controller_{platform_};
 };
 
-TEST_F(FileInstallationTest, StagesAllFlushesAndPutsThemInPlaceInOneGo) {
+TEST_F(FileInstallationTest, StagesFlushesAndCommitsAllTogether) {
   writeFile(on("/T/file/inside"), "a folder is in the way");
   const Paths installed = {"/T/file", "/T/plain"};
   install({source("file"), source("plain")});
@@ -102,7 +102,7 @@ TEST_F(FileInstallationTest, MakesFoldersWithToolsWhereTheUserMayNot) {
   }
 }
 
-TEST_F(FileInstallationTest, ReportsEachFileThatFailsAndGoesOn) {
+TEST_F(FileInstallationTest, ReportsEachFailedFileAndContinues) {
   writeFile(on("/T/b"), "old");
   rights_.transaction.unstageable = {{"/T/a", std::errc::io_error}, {"/T/b", std::errc::permission_denied}};
   rights_.transaction.uncommittable = {{"/T/late", std::errc::resource_unavailable_try_again},
@@ -155,7 +155,7 @@ TEST_F(FileInstallationTest, ChangesNothingWithoutRights) {
   for (const int code : {5530, 5540}) EXPECT_TRUE(InstallFilesController::isFatalAuthCode(code));
 }
 
-TEST_F(FileInstallationTest, InstallsOneAfterTheOtherWhereAllTogetherDoNotFit) {
+TEST_F(FileInstallationTest, InstallsOneByOneWhenAllTogetherDoNotFit) {
   const Paths sources = {source("a"), source("b"), source("c")};
   writeFile(on("/T/b"), "old");
   // The room is found to be too small only when it is used up.
@@ -186,7 +186,7 @@ TEST_F(FileInstallationTest, InstallsOneAfterTheOtherWhereAllTogetherDoNotFit) {
   EXPECT_EQ(machine_.toolkit.alerts.back().message, "There is not enough room: 1 MB are needed, 1 MB are available.");
 }
 
-TEST_F(FileInstallationTest, LeavesEverythingAsItWasWhenItIsAskedToEndInTime) {
+TEST_F(FileInstallationTest, ChangesNothingWhenItIsInterruptedInTime) {
   writeFile(on("/T/a"), "old");
   for (const std::string moment : {"stage /T/b", "flush", "commit 0 1"}) {
     rights_.transaction = {};
@@ -243,7 +243,7 @@ TEST_F(FileInstallationTest, WaitsForAnotherInstaller) {
   EXPECT_EQ(controller_.report().interruption->signal, 2);
 }
 
-TEST_F(FileInstallationTest, SurvivesSourcesAndDestinationsOfAnyShape) {
+TEST_F(FileInstallationTest, ToleratesAnyKindOfSourceAndDestination) {
   writeFile(on("/File"), "a file where a folder is needed");
   fs::create_directory_symlink("/nowhere", on("/Dangling"));
   const fs::path outside = on("").parent_path();
@@ -294,7 +294,8 @@ TEST_F(FileInstallationTest, TouchesNoMakersFoldersWithoutAName) {
   const fs::path theirs = machine_.inLibrary("Application Support/Other/manifest.xml");
   for (const fs::path& file : {mine, theirs}) writeFile(file, "");
   controller_.install({}, /*shouldConfigureLumatraExternalEditors=*/true);
-  EXPECT_TRUE(fs::exists(mine) && fs::exists(theirs));
+  EXPECT_TRUE(fs::exists(mine));
+  EXPECT_TRUE(fs::exists(theirs));
   EXPECT_FALSE(controller_.fileOpErrorOccurred()) << "the rest goes on";
 }
 

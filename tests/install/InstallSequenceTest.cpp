@@ -79,7 +79,8 @@ TEST_F(InstallSequenceTest, MovesOnByItselfFromThePage) {
     EXPECT_FALSE(controller_.canProceed(1));
   };
   enter();
-  EXPECT_FALSE(wasInProgress || view_->isHidden);
+  EXPECT_FALSE(wasInProgress);
+  EXPECT_FALSE(view_->isHidden);
   EXPECT_TRUE(controller_.successfulInstall());
   EXPECT_EQ(*model_->mainLabelText() + ", " + model_->informativeText().string(), "Installing Corvane, Done");
   EXPECT_EQ(controller_.installedPaths(),
@@ -88,12 +89,15 @@ TEST_F(InstallSequenceTest, MovesOnByItselfFromThePage) {
                    inLightroom_}));
   EXPECT_TRUE(main_.announced.starts_with("+enableForward +enableBackward +canProceed +copyInProgress "));
   EXPECT_TRUE(main_.announced.ends_with("-copyInProgress next -successfulInstall ")) << main_.announced;
-  EXPECT_TRUE(std::ranges::is_sorted(shown) && shown.front() == 0 && shown.back() == 1);
+  EXPECT_TRUE(std::ranges::is_sorted(shown));
+  EXPECT_EQ(shown.front(), 0);
+  EXPECT_EQ(shown.back(), 1);
   const auto isNearTheEnd = [](double fraction) { return fraction > 0.5 && fraction < 0.8; };
   EXPECT_TRUE(std::ranges::any_of(shown, isNearTheEnd)) << "the large bundle is done, the large file is not";
 
   controller_.didProceed(1);
-  EXPECT_TRUE(view_->isHidden && controller_.successfulInstall());
+  EXPECT_TRUE(view_->isHidden);
+  EXPECT_TRUE(controller_.successfulInstall());
   main_.announced.clear();
   enter(-1);
   EXPECT_EQ(main_.announced, "") << "nothing is installed on the way back";
@@ -149,7 +153,7 @@ TEST_F(InstallSequenceTest, EndsInFailureWithoutRights) {
   EXPECT_FALSE(fs::exists(manifest));
 }
 
-TEST_F(InstallSequenceTest, LogsWhatWasInstalledUpToAFailure) {
+TEST_F(InstallSequenceTest, LogsItemsInstalledBeforeAFailure) {
   writeFile(on(inPhotoshop_), "old");
   machine_.authorizations.transaction.unstageable = {{inPhotoshop_, std::errc::io_error}};
   enter();
@@ -191,7 +195,7 @@ TEST_F(InstallSequenceTest, ChangesNothingWhenItIsStoppedInTime) {
   EXPECT_LT(controller_.progress(), 1);
 }
 
-TEST_F(InstallSequenceTest, TellsOnceOfWhatWasUnreadable) {
+TEST_F(InstallSequenceTest, ReportsUnreadableItemsOnce) {
   ASSERT_EQ(::mknod(on("/Library/socket").c_str(), S_IFSOCK | 0600, 0), 0);
   static_cast<void>(platform_.files.readFile("/Library/socket", 10));
   controller_.install({photoshop_}, false);

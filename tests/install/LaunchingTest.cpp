@@ -19,7 +19,8 @@ TEST_F(UnprivilegedLaunchTest, CollectsBothOutputs) {
   EXPECT_EQ(stringByLaunchingPath(platform_, "/bin/echo", {"$HOME", "*", "a b", ""}).output, "$HOME * a b \n");
 
   const LaunchResult missing = stringByLaunchingPath(platform_, "/no/such/tool", {});
-  EXPECT_TRUE(!missing.output && missing.error->code == -1);
+  EXPECT_FALSE(missing.output);
+  EXPECT_EQ(missing.error->code, -1);
   EXPECT_EQ(missing.error->description(), "/no/such/tool: No such file or directory");
   EXPECT_EQ(shell("printf '\\377'").error->code, -1) << "output that is no text";
 }

@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(CommandLine, IsQuietOnlyWhenThatComesFirst) {
+TEST(CommandLine, IsQuietOnlyWithTheOptionFirst) {
   using Arguments = std::vector<std::string_view>;
   const auto summary = [](const Arguments& arguments) {
     const CommandLine line = parseCommandLine(arguments);

@@ -45,7 +45,7 @@ class QuietInstallTest : public testing::Test {
   fs::path volume_ = folder_.path() / "volume";
 };
 
-TEST_F(QuietInstallTest, RefusesATargetThatIsNone) {
+TEST_F(QuietInstallTest, RejectsInvalidTargets) {
   writeFile(folder_.path() / "file", "");
   fs::create_directories(folder_.path() / "empty");
   fs::create_directories(folder_.path() / "half/Applications");
@@ -122,7 +122,7 @@ TEST_F(QuietInstallAsRootTest, InstallsForWhoCalledSudo) {
   EXPECT_EQ(install().output + installed(log_), before) << "the same again";
 }
 
-TEST_F(QuietInstallAsRootTest, IsAnotherProductsWithAnotherPayload) {
+TEST_F(QuietInstallAsRootTest, InstallsAnotherProductFromAnotherPayload) {
   fs::remove_all(payload_);
   fs::remove(bundle_ / "Contents/Info.plist");
   writeFile(payload_ / "PHOTOSHOP_PLUGINS/Granby.txt", "Granby");
@@ -137,7 +137,7 @@ TEST_F(QuietInstallAsRootTest, IsAnotherProductsWithAnotherPayload) {
             std::string::npos);
 }
 
-TEST_F(QuietInstallAsRootTest, SaysWhatFailed) {
+TEST_F(QuietInstallAsRootTest, NamesFailuresInItsSummary) {
   ::mkfifo((payload_ / "PHOTOSHOP_PLUGINS/Corvane/Dunmore 3.plugin/Contents/pipe").c_str(), 0600);
   writeFile(payload_ / "PHOTOSHOP_PLUGINS/Corvane/\x1b[31mred", "");
   const Outcome outcome = install();
@@ -169,7 +169,7 @@ TEST_F(QuietInstallAsRootTest, NeedsTheDescriptionOfItsWindow) {
   EXPECT_NE(outcome.errors.find("no window: "), std::string::npos) << outcome.errors;
 }
 
-TEST_F(QuietInstallAsRootTest, AsksNobodyWhereNobodyCanAnswer) {
+TEST_F(QuietInstallAsRootTest, DoesNotAskWithoutATerminal) {
   openToAll();
   const Outcome outcome = install("setsid -w setpriv --reuid=65534 --regid=65534 --clear-groups --reset-env");
   EXPECT_EQ(outcome.status, 0);
@@ -182,7 +182,7 @@ TEST_F(QuietInstallAsRootTest, AsksNobodyWhereNobodyCanAnswer) {
   EXPECT_TRUE(fs::exists(volume_ / "Users/nobody/Library/Application Support/Corvane/Pelloria 4/manifest.xml"));
 }
 
-TEST_F(QuietInstallAsRootTest, TellsAFailureByItsStatus) {
+TEST_F(QuietInstallAsRootTest, ReportsFailuresByItsStatus) {
   EXPECT_EQ(run("SUDO_UID=65534", "-quiet -target '" + volume_.string() + "' >/dev/full; echo $? >" +
                                       (folder_.path() / "status").string() + "; true")
                 .status,
@@ -289,11 +289,11 @@ TEST_F(QuietInstallAsUserTest, InstallsWithOnePrompt) {
   EXPECT_EQ(ownerOf(volume_ / "Applications/Corvane Dunmore 3 Studio.app/Contents"), owner);
 }
 
-TEST_F(QuietInstallAsUserTest, StopsWhenTheUserCancelsOrIsRefused) {
+TEST_F(QuietInstallAsUserTest, StopsWhenThePasswordIsCancelledOrRefused) {
   const Outcome outcome = installAnswering("exit 1");
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_TRUE(outcome.says("Items installed: 0\n") && outcome.says("  Administrator rights were refused.\n"))
-      << outcome.output;
+  EXPECT_TRUE(outcome.says("Items installed: 0\n")) << outcome.output;
+  EXPECT_TRUE(outcome.says("  Administrator rights were refused.\n")) << outcome.output;
   EXPECT_EQ(readFile(asked_), "asked\n") << "and nobody is asked again";
   EXPECT_EQ(namesIn(volume_ / "Library/Application Support"), "Adobe");
   EXPECT_EQ(statusOfLaunches("exit 1"), 6) << "cancelled";
@@ -342,7 +342,7 @@ TEST_F(QuietInstallByPolkitTest, InstallsUnderADesktop) {
   EXPECT_EQ(statusOfLaunches("DISPLAY", ":77", folder_.path()), 5) << "nobody there to be asked";
 }
 
-TEST_F(QuietInstallAsRootTest, GoesOnWhenNobodyReadsItsOutput) {
+TEST_F(QuietInstallAsRootTest, ContinuesWhenItsOutputIsClosed) {
   EXPECT_EQ(install("SUDO_UID=65534", " 2>&1 >&- </dev/null | true").status, 0);
   EXPECT_NE(installed(log_).find("CC 2015.5"), std::string::npos) << "up to the last host";
 }

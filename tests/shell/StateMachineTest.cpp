@@ -53,7 +53,7 @@ TEST_F(StateMachineTest, GoesForwardAndBack) {
   EXPECT_EQ(moves_, "-1>0 0>1 1>0 0>-1 ") << "tells of -1 wherever it was";
 }
 
-TEST_F(StateMachineTest, StaysWhenThePageSaysNo) {
+TEST_F(StateMachineTest, StaysWhenThePageRefuses) {
   state_->gotoStartingState(nullptr);
   moves_.clear();
   page_.agrees = false;

@@ -79,7 +79,7 @@ TEST_F(KillTrial, LosesNothingToSignals) {
   }
 }
 
-TEST_F(KillTrial, TellsOfASignalInItsSummary) {
+TEST_F(KillTrial, ReportsASignalInItsSummary) {
   const double whole = duration(Who::root);
   int unchanged = 0;
   int completed = 0;

@@ -89,7 +89,7 @@ class SystemCallTrial : public Trial {
   Digests old_;
 };
 
-TEST_F(SystemCallTrial, IsNeverReportedAsASuccessThatItIsNot) {
+TEST_F(SystemCallTrial, IsReportedAsAFailureWhenACallFails) {
   const auto calls = callsOfARun();
   const bool isWhole = std::getenv("INSTALLER_TRIALS") != nullptr;
   int runs = 0;

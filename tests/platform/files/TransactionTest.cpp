@@ -210,7 +210,7 @@ TEST_P(TransactionTest, ChangesNothingBeforeTheCommit) {
   EXPECT_EQ(namesIn(on("/Users/nobody")), "");
 }
 
-TEST_P(TransactionTest, FailsOneItemAndGoesOnWithTheOthers) {
+TEST_P(TransactionTest, ContinuesAfterAFailedItem) {
   const std::string pipe = makeSource("Pipe.app");
   ::mkfifo((pipe + "/Contents/pipe").c_str(), 0600);
   const std::string file = makeFile("file");
@@ -244,7 +244,7 @@ TEST_P(TransactionTest, FailsOneItemAndGoesOnWithTheOthers) {
   EXPECT_EQ(namesIn(on("/Library/Application Support")), "");
 }
 
-TEST_P(TransactionTest, ServesOnePlaceTwiceAndRemoves) {
+TEST_P(TransactionTest, InstallsTwiceToOnePlaceAndRemoves) {
   const std::string one = makeFile("one", "one");
   const std::string two = makeFile("two", "two");
   writeFile(on("/Applications/gone/deep"), "");
@@ -282,7 +282,7 @@ TEST_P(TransactionTest, TakesMoreItemsThanOneRequestHolds) {
   EXPECT_EQ(std::ranges::count(errors, ""), 2500);
 }
 
-TEST_P(TransactionTest, LeavesTheOldItemAloneOnAFullDisk) {
+TEST_P(TransactionTest, KeepsTheOldItemOnAFullDisk) {
   if (!isIsolated()) GTEST_SKIP() << "needs tests/isolated: it mounts a file system";
   fs::create_directories(on("/Applications/small"));
   ASSERT_EQ(::mount("none", on("/Applications/small").c_str(), "tmpfs", 0, "size=240k,mode=755"), 0);
@@ -313,7 +313,7 @@ void forbidExchange() {
 /// The process of the test is the one that makes the changes.
 class OwnTransactionTest : public TransactionTest {};
 
-TEST_P(OwnTransactionTest, ExchangesInTwoStepsAndRestoresWhatWasCutShort) {
+TEST_P(OwnTransactionTest, ExchangesInTwoStepsAndRestoresAfterAnInterruption) {
   const std::string source = makeSource("X.app");
   writeFile(on("/Applications/X.app/old"), "old");
   const pid_t child = ::fork();
@@ -349,7 +349,7 @@ TEST_P(OwnTransactionTest, ExchangesInTwoStepsAndRestoresWhatWasCutShort) {
   EXPECT_FALSE(fs::exists(on("/private/planted")));
 }
 
-TEST_P(TransactionTest, CleansUpWhatWasKilledOnEveryFileSystem) {
+TEST_P(TransactionTest, CleansUpAfterAKillOnEveryFileSystem) {
   if (!isIsolated()) GTEST_SKIP() << "needs tests/isolated: it mounts a file system";
   fs::create_directories(on("/Applications/other"));
   ASSERT_EQ(::mount("none", on("/Applications/other").c_str(), "tmpfs", 0, "mode=755"), 0);

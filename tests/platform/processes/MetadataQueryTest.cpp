@@ -45,7 +45,7 @@ TEST_F(MetadataQueryTest, FindsANameAtEveryDepth) {
   EXPECT_EQ(search("x", {on("/Elsewhere")}), Paths{}) << "not outside the volume";
 }
 
-TEST_F(MetadataQueryTest, GathersInManyTurnsWhateverHappensMeanwhile) {
+TEST_F(MetadataQueryTest, GathersInManyTurnsWhileFoldersChange) {
   writeFile(on("/Elsewhere/x"), "");
   for (int i = 0; i < 4000; ++i) writeFile(on("/Host/" + std::to_string(i % 5) + "/a/b/" + std::to_string(i)), "");
   for (int i = 0; i < 5; ++i) writeFile(on("/Host/" + std::to_string(i) + "/a/b/c/x"), "");

@@ -17,7 +17,7 @@ class PreferencesTest : public MachineTest {
   PropertyListPreferences preferences_{files_, platform_.folders, log_};
 };
 
-TEST_F(PreferencesTest, KeepsChangesInMemoryUntilTheyAreWrittenOrItEnds) {
+TEST_F(PreferencesTest, KeepsChangesInMemoryUntilItSynchronizes) {
   writeFile(file_, propertyListOf({{"customPath", "/old"}, {"other", "theirs"}}));
   preferences_.setAppValue("customPath", "/new", domain_);
   EXPECT_EQ(copied("customPath"), Value("/new"));
@@ -44,7 +44,7 @@ TEST_F(PreferencesTest, WritesEachChangeOnce) {
   EXPECT_EQ(stored("customPath"), Value("/another program's")) << "not overwritten at the end";
 }
 
-TEST_F(PreferencesTest, NeverOverwritesWhatItCannotRead) {
+TEST_F(PreferencesTest, NeverOverwritesAMalformedFile) {
   for (const auto* const damaged : {"garbage", "<plist><array/></plist>", "bplist00"}) {
     writeFile(file_, damaged);
     preferences_.setAppValue("customPath", "/new", domain_);

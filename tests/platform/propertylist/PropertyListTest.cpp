@@ -57,7 +57,7 @@ TEST(PropertyList, ReadsNumbersAsOtherProgramsWriteThem) {
   }
 }
 
-TEST(PropertyList, RefusesDamagedXml) {
+TEST(PropertyList, RejectsDamagedXml) {
   for (const auto* const bad :
        {"", "garbage", "<plist>", "<plist><dict><key>a</key></dict></plist>",
         "<plist><dict><string>a</string></dict></plist>", "<plist><dict><dict/></dict></plist>",
@@ -71,7 +71,7 @@ TEST(PropertyList, RefusesDamagedXml) {
   EXPECT_FALSE(readPropertyList("<plist>" + replacingOccurrences(std::string(100'000, 'x'), "x", "<array>")));
 }
 
-TEST(PropertyList, RefusesDamagedBinaries) {
+TEST(PropertyList, RejectsDamagedBinaries) {
   for (std::size_t length = 0; length < binarySample.size(); ++length) {
     EXPECT_FALSE(readPropertyList(binarySample.substr(0, length))) << length;
   }

@@ -25,7 +25,7 @@ class OperationsTest : public HelperTest, public testing::WithParamInterface<Way
   Operations operations_{machine_.volume(), elevation_, user_, "/Users/nobody/.local/share/applications"};
 };
 
-TEST_P(OperationsTest, DoWhatAMacsToolsDo) {
+TEST_P(OperationsTest, BehaveLikeTheToolsOfAMac) {
   const std::string support = "/Library/Application Support/Corvane";
   const std::string deep = support + "/a b/$(touch c)";
   fs::create_directory_symlink("Library/Application Support", on("/link"));
@@ -55,7 +55,7 @@ TEST_P(OperationsTest, DoWhatAMacsToolsDo) {
       << "nothing was ever registered";
 }
 
-TEST_P(OperationsTest, ChangeWholeTreesOfTheUsersAndFollowNoLink) {
+TEST_P(OperationsTest, ChangeOnlyItemsOfTheUserAndFollowNoLink) {
   const std::string app = "/Applications/X.app";
   makeBundle(on(app), {});
   writeFile(on("/outside"), "");

@@ -53,7 +53,7 @@ class RightsAttackTest : public HelperTest {
   const std::string untouched_ = "secret secret 0:0 755 0:0 755 0:0 600";
 };
 
-TEST_F(RightsAttackTest, OutsideThePlacesHasTheUsersRightsOnly) {
+TEST_F(RightsAttackTest, UsesOnlyTheUsersRightsOutsideThePlaces) {
   const fs::path outsideVolume = on("").parent_path() / "outside";
   writeFile(outsideVolume / "file", "");
   const std::string beyond = ownerOf(outsideVolume) + modeOf(outsideVolume / "file");
@@ -74,14 +74,15 @@ TEST_F(RightsAttackTest, OutsideThePlacesHasTheUsersRightsOnly) {
   EXPECT_EQ(outside(), untouched_);
   EXPECT_EQ(ownerOf(outsideVolume) + modeOf(outsideVolume / "file"), beyond);
   EXPECT_EQ(namesIn(outsideVolume), "file");
-  EXPECT_EQ(ownerOf(on("/Applications")) + ownerOf(on("/Library")) + ownerOf(on("")), "0:00:00:0");
-  EXPECT_FALSE(fs::exists(on("/System")) || fs::exists(on("/none")));
+  for (const char* const folder : {"/Applications", "/Library", ""}) EXPECT_EQ(ownerOf(on(folder)), "0:0") << folder;
+  EXPECT_FALSE(fs::exists(on("/System")));
+  EXPECT_FALSE(fs::exists(on("/none")));
   makeOwnFolder("/elsewhere");
   run("/bin/mkdir", {"-m775", "-p", "/elsewhere/a"});
   EXPECT_EQ(ownerOf(on("/elsewhere/a")), "65534:65534") << "and those it has";
 }
 
-TEST_F(RightsAttackTest, NothingThatBelongsToOthersIsHandedOver) {
+TEST_F(RightsAttackTest, HandsOverNothingOfOtherUsers) {
   fs::create_hard_link(on("/private/etc/secret"), own_ / "hard");
   fs::create_directories(own_ / "roots");
   writeFile(own_ / "program", "");
@@ -94,7 +95,7 @@ TEST_F(RightsAttackTest, NothingThatBelongsToOthersIsHandedOver) {
   EXPECT_EQ(ownerOf(own_ / "program") + " " + modeOf(own_ / "program"), handedOver_ + " 775");
 }
 
-TEST_F(RightsAttackTest, OnlyWhatTheUserCanReadIsCopied) {
+TEST_F(RightsAttackTest, CopiesOnlyWhatTheUserCanRead) {
   const fs::path payload = machine_.payload("X");
   fs::create_directories(payload / "inner");
   EXPECT_TRUE(install(payload, "/Applications/copy"));
@@ -106,7 +107,7 @@ TEST_F(RightsAttackTest, OnlyWhatTheUserCanReadIsCopied) {
   EXPECT_EQ(namesIn(on("/Applications")), "Own copy") << "and no half copy is left";
 }
 
-TEST_F(RightsAttackTest, StagedItemsExchangedForLinksLeadNowhereElse) {
+TEST_F(RightsAttackTest, ResistsStagedItemsExchangedForLinks) {
   const fs::path area = on("/Library/Application Support/.installing");
   for (int i = 0; i < 200; ++i) writeFile(machine_.payload("files") / std::to_string(i), "x");
   std::atomic<bool> isOver = false;
@@ -130,7 +131,7 @@ TEST_F(RightsAttackTest, StagedItemsExchangedForLinksLeadNowhereElse) {
   EXPECT_EQ(outside(), untouched_);
 }
 
-TEST_F(RightsAttackTest, FoldersExchangedWhileToolsRunLeadNowhereElse) {
+TEST_F(RightsAttackTest, ResistsFoldersExchangedWhileToolsRun) {
   makeOwnFolder("/Applications/Own/folder");
   fs::create_directory_symlink("/private/etc", own_ / "link");
   std::atomic<bool> isOver = false;
@@ -151,7 +152,7 @@ TEST_F(RightsAttackTest, FoldersExchangedWhileToolsRunLeadNowhereElse) {
   EXPECT_EQ(outside(), untouched_);
 }
 
-TEST_F(RightsAttackTest, TheVolumeStaysTheOneThatItWas) {
+TEST_F(RightsAttackTest, KeepsItsVolumeWhenThePathIsReplaced) {
   const fs::path aside = on("").parent_path() / "aside";
   fs::rename(on(""), aside);
   for (const char* const folder : {"/Applications/Own", "/Library/Application Support"})

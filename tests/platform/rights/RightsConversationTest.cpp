@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(OperationTest, IsOnlyWhatTheInstallerLaunches) {
+TEST(OperationTest, AcceptsOnlyLaunchesOfTheInstaller) {
   const std::pair<const char*, std::vector<std::string>> others[] = {
       {"/bin/sh", {"-c", "true"}},
       {"/bin/rm", {"-fR"}},
@@ -29,7 +29,7 @@ TEST(OperationTest, IsOnlyWhatTheInstallerLaunches) {
   EXPECT_TRUE(operationFor({"/usr/sbin/chown", {"-R", "u:admin", "/x"}}, "u"));
 }
 
-TEST(AskingTest, IsDoneWhereTheUserLooksAndNowhereElse) {
+TEST(AskingTest, UsesThePromptThatTheUserSees) {
   const std::tuple<AskingMeans, std::string, std::string> cases[] = {
       // askpass, terminal, desktop; then in a console, and with a window
       {{"sudo", "pkexec", true, true, true}, "sudo -A --", "sudo -A --"},
@@ -50,7 +50,7 @@ TEST(AskingTest, IsDoneWhereTheUserLooksAndNowhereElse) {
   }
 }
 
-TEST(AskingTest, IsNotDoneForAProgramThatOthersCanReplace) {
+TEST(AskingTest, IsRefusedForAProgramThatOthersCanReplace) {
   const TemporaryFolder folder;
   const fs::path program = folder.path() / "a/b/program";
   writeFile(program, "");
@@ -68,7 +68,7 @@ TEST(AskingTest, IsNotDoneForAProgramThatOthersCanReplace) {
 }
 
 /// Programs that ask, and how they end.
-TEST(AskingTest, TellsACancelledDialogueFromARefusal) {
+TEST(AskingTest, DistinguishesCancelledFromRefused) {
   const TemporaryFolder folder;
   const fs::path helpers = folder.path() / "Helpers";
   fs::copy(HELPERS_FOLDER, helpers);

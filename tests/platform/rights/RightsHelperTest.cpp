@@ -10,7 +10,7 @@ namespace {
 
 using RightsHelperTest = HelperTest;
 
-TEST_F(RightsHelperTest, UsesTheUsersRightsWhereTheyDo) {
+TEST_F(RightsHelperTest, UsesTheUsersRightsWhereTheySuffice) {
   makeOwnFolder("/elsewhere");
   EXPECT_EQ(run("/bin/mkdir", {"-m775", "-p", "/elsewhere/a"}), "");
   EXPECT_EQ(ownerOf(on("/elsewhere/a")), "65534:65534") << "the group is out of reach there";
@@ -24,7 +24,7 @@ TEST_F(RightsHelperTest, LeavesFilesOfOthersTheirs) {
   EXPECT_EQ(ownerOf(on("/Applications/roots")), "0:0");
 }
 
-TEST_F(RightsHelperTest, TakesLongRequestsAndManyAndGoesOnAfterBadOnes) {
+TEST_F(RightsHelperTest, HandlesLongManyAndInvalidRequests) {
   writeFile(on("/Applications/last"), "");
   const std::pair<const char*, std::vector<std::string>> bad[] = {
       {"/usr/bin/no-such-tool", {}}, {"commit", {"0"}}, {"stage", {}}, {"finish", {}}};
@@ -51,7 +51,7 @@ TEST_F(RightsHelperTest, TakesLongRequestsAndManyAndGoesOnAfterBadOnes) {
   EXPECT_EQ(namesIn(on("/Applications")), "");
 }
 
-TEST_F(RightsHelperTest, TellsOfASignalAndLeavesNothingStaged) {
+TEST_F(RightsHelperTest, ReportsASignalAndRemovesStagedItems) {
   const auto lock = *machine_.volume().tryLock();
   auto transaction = std::move(*HelperTransaction::begin(connection_, lock->get()));
   for (int i = 0; i < 3000; ++i) writeFile(machine_.payload("X.app") / std::to_string(i), "x");
@@ -69,7 +69,7 @@ TEST_F(RightsHelperTest, TellsOfASignalAndLeavesNothingStaged) {
   EXPECT_EQ(namesIn(on("/Applications")) + namesIn(on("/Library/Application Support")), "");
 }
 
-TEST_F(RightsHelperTest, FinishesWhatItHasBegunWhenTheInstallerIsGone) {
+TEST_F(RightsHelperTest, FinishesACommitAfterTheInstallerHasEnded) {
   const auto lock = *machine_.volume().tryLock();
   auto transaction = HelperTransaction::begin(connection_, lock->get());
   ASSERT_TRUE(transaction);
@@ -124,7 +124,7 @@ TEST_F(RightsHelperTest, ServesOneUserOnlyAndEndsWithTheInstaller) {
   }
 }
 
-TEST_F(RightsHelperTest, HasGivenUpWhatItDoesNotNeed) {
+TEST_F(RightsHelperTest, DropsCapabilitiesThatItDoesNotNeed) {
   const std::string status = readFile("/proc/" + std::to_string(helper_->process) + "/status");
   // Owners, other people's files, and becoming the user: bits 0, 1, 3, 6 and 7.
   const std::string few = "\t00000000000000cb\n";
