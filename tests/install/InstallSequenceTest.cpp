@@ -79,6 +79,7 @@ TEST_F(InstallSequenceTest, MovesOnByItselfFromThePage) {
     EXPECT_FALSE(controller_.canProceed(1));
   };
   enter();
+  EXPECT_EQ(machine_.authorizations.held, 0) << "the rights end with the install";
   EXPECT_FALSE(wasInProgress);
   EXPECT_FALSE(view_->isHidden);
   EXPECT_TRUE(controller_.successfulInstall());

@@ -310,6 +310,7 @@ class RecordingAuthorizations : public Authorizations {
   LaunchStatus statusOfTransactions = launchSucceeded;
   RecordingTransaction::Script transaction;
   std::function<void()> beforeLaunch = [] {};
+  int held = 0;  ///< authorizations that exist
 
   [[nodiscard]] std::unique_ptr<Authorization> createAuthorization() override {
     return std::make_unique<Recording>(*this);
@@ -322,7 +323,10 @@ class RecordingAuthorizations : public Authorizations {
 
  private:
   struct Recording : Authorization {
-    explicit Recording(RecordingAuthorizations& o) : owner(o), real(o.real_.createAuthorization()) {}
+    explicit Recording(RecordingAuthorizations& o) : owner(o), real(o.real_.createAuthorization()) { ++owner.held; }
+    Recording(const Recording&) = delete;
+    Recording& operator=(const Recording&) = delete;
+    ~Recording() override { --owner.held; }
 
     bool obtain(std::uint32_t flags) override { return owner.canBeObtained && flags == extendRights; }
     LaunchStatus executeWithPrivileges(const std::string& toolPath, const std::vector<std::string>& arguments,

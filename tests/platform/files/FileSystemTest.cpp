@@ -4,6 +4,7 @@
 
 #include <future>
 
+#include "platform/files/FileCopy.h"
 #include "platform/files/TemporaryFile.h"
 #include "support/TestMachine.h"
 
@@ -85,11 +86,27 @@ TEST_F(FileSystemTest, WritesThroughNoLinkUnderItsHiddenName) {
     fs::create_symlink(target, on("/" + hidden));
     EXPECT_TRUE(files_.createFile("/name", "content", 0600)) << target;
   }
+  writeFile(on("/" + hidden), std::string(100, 'x'));
+  EXPECT_TRUE(files_.createFile("/name", "content", 0600)) << "left by a killed process";
+  EXPECT_EQ(readFile(on("/name")), "content");
   fs::create_hard_link(on("/Library/kept"), on("/" + hidden));
   EXPECT_TRUE(files_.createFile("/name", "content", 0600)) << "a second name";
   EXPECT_EQ(readFile(on("/Library/kept")), "kept");
   EXPECT_EQ(namesIn(on("/Library")), "Application Support kept");
   EXPECT_EQ(namesIn(on("/")), "Applications Library Users name");
+}
+
+TEST_F(FileSystemTest, CopiesFilesToFreeNamesOnly) {
+  writeFile(on("/from/file"), "new");
+  fs::create_symlink("file", on("/from/link"));
+  writeFile(on("/to/file"), "taken");
+  const FileDescriptor from(::open(on("/from").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const FileDescriptor to(::open(on("/to").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  CopyCount copied;
+  EXPECT_EQ(copyFile(from.get(), "file", to.get(), {.mode = 0600}, copied).content, EEXIST);
+  EXPECT_EQ(copyFile(from.get(), "link", to.get(), {.mode = 0600}, copied).content, ELOOP);
+  EXPECT_EQ(readFile(on("/to/file")), "taken");
+  EXPECT_EQ(copied.files, 0U);
 }
 
 TEST_F(FileSystemTest, LetsWritersOfOneFileTakeTurns) {

@@ -244,6 +244,14 @@ TEST_P(TransactionTest, ContinuesAfterAFailedItem) {
   EXPECT_EQ(namesIn(on("/Library/Application Support")), "");
 }
 
+TEST_P(TransactionTest, MovesNoUnfinishedCopyWithANewFolder) {
+  const std::string pipes = makeSource("Pipes.app");
+  ::mkfifo((machine_.payload("Pipes.app") / "Contents/pipe").c_str(), 0600);
+  EXPECT_EQ(install({{makeFile("file"), "/Applications/New/file"}, {pipes, "/Applications/New/Pipes.app"}}),
+            (Paths{"", "Operation not supported"}));
+  EXPECT_EQ(namesIn(on("/Applications/New")), "file");
+}
+
 TEST_P(TransactionTest, InstallsTwiceToOnePlaceAndRemoves) {
   const std::string one = makeFile("one", "one");
   const std::string two = makeFile("two", "two");
