@@ -12,8 +12,16 @@
 
 enum class ItemType { regularFile, folder, symbolicLink, other };
 
+/// In the system's numbers.
+struct ItemOwner {
+  std::uint32_t user = 0;
+  std::uint32_t group = 0;
+  [[nodiscard]] bool operator==(const ItemOwner&) const = default;
+};
+
 struct ItemAttributes {
   ItemType type = ItemType::other;
+  ItemOwner owner = {};
   std::uint64_t size = 0;                    ///< in bytes
   std::uint32_t permissions = 0;             ///< the permission bits, 0 to 07777
   std::int64_t modificationNanoseconds = 0;  ///< since 1970-01-01 00:00 UTC
@@ -70,6 +78,33 @@ struct TreeSize {
 struct DiskSpace {
   std::uint64_t fileSystem = 0;  ///< tells file systems apart
   std::uint64_t available = 0;   ///< bytes that this user may still write
+};
+
+/// One way in which something installed is not as an install leaves it.
+struct ItemDifference {
+  enum class Kind {
+    missing,
+    extra,       ///< nothing like it is in the payload
+    type,        ///< a file where a folder should be, or another exchange of this kind
+    link,        ///< a link that leads elsewhere, or no link where there should be one
+    size,        ///< of a file
+    content,     ///< of a file that has the right size
+    mode,        ///< permissions
+    owner,       ///< user or group
+    attributes,  ///< an extended attribute is missing, or has another value
+    unreadable,
+  };
+  Kind kind = Kind::missing;
+  std::string path;           ///< on the volume
+  std::string expected = {};  ///< for people to read; empty where the kind says it all
+  std::string found = {};
+};
+
+/// What an installed item is compared with besides its source, and who is told.
+struct ItemComparison {
+  std::optional<ItemOwner> owner = std::nullopt;       ///< nothing: that of what this program installs
+  std::uint32_t permissions = 0;                       ///< of all files and folders
+  std::function<bool(const ItemDifference&)> differs;  ///< returns false to end the comparison
 };
 
 /// Holds the lock of the volume, which excludes other installers.
@@ -165,6 +200,12 @@ class FileSystem {
   virtual Status checkTargetFolder(const std::string& path) const = 0;
   /// Whether the item could be removed with such rights. Looks at everything below it.
   virtual Status checkReplaceable(const std::string& path) const = 0;
+
+  /// Compares an installed item, and everything below it, with what it was installed from: content, types, links,
+  /// owners, permissions and extended attributes other than the download-quarantine mark, which comes and goes. Fails
+  /// when the source cannot be read.
+  virtual Status compareItem(const std::string& source, const std::string& target,
+                             const ItemComparison& comparison) const = 0;
 
   /// Takes the lock of the volume. Fails with device_or_resource_busy when another installer holds it. A process holds
   /// at most one lock at a time.

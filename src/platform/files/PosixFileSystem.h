@@ -41,6 +41,8 @@ class PosixFileSystem : public FileSystem {
   void forgetUnreadable() override { unreadable_.clear(); }
   Status checkTargetFolder(const std::string& path) const override;
   Status checkReplaceable(const std::string& path) const override;
+  Status compareItem(const std::string& source, const std::string& target,
+                     const ItemComparison& comparison) const override;
   Result<std::unique_ptr<VolumeLock>> tryLock() override;
 
  private:

@@ -4,6 +4,8 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <map>
+#include <string>
 #include <string_view>
 #include <system_error>
 
@@ -31,6 +33,10 @@
 /// Copies the extended attributes of one open item to another, without the download-quarantine mark when
 /// `losesQuarantine`. Succeeds when either side supports none.
 [[nodiscard]] int copyExtendedAttributes(int source, int target, bool losesQuarantine);
+
+/// The extended attributes of an open item that belong to its content, by name. None where the file system has no such
+/// thing.
+Result<std::map<std::string, std::string>> extendedAttributes(int item);
 
 /// Exchanges two items in one step. See isMissingOperation().
 [[nodiscard]] int exchangeItems(int folder, const char* name, int otherFolder, const char* otherName);

@@ -14,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/files/SystemCalls.h"
@@ -78,38 +79,41 @@ int copyFileRange(int source, int target, std::int64_t offset, std::int64_t leng
   return error;
 }
 
-int copyExtendedAttributes(int source, int target, bool losesQuarantine) {
-  std::array<char, 4096> few{};
-  ssize_t length = ::flistxattr(source, few.data(), few.size());
-  std::string names;
-  if (length >= 0) {
-    names.assign(few.data(), static_cast<std::size_t>(length));
-  } else if (errno == ERANGE) {
-    length = ::flistxattr(source, nullptr, 0);
-    if (length < 0) return errno;
+Result<std::map<std::string, std::string>> extendedAttributes(int item) {
+  std::string names(4096, '\0');
+  ssize_t length = ::flistxattr(item, names.data(), names.size());
+  if (length < 0 && errno == ERANGE) {
+    length = ::flistxattr(item, nullptr, 0);
+    if (length < 0) return systemError(errno, "");
     names.resize(static_cast<std::size_t>(length));
-    length = ::flistxattr(source, names.data(), names.size());
-    if (length < 0) return errno;
-    names.resize(static_cast<std::size_t>(length));
-  } else {
-    return errno == ENOTSUP ? 0 : errno;
+    length = ::flistxattr(item, names.data(), names.size());
   }
-
-  std::vector<char> value;
+  std::map<std::string, std::string> attributes;
+  if (length < 0 && errno == ENOTSUP) return attributes;
+  if (length < 0) return systemError(errno, "");
+  names.resize(static_cast<std::size_t>(length));
   for (std::string_view rest = names; !rest.empty();) {
     const std::string name(rest.substr(0, rest.find('\0')));
     rest.remove_prefix(std::min(name.size() + 1, rest.size()));
     // The other namespaces belong to this system (labels, access control) and not to the file's content.
     if (!name.starts_with("user.") && !name.starts_with("com.apple.")) continue;
+    const ssize_t size = ::fgetxattr(item, name.c_str(), nullptr, 0);
+    if (size < 0) return systemError(errno, "");
+    std::string value(static_cast<std::size_t>(size), '\0');
+    const ssize_t got = ::fgetxattr(item, name.c_str(), value.data(), value.size());
+    if (got < 0) return systemError(errno, "");
+    value.resize(static_cast<std::size_t>(got));
+    attributes.emplace(name, std::move(value));
+  }
+  return attributes;
+}
+
+int copyExtendedAttributes(int source, int target, bool losesQuarantine) {
+  const auto attributes = extendedAttributes(source);
+  if (!attributes) return attributes.error().code;
+  for (const auto& [name, value] : *attributes) {
     if (losesQuarantine && name.ends_with("com.apple.quarantine")) continue;
-    const ssize_t size = ::fgetxattr(source, name.c_str(), nullptr, 0);
-    if (size < 0) return errno;
-    value.resize(static_cast<std::size_t>(size));
-    const ssize_t got = ::fgetxattr(source, name.c_str(), value.data(), value.size());
-    if (got < 0) return errno;
-    if (::fsetxattr(target, name.c_str(), value.data(), static_cast<std::size_t>(got), 0) != 0) {
-      return errno == ENOTSUP ? 0 : errno;
-    }
+    if (::fsetxattr(target, name.c_str(), value.data(), value.size(), 0) != 0) return errno == ENOTSUP ? 0 : errno;
   }
   return 0;
 }

@@ -11,7 +11,7 @@
 #include <cerrno>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 #include "platform/files/SystemCalls.h"
 
@@ -53,25 +53,36 @@ int copyFileRange(int source, int target, std::int64_t offset, std::int64_t leng
   return copyByHand(source, target, offset, length);
 }
 
-int copyExtendedAttributes(int source, int target, bool losesQuarantine) {
-  const ssize_t length = ::flistxattr(source, nullptr, 0, 0);
-  if (length < 0) return isUnsupported(errno) ? 0 : errno;
+Result<std::map<std::string, std::string>> extendedAttributes(int item) {
+  std::map<std::string, std::string> attributes;
+  const ssize_t length = ::flistxattr(item, nullptr, 0, 0);
+  if (length < 0 && isUnsupported(errno)) return attributes;
+  if (length < 0) return systemError(errno, "");
   std::string names(static_cast<std::size_t>(length), '\0');
-  const ssize_t got = ::flistxattr(source, names.data(), names.size(), 0);
-  if (got < 0) return errno;
+  const ssize_t got = ::flistxattr(item, names.data(), names.size(), 0);
+  if (got < 0) return systemError(errno, "");
   names.resize(static_cast<std::size_t>(got));
-
-  std::vector<char> value;
   for (std::string_view rest = names; !rest.empty();) {
     const std::string name(rest.substr(0, rest.find('\0')));
     rest.remove_prefix(std::min(name.size() + 1, rest.size()));
-    if (isSystemsOwn(name) || (losesQuarantine && name == quarantineMark)) continue;
-    const ssize_t size = ::fgetxattr(source, name.c_str(), nullptr, 0, 0, 0);
-    if (size < 0) return errno;
-    value.resize(static_cast<std::size_t>(size));
-    const ssize_t read = ::fgetxattr(source, name.c_str(), value.data(), value.size(), 0, 0);
-    if (read < 0) return errno;
-    if (::fsetxattr(target, name.c_str(), value.data(), static_cast<std::size_t>(read), 0, 0) != 0) {
+    if (isSystemsOwn(name)) continue;
+    const ssize_t size = ::fgetxattr(item, name.c_str(), nullptr, 0, 0, 0);
+    if (size < 0) return systemError(errno, "");
+    std::string value(static_cast<std::size_t>(size), '\0');
+    const ssize_t read = ::fgetxattr(item, name.c_str(), value.data(), value.size(), 0, 0);
+    if (read < 0) return systemError(errno, "");
+    value.resize(static_cast<std::size_t>(read));
+    attributes.emplace(name, std::move(value));
+  }
+  return attributes;
+}
+
+int copyExtendedAttributes(int source, int target, bool losesQuarantine) {
+  const auto attributes = extendedAttributes(source);
+  if (!attributes) return attributes.error().code;
+  for (const auto& [name, value] : *attributes) {
+    if (losesQuarantine && name == quarantineMark) continue;
+    if (::fsetxattr(target, name.c_str(), value.data(), value.size(), 0, 0) != 0) {
       return isUnsupported(errno) ? 0 : errno;
     }
   }
