@@ -6,6 +6,8 @@ set(standard
     cstring deque exception functional initializer_list ios iosfwd iostream istream iterator limits list map memory
     new numeric optional ostream queue random ranges set span sstream stack stdexcept string string_view system_error
     tuple type_traits typeinfo unordered_map unordered_set utility variant vector)
+string(REPLACE "," ";" headers "${HEADERS}")
+list(APPEND standard ${headers})
 string(REPLACE "," ";" allowed "${ALLOWED}")
 string(REPLACE "," ";" folders "${FOLDERS}")
 list(APPEND allowed ${folders})

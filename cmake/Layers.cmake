@@ -3,9 +3,10 @@
 #
 #   add_layer(hosts MAY_INCLUDE foundation platform settings SOURCES HostsModel.cpp …)
 #
-# SYSTEM_HEADERS lifts the limit to the C++ standard library, for the layers that talk to a system.
+# SYSTEM_HEADERS lifts the limit to the C++ standard library, for the layers that talk to a system; HEADERS names single
+# headers of libraries.
 function(add_layer name)
-  cmake_parse_arguments(LAYER "SYSTEM_HEADERS" "" "FOLDERS;MAY_INCLUDE;LINKS;SOURCES" ${ARGN})
+  cmake_parse_arguments(LAYER "SYSTEM_HEADERS" "" "FOLDERS;MAY_INCLUDE;HEADERS;LINKS;SOURCES" ${ARGN})
   if(NOT LAYER_FOLDERS)
     set(LAYER_FOLDERS ${name})
   endif()
@@ -18,7 +19,7 @@ function(add_layer name)
   endif()
   target_include_directories(${name} ${scope} ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${name} ${scope} ${LAYER_LINKS})
-  check_includes(${name} ${LAYER_SYSTEM_HEADERS} "${LAYER_FOLDERS}" "${LAYER_MAY_INCLUDE}")
+  check_includes(${name} ${LAYER_SYSTEM_HEADERS} "${LAYER_FOLDERS}" "${LAYER_MAY_INCLUDE}" ${LAYER_HEADERS})
 endfunction()
 
 # A program for Contents/Helpers, with a folder of its own or among others.
@@ -46,10 +47,11 @@ function(check_includes target system_headers folders may_include)
   set(stamp ${PROJECT_BINARY_DIR}/layers/${target}.stamp)
   list(JOIN folders "," folders)
   list(JOIN may_include "," allowed)
+  list(JOIN ARGN "," headers)
   add_custom_command(
     OUTPUT ${stamp}
     COMMAND ${CMAKE_COMMAND} -DROOT=${PROJECT_SOURCE_DIR}/src -DFOLDERS=${folders} -DALLOWED=${allowed}
-            -DSYSTEM_HEADERS=${system_headers} -DSTAMP=${stamp} -P ${PROJECT_SOURCE_DIR}/cmake/CheckLayer.cmake
+            -DSYSTEM_HEADERS=${system_headers} -DHEADERS=${headers} -DSTAMP=${stamp} -P ${PROJECT_SOURCE_DIR}/cmake/CheckLayer.cmake
     DEPENDS ${checked} ${PROJECT_SOURCE_DIR}/cmake/CheckLayer.cmake
     COMMENT "Checking the includes of ${target}"
     VERBATIM)

@@ -39,22 +39,32 @@ std::shared_ptr<PhotoshopHostModel> newestPhotoshop(const HostList& hosts) {
 
 }  // namespace
 
-std::optional<std::string> configureLumatraExternalEditors(Platform& platform, PrivilegedTools& tools,
-                                                           const HostList& foundHosts) {
-  const std::string folder = PlugInFilesModel(platform).appSupportPathForProduct("Lumatra X");
-  const std::string list = joinPath(folder, "ExternalEditors.csv");
-  ensureDirExists(platform, tools, folder);
-  if (tools.isDenied()) return std::nullopt;
+std::string externalEditorsList(Platform& platform) {
+  return joinPath(PlugInFilesModel(platform).appSupportPathForProduct("Lumatra X"), "ExternalEditors.csv");
+}
 
+std::string externalEditorsText(const HostList& foundHosts,
+                                const std::function<bool(const std::string& path)>& exists) {
   std::string text;
   if (const auto photoshop = newestPhotoshop(foundHosts)) {
     const std::string app = joinPath(photoshop->appPath(), lastPathComponent(photoshop->appPath()) + ".app");
     text += editorLine(app, photoshop->hostName(), "9");
   }
   constexpr const char* pelloria = "/Applications/Corvane Pelloria 4.app";
-  if (platform.files.exists(pelloria)) text += editorLine(pelloria, "Pelloria 4", "4");
+  if (exists(pelloria)) text += editorLine(pelloria, "Pelloria 4", "4");
   constexpr const char* dunmore = "/Library/Application Support/Corvane/Dunmore 3/Corvane Dunmore 3.app";
-  if (platform.files.exists(dunmore)) text += editorLine(dunmore, "Dunmore 3", "4");
+  if (exists(dunmore)) text += editorLine(dunmore, "Dunmore 3", "4");
+  return text;
+}
+
+std::optional<std::string> configureLumatraExternalEditors(Platform& platform, PrivilegedTools& tools,
+                                                           const HostList& foundHosts) {
+  const std::string list = externalEditorsList(platform);
+  ensureDirExists(platform, tools, deletingLastPathComponent(list));
+  if (tools.isDenied()) return std::nullopt;
+
+  const std::string text =
+      externalEditorsText(foundHosts, [&](const std::string& path) { return platform.files.exists(path); });
   if (text.empty()) {
     // An old list would name editors that are gone. One that cannot be removed does no more harm than before.
     if (platform.files.isTaken(list)) ignore(platform.files.removeItem(list));

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "tool/HostSurvey.h"
+#include "tool/PlanReport.h"
+#include "tool/VerifyReport.h"
+
+// The answers in JSON, as docs/for-administrators.md describes them. Bytes that are not UTF-8 become U+FFFD.
+
+[[nodiscard]] std::string planJson(const PlanReport& report, const std::string& volume, const ToolTexts& texts);
+[[nodiscard]] std::string hostsJson(const std::vector<HostFacts>& hosts, const std::string& volume,
+                                    const ToolTexts& texts);
+[[nodiscard]] std::string verifyJson(const VerifyReport& report, const std::string& volume, const ToolTexts& texts);

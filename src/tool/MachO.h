@@ -1,0 +1,14 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// How many bytes from the start of a file are enough for architecturesOfMachO().
+inline constexpr std::size_t machOHeaderBytes = 4096;
+
+/// The names of the architectures that a Mac executable is for, in the order of the file, from its first bytes; nothing
+/// when they are not those of one. Understands files for one architecture and for several, 32 and 64 bits, in either
+/// byte order. An architecture without a well-known name is "cpu N".
+[[nodiscard]] std::optional<std::vector<std::string>> architecturesOfMachO(std::string_view bytes);

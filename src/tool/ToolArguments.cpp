@@ -1,0 +1,98 @@
+#include <CLI/CLI.hpp>
+
+#include <sstream>
+#include <string_view>
+
+#include "foundation/Format.h"
+#include "tool/ToolRequest.h"
+
+namespace {
+
+/// The command line, and what it fills in.
+class CommandLine {
+ public:
+  CommandLine(const ToolTexts& texts, ToolRequest& request)
+      : texts_(texts),
+        request_(request),
+        app_(texts("tool_about", "Shows, checks and removes what the installer installs.")) {
+    app_.name("InstallerTool");
+    app_.require_subcommand(1);
+    setUp(app_);
+    const std::string product = texts.product().empty() ? "InstallerTool" : texts.product();
+    app_.set_version_flag("--version", product + " " + texts.version(), texts("tool_version", "Show the version"));
+    add(ToolRequest::Command::plan, "plan",
+        texts("tool_plan", "Show what an install without a window would do; changes nothing"));
+    add(ToolRequest::Command::hosts, "hosts",
+        texts("tool_hosts", "Show the host applications, and whether they can load the plug-in"));
+    CLI::App* const verify = add(ToolRequest::Command::verify, "verify",
+                                 texts("tool_verify", "Compare what is installed with what this installer brings"));
+    verify->add_flag("--installed", request.isOnlyLogged,
+                     texts("tool_verify_installed", "Only what the log of installed paths lists"));
+  }
+
+  ToolArguments read(int count, const char* const* arguments) {
+    ToolArguments result;
+    try {
+      app_.parse(count, arguments);
+      return result;
+    } catch (const CLI::ParseError& error) {
+      std::ostringstream output;
+      std::ostringstream errors;
+      const int status = app_.exit(error, output, errors);
+      result.isRequest = false;
+      result.output = output.str();
+      result.errors = errors.str();
+      result.status = status == 0 ? ToolStatus::success : ToolStatus::usage;
+      return result;
+    }
+  }
+
+ private:
+  void setUp(CLI::App& app) {
+    app.option_defaults()->group(texts_("tool_label_options", "Options"));
+    app.set_help_flag("--help", texts_("tool_help", "Show this help"));
+    const auto formatter = std::make_shared<CLI::Formatter>();
+    formatter->label("Usage", texts_("tool_label_usage", "Usage"));
+    formatter->label("OPTIONS", texts_("tool_label_option", "OPTIONS"));
+    formatter->label("SUBCOMMAND", texts_("tool_label_command", "COMMAND"));
+    app.formatter(formatter);
+    app.failure_message(
+        [](const CLI::App* failed, const CLI::Error& error) { return CLI::FailureMessage::simple(failed, error); });
+  }
+
+  CLI::App* add(ToolRequest::Command command, const std::string& name, const std::string& description) {
+    CLI::App* const added = app_.add_subcommand(name, description);
+    setUp(*added);
+    added->group(texts_("tool_label_commands", "Commands"));
+    added
+        ->add_option("--target", request_.target,
+                     texts_("tool_target", "The Mac volume; the running system if left out"))
+        ->type_name(texts_("tool_folder", "FOLDER"));
+    added->add_flag("--json", request_.isJson, texts_("tool_json", "Answer in JSON"));
+    added->callback([this, command] { request_.command = command; });
+    return added;
+  }
+
+  const ToolTexts& texts_;
+  ToolRequest& request_;
+  CLI::App app_;
+};
+
+}  // namespace
+
+std::string targetAmong(int count, const char* const* arguments) {
+  constexpr std::string_view option = "--target";
+  for (int i = 1; i < count; ++i) {
+    const std::string_view argument = arguments[i];
+    if (argument == option && i + 1 < count) return arguments[i + 1];
+    if (argument.starts_with("--target=")) return std::string(argument.substr(option.size() + 1));
+  }
+  return "/";
+}
+
+ToolArguments readToolArguments(int count, const char* const* arguments, const ToolTexts& texts) {
+  ToolRequest request;
+  ToolArguments result = CommandLine(texts, request).read(count, arguments);
+  result.request = request;
+  return result;
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+
+#include "tool/ToolTexts.h"
+
+/// The statuses that the tool ends with, numbered as in sysexits.h. A signal that ended it is 128 plus its number.
+enum class ToolStatus {
+  success = 0,
+  differences = 1,  ///< something is not as an install leaves it
+  usage = 64,       ///< the arguments are wrong
+  noInput = 66,     ///< the target cannot be entered, or is no Mac volume
+  system = 71,      ///< no memory
+  output = 74,      ///< the output could not be written, or the disk failed
+};
+
+/// What the tool was asked to do.
+struct ToolRequest {
+  enum class Command { plan, hosts, verify };
+  Command command = Command::plan;
+  std::string target = "/";
+  bool isJson = false;
+  bool isOnlyLogged = false;  ///< verify: nothing but what the log lists
+};
+
+/// A request, or what to print instead of carrying one out.
+struct ToolArguments {
+  ToolRequest request = {};
+  bool isRequest = true;
+  std::string output = {};
+  std::string errors = {};
+  ToolStatus status = ToolStatus::success;
+};
+
+/// The value of "--target" among the arguments, as far as it can be told before they are understood.
+[[nodiscard]] std::string targetAmong(int count, const char* const* arguments);
+
+/// Reads the arguments, the program's name first. Help and version are texts to print.
+[[nodiscard]] ToolArguments readToolArguments(int count, const char* const* arguments, const ToolTexts& texts);

@@ -1,0 +1,39 @@
+#include <exception>
+#include <iostream>
+#include <string>
+
+#include "foundation/Text.h"
+#include "platform/SystemPlatform.h"
+#include "tool/Tool.h"
+
+namespace {
+
+int complain(const std::string& what, ToolStatus status) {
+  std::cerr << "InstallerTool: " << onOneLine(what) << '\n';
+  return static_cast<int>(status);
+}
+
+int run(int count, const char* const* words) {
+  const auto system = makeSystemPlatform(targetAmong(count, words), Surface::console);
+  const ToolTexts texts(system ? &(*system)->platform() : nullptr);
+  const ToolArguments arguments = readToolArguments(count, words, texts);
+  if (!arguments.isRequest) {
+    std::cout << arguments.output << std::flush;
+    std::cerr << arguments.errors;
+    return static_cast<int>(std::cout ? arguments.status : ToolStatus::output);
+  }
+  if (!system) return complain(system.error().description(), ToolStatus::noInput);
+  const int status = runTool(arguments.request, **system, {std::cin, std::cout, std::cerr});
+  std::cout.flush();
+  return std::cout ? status : complain("the output cannot be written", ToolStatus::output);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& exception) {  // no memory, mostly
+    return complain(exception.what(), ToolStatus::system);
+  }
+}
