@@ -39,15 +39,19 @@ std::multiset<std::string> placeholders(const std::string& text) {
   return found;
 }
 
+/// Texts of the administrators' tool, which has English ones of its own where a table lacks them.
+bool isOfTool(const std::string& key) { return key.starts_with("tool_"); }
+
 TEST(LanguagesTest, EveryTableHasTheKeysAndPlaceholdersOfTheEnglishOne) {
   const auto english = table("en");
   ASSERT_GT(english.size(), 50U);
   ASSERT_GE(translations.size(), 16U);
   for (const std::string& language : translations) {
     const auto texts = table(language);
-    EXPECT_EQ(texts.size(), english.size()) << language;
+    for (const auto& [key, text] : texts) EXPECT_TRUE(english.contains(key)) << language << ": " << key;
     for (const auto& [key, text] : english) {
       const auto translated = texts.find(key);
+      if (translated == texts.end() && isOfTool(key)) continue;
       ASSERT_NE(translated, texts.end()) << language << " has no " << key;
       EXPECT_EQ(placeholders(translated->second), placeholders(text)) << language << ": " << key;
       EXPECT_EQ(translated->second.empty(), text.empty()) << language << ": " << key;
