@@ -1,0 +1,208 @@
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <random>
+
+#include "foundation/Path.h"
+#include "hosts/HostsModel.h"
+#include "install/InstallFilesController.h"
+#include "support/TestMachine.h"
+#include "tool/InstalledPlaces.h"
+#include "tool/PlanReport.h"
+#include "tool/VerifyReport.h"
+
+namespace {
+
+/// A payload and a volume made up by chance: with hosts and without, items that are there already, older and newer,
+/// files and links where folders should be, folders where files should be, and folders that cannot be written to.
+class RandomVolume {
+ public:
+  RandomVolume(TestMachine& machine, unsigned seed) : machine_(machine), random_(seed) {
+    for (const char* const name : {"CS6", "CC 2014", "CC 2019"}) {
+      if (chance(70)) machine_.addPhotoshop(std::string("Adobe Photoshop ") + name);
+    }
+    if (chance(50))
+      fs::create_directories(machine_.inLibrary("Application Support/Adobe/Lightroom/External Editor Presets"));
+    for (const std::string part :
+         {"HD/Applications", "HD/Library/Application Support/Corvane/Dunmore 3", "PHOTOSHOP/Presets",
+          "PHOTOSHOP_PLUGINS", "PHOTOSHOP_PLUGINS/Corvane", "LIGHTROOM"}) {
+      const int items = number(4);
+      for (int i = 0; i < items; ++i) addItem(machine_.payload(part), 0);
+    }
+  }
+  ~RandomVolume() {
+    for (const fs::path& mounted : mounted_) ::umount2(mounted.c_str(), MNT_DETACH);
+  }
+  RandomVolume(const RandomVolume&) = delete;
+  RandomVolume& operator=(const RandomVolume&) = delete;
+
+  /// Puts things where the plan wants to install.
+  void disturb(const InstallPlan& plan) {
+    forEachItem(plan, [this](const PlannedItem& item, const PlannedGroup&) {
+      const fs::path target = machine_.onVolume(item.target);
+      if (chance(25)) putInPlace(target);
+      if (chance(isHarmless_ ? 0 : 4)) obstruct(target.parent_path());
+    });
+  }
+
+ private:
+  bool chance(unsigned percent) { return random_() % 100 < percent; }
+  int number(unsigned below) { return static_cast<int>(random_() % below); }
+  std::string name(const std::string& extension) { return "Item " + std::to_string(number(30)) + extension; }
+
+  void addItem(const fs::path& folder, int depth) {
+    const fs::path file = folder / name(".txt");
+    if (chance(40)) {
+      makeBundle(folder / name(chance(50) ? ".plugin" : ".app"), {{"CFBundleVersion", std::to_string(number(9))}});
+    } else if (depth < 2 && chance(40)) {
+      addItem(folder / name(""), depth + 1);
+    } else if (!fs::exists(file)) {
+      writeFile(file, std::string(static_cast<std::size_t>(number(9000)), 'n'));
+      const fs::path link = folder / name(".link");
+      if (chance(20) && !fs::is_symlink(link)) fs::create_symlink("Item 1.txt", link);
+      if (chance(20)) writeFile(folder / ("." + name("")), "");
+    }
+  }
+
+  void putInPlace(const fs::path& target) {
+    std::error_code ignored;
+    fs::create_directories(target.parent_path(), ignored);
+    const bool isWritable = ::access(target.parent_path().c_str(), W_OK) == 0;
+    if (ignored || !isWritable || fs::exists(fs::symlink_status(target))) return;
+    switch (number(4)) {
+      case 0: fs::create_symlink("/nowhere", target); break;
+      case 1: makeBundle(target, {{"CFBundleVersion", std::to_string(number(20))}}); break;
+      case 2: writeFile(target / "folder in the way", "old"); break;
+      default:
+        writeFile(target, "old");
+        fs::last_write_time(target, fs::file_time_type::clock::now() + std::chrono::hours(number(9) - 4));
+    }
+  }
+
+  void obstruct(const fs::path& folder) {
+    const bool isThere = fs::exists(fs::symlink_status(folder));
+    if (isThere && std::getenv("INSTALLER_ISOLATED") != nullptr) {
+      if (::mount("none", folder.c_str(), "tmpfs", MS_RDONLY, nullptr) == 0) mounted_.push_back(folder);
+    } else if (!isThere) {
+      std::error_code ignored;
+      fs::create_directories(folder.parent_path(), ignored);
+      if (ignored) return;
+      if (chance(50)) {
+        writeFile(folder, "a file in the way");
+      } else {
+        fs::create_symlink("/nowhere/at/all", folder);
+      }
+    }
+  }
+
+  TestMachine& machine_;
+  std::mt19937 random_;
+  bool isHarmless_ = chance(30);
+  std::vector<fs::path> mounted_;
+};
+
+/// What is known of an item in advance, to be compared with what the install says of it.
+struct Outcome {
+  std::string target;
+  bool isInstalled = false;
+  [[nodiscard]] bool operator==(const Outcome&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& output, const Outcome& outcome) {
+  return output << (outcome.isInstalled ? "+ " : "- ") << outcome.target << '\n';
+}
+
+class RandomVolumesTest : public testing::TestWithParam<unsigned> {
+ protected:
+  [[nodiscard]] InstallPlan plan() {
+    return InstallPlanner(machine_.platform, {.isDetailed = true}).plan(HostsModel(machine_.platform).foundHosts());
+  }
+
+  TestMachine machine_;
+  RandomVolume volume_{machine_, GetParam()};
+};
+
+TEST_P(RandomVolumesTest, ThePlanIsWhatHappensAndVerifyAgrees) {
+  volume_.disturb(plan());
+  const PlanReport report = makePlanReport(machine_.platform);
+  std::vector<Outcome> planned;
+  std::set<std::string> there;
+  forEachItem(report.plan, [&](const PlannedItem& item, const PlannedGroup&) {
+    planned.push_back({item.target, item.fate != Fate::kept});
+    const bool isThere = fs::exists(fs::symlink_status(machine_.onVolume(item.target)));
+    if (item.fate != Fate::kept) {
+      EXPECT_EQ(item.fate == Fate::replaced, isThere) << item.target;
+    }
+  });
+
+  InstallFilesController controller(machine_.platform);
+  controller.install(HostsModel(machine_.platform).foundHosts(), /*shouldConfigureLumatraExternalEditors=*/true);
+  std::multiset<std::string> installed(controller.installedPaths().begin(), controller.installedPaths().end());
+  for (const std::string& path : report.otherFiles) {
+    if (path.ends_with(".log")) continue;
+    EXPECT_EQ(installed.erase(path), 1U) << path;
+  }
+  std::vector<Outcome> happened;
+  for (const Outcome& outcome : planned) {
+    const auto found = installed.find(outcome.target);
+    happened.push_back({outcome.target, found != installed.end()});
+    if (found != installed.end()) installed.erase(found);
+  }
+  EXPECT_EQ(happened, planned);
+  EXPECT_TRUE(installed.empty()) << *installed.begin();
+
+  std::set<std::string> inPlace(controller.installedPaths().begin(), controller.installedPaths().end());
+  std::set<std::string> wanting;
+  for (const ItemDifference& difference : verifyInstall(machine_.platform, /*isOnlyLogged=*/false).differences) {
+    std::string place = difference.path;
+    while (place.size() > 1 && std::ranges::find(planned, place, &Outcome::target) == planned.end()) {
+      place = deletingLastPathComponent(place);
+    }
+    EXPECT_FALSE(inPlace.contains(place)) << difference.path;
+    wanting.insert(place);
+  }
+  bool isComplete = true;
+  for (const Outcome& outcome : planned) {
+    const std::string& target = outcome.target;
+    isComplete = isComplete && outcome.isInstalled;
+    // A folder that is installed later brings it, or is itself what is missing.
+    const bool isInFolder = std::ranges::any_of(
+        planned, [&](const Outcome& other) { return other.target != target && isAtOrBelow(target, other.target); });
+    if (!isInFolder) {
+      EXPECT_EQ(wanting.contains(target), !inPlace.contains(target)) << target;
+    }
+  }
+  EXPECT_TRUE(verifyInstall(machine_.platform, /*isOnlyLogged=*/true).differences.empty() || inPlace.empty());
+  if (isComplete) {
+    EXPECT_EQ(makePlanReport(machine_.platform).changes, 0U) << "nothing is left to be done";
+  }
+}
+
+TEST_P(RandomVolumesTest, SoItIsWhereNewerItemsAreKept) {
+  Paths sources;
+  InstallPlanner planner(machine_.platform, {.isDetailed = true});
+  for (const std::string part : {"HD/Applications", "PHOTOSHOP_PLUGINS", "PHOTOSHOP_PLUGINS/Corvane"}) {
+    for (const WalkedItem& item : machine_.files.visibleEntries(machine_.payload(part).string())) {
+      sources.push_back(item.path);
+    }
+  }
+  for (const bool isBundle : {false, true}) {
+    const std::string folder = isBundle ? "/Bundles" : "/Files";
+    volume_.disturb(planner.planSourceFiles(sources, folder, isBundle, /*alwaysInstall=*/false));
+    std::vector<std::string> planned;
+    forEachItem(InstallPlanner(machine_.platform, {.isDetailed = true})
+                    .planSourceFiles(sources, folder, isBundle, /*alwaysInstall=*/false),
+                [&](const PlannedItem& item, const PlannedGroup&) {
+                  if (item.fate != Fate::kept) planned.push_back(item.target);
+                });
+    InstallFilesController controller(machine_.platform);
+    EXPECT_TRUE(controller.obtainAuthorization());
+    controller.installSourceFiles(sources, folder, isBundle, /*alwaysInstall=*/false);
+    EXPECT_EQ(controller.installedPaths(), planned);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomVolumesTest, testing::Range(1U, 21U));
+
+}  // namespace
