@@ -1,13 +1,14 @@
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "foundation/CodePage.h"
 #include "foundation/Exception.h"
 #include "foundation/RichText.h"
+#include "foundation/RichTextTokens.h"
 #include "foundation/Text.h"
 
 // The format is a tree of groups in braces, with control words ("\b0 "), control symbols ("\~") and characters in it. A
@@ -39,27 +40,28 @@ constexpr std::int64_t maxFallback = 16;
 
 class Reader {
  public:
-  explicit Reader(std::string_view bytes) : bytes_(bytes) {}
+  explicit Reader(std::string_view bytes) : tokens_(bytes) {}
 
   RichText read() {
-    if (!bytes_.starts_with("{\\rtf")) throw Exception("not rich text format");
-    while (next_ < bytes_.size()) {
-      const char c = bytes_[next_++];
-      if (c == '{') {
-        if (groups_.size() >= deepest) throw Exception("rich text format that is nested too deeply");
-        skipped_ = 0;
-        groups_.push_back(group());
-      } else if (c == '}') {
-        skipped_ = 0;
-        groups_.pop_back();
-        if (groups_.size() == 1) return finish();
-      } else if (c == '\\') {
-        readControl();
-      } else if (c != '\r' && c != '\n') {
-        addByte(static_cast<std::uint8_t>(c));
+    for (;;) {
+      const RichTextToken token = tokens_.next();
+      switch (token.kind) {
+        case RichTextToken::Kind::openGroup:
+          if (groups_.size() >= deepest) throw Exception("rich text format that is nested too deeply");
+          skipped_ = 0;
+          groups_.push_back(group());
+          break;
+        case RichTextToken::Kind::closeGroup:
+          skipped_ = 0;
+          groups_.pop_back();
+          if (groups_.size() == 1) return finish();
+          break;
+        case RichTextToken::Kind::byte: addByte(token.byte); break;
+        case RichTextToken::Kind::word: apply(token.word, token.number); break;
+        case RichTextToken::Kind::symbol: applySymbol(static_cast<char>(token.byte)); break;
+        case RichTextToken::Kind::end: throw Exception("rich text format that ends too early");
       }
     }
-    throw Exception("rich text format that ends too early");
   }
 
  private:
@@ -122,62 +124,15 @@ class Reader {
     addCodePoint(codePointOf(byte, codePage_));
   }
 
-  void readControl() {
-    if (next_ >= bytes_.size()) return;
-    const char c = bytes_[next_];
-    const bool isWord = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-    if (isWord) return readWord();
-    ++next_;
-    switch (c) {
-      case '\'': addByte(readHexadecimalByte()); break;
-      case '\\':
-      case '{':
-      case '}': addByte(static_cast<std::uint8_t>(c)); break;
+  void applySymbol(char symbol) {
+    switch (symbol) {
       case '~': addText("\u00A0"); break;
       case '_': addText("\u2011"); break;
-      case '-': break;
       case '*': group().isText = false; break;  // an optional destination
       case '\r':
       case '\n': addText("\n"); break;
       default: break;
     }
-  }
-
-  std::uint8_t readHexadecimalByte() {
-    unsigned value = 0;
-    for (int i = 0; i < 2 && next_ < bytes_.size(); ++i) {
-      const char c = bytes_[next_];
-      unsigned digit = 16;
-      if (c >= '0' && c <= '9') digit = static_cast<unsigned>(c - '0');
-      if (c >= 'a' && c <= 'f') digit = static_cast<unsigned>(c - 'a') + 10;
-      if (c >= 'A' && c <= 'F') digit = static_cast<unsigned>(c - 'A') + 10;
-      if (digit == 16) break;
-      value = value * 16 + digit;
-      ++next_;
-    }
-    return static_cast<std::uint8_t>(value);
-  }
-
-  void readWord() {
-    const std::size_t start = next_;
-    while (next_ < bytes_.size() && ((bytes_[next_] | 0x20) >= 'a' && (bytes_[next_] | 0x20) <= 'z')) ++next_;
-    const std::string_view word = bytes_.substr(start, next_ - start);
-    const std::optional<std::int64_t> number = readNumber();
-    if (next_ < bytes_.size() && bytes_[next_] == ' ') ++next_;
-    apply(word, number);
-  }
-
-  /// Reads the parameter of a control word. A hyphen without digits is text.
-  std::optional<std::int64_t> readNumber() {
-    const auto isDigit = [&](std::size_t at) { return at < bytes_.size() && bytes_[at] >= '0' && bytes_[at] <= '9'; };
-    const std::size_t start = next_;
-    std::size_t end = start;
-    if (end < bytes_.size() && bytes_[end] == '-') ++end;
-    if (!isDigit(end)) return std::nullopt;
-    while (isDigit(end)) ++end;
-    next_ = end;
-    constexpr std::int64_t largest = std::numeric_limits<std::int32_t>::max();
-    return std::clamp(integerValue(bytes_.substr(start, end - start)), -largest, largest);
   }
 
   void apply(std::string_view word, std::optional<std::int64_t> number) {
@@ -244,7 +199,7 @@ class Reader {
     } else if (word == "pc" || word == "pca") {
       codePage_ = CodePage::unknown;
     } else if (word == "bin") {
-      next_ += std::min(static_cast<std::size_t>(std::max<std::int64_t>(number, 0)), bytes_.size() - next_);
+      tokens_.skip(static_cast<std::size_t>(std::max<std::int64_t>(number, 0)));
     } else if (word == "colortbl") {
       group().isText = false;
       group().isColourTable = true;
@@ -273,8 +228,7 @@ class Reader {
   }
 
   static constexpr std::size_t deepest = 256;
-  std::string_view bytes_;
-  std::size_t next_ = 0;
+  RichTextTokens tokens_;
   std::vector<Group> groups_ = {Group{}};
   std::vector<std::optional<RichText::Colour>> colours_;
   std::optional<RichText::Colour> colour_;
@@ -288,4 +242,7 @@ class Reader {
 
 }  // namespace
 
-RichText parseRichTextFormat(std::string_view bytes) { return Reader(bytes).read(); }
+RichText parseRichTextFormat(std::string_view bytes) {
+  if (!bytes.starts_with("{\\rtf")) throw Exception("not rich text format");
+  return Reader(bytes).read();
+}
