@@ -20,4 +20,8 @@ class LaunchServices {
 
   /// Registers the application bundle at the path; with `update`, also when it is registered already.
   virtual std::int32_t registerApplication(const std::string& path, bool update) = 0;
+
+  /// The application bundle of that identifier is not at the path any more. A system that finds out by itself has
+  /// nothing to do.
+  virtual void forgetApplication(const std::string& /*path*/, const std::string& /*identifier*/) {}
 };

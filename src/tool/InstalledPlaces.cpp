@@ -28,11 +28,12 @@ const PlannedItem* InstalledPlaces::itemAt(const std::string& place) const {
   return found == items_.end() ? nullptr : &found->second.item;
 }
 
-Status InstalledPlaces::compare(const std::string& place, const Differs& differs) const {
+Status InstalledPlaces::compare(const std::string& place, const Differs& differs, Extras extras) const {
   const Installed& installed = items_.at(place);
   const auto tell = [&](const ItemDifference& difference) {
     if (isOthers(difference.path, installed.number)) return true;
-    const bool mayBeThere = difference.kind == ItemDifference::Kind::extra && installed.item.kind == ItemKind::folder;
+    const bool isExtra = difference.kind == ItemDifference::Kind::extra;
+    const bool mayBeThere = isExtra && extras == Extras::inBundles && installed.item.kind == ItemKind::folder;
     return mayBeThere || differs(difference);
   };
   return platform_.files.compareItem(installed.item.source, place,

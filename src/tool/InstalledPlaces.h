@@ -26,10 +26,13 @@ class InstalledPlaces {
   /// What is installed there; null for another place.
   [[nodiscard]] const PlannedItem* itemAt(const std::string& place) const;
 
+  /// Which files that are no part of an item count. In a folder that is no bundle people may keep files of their own.
+  enum class Extras { inBundles, everywhere };
+
   /// Compares the place with what is installed there, and tells of differences; `differs` ends the comparison by
   /// returning false. Owner and group should be those of the log of installed paths: they are those of the user for
-  /// whom it was installed, whoever asks now. In a folder that is no bundle people may keep files of their own.
-  Status compare(const std::string& place, const Differs& differs) const;
+  /// whom it was installed, whoever asks now.
+  Status compare(const std::string& place, const Differs& differs, Extras extras = Extras::inBundles) const;
 
   /// Whether the place is as an install leaves it.
   [[nodiscard]] bool isIntact(const std::string& place) const;

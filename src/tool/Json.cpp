@@ -89,6 +89,19 @@ const char* nameOf(ItemDifference::Kind kind) {
   return "unreadable";
 }
 
+const char* nameOf(KeptPath::Reason reason) {
+  switch (reason) {
+    case KeptPath::Reason::unknown: return "unknown";
+    case KeptPath::Reason::foreign: return "foreign";
+    case KeptPath::Reason::changed: return "changed";
+    case KeptPath::Reason::other: return "other";
+    case KeptPath::Reason::unreadable: return "unreadable";
+    case KeptPath::Reason::empty: return "empty";
+    case KeptPath::Reason::failed: break;
+  }
+  return "failed";
+}
+
 Json jsonOf(const Error& error) { return {{"path", error.subject}, {"reason", error.reason()}}; }
 
 Json jsonOf(const PlannedItem& item, const PlannedGroup& group, bool isIntact) {
@@ -178,5 +191,21 @@ std::string verifyJson(const VerifyReport& report, const std::string& volume, co
   for (const ItemDifference& difference : report.differences) differences.push_back(jsonOf(difference));
   Json& errors = answer["errors"] = Json::array();
   for (const Error& error : report.errors) errors.push_back(jsonOf(error));
+  return written(answer);
+}
+
+std::string removalJson(const RemovalPlan& plan, const RemovalOutcome* outcome, const std::string& volume,
+                        const ToolTexts& texts) {
+  Json answer = answerFor(volume, texts);
+  answer["isDone"] = outcome != nullptr;
+  answer["removed"] = outcome == nullptr ? plan.removed : outcome->removed;
+  answer["gone"] = plan.gone;
+  answer["changed"] = plan.changed;
+  Json& list = answer["kept"] = Json::array();
+  for (const KeptPath& kept : outcome == nullptr ? plan.kept : outcome->kept) {
+    Json entry = {{"path", kept.path}, {"reason", nameOf(kept.reason)}};
+    if (!kept.problem.empty()) entry["problem"] = kept.problem;
+    list.push_back(std::move(entry));
+  }
   return written(answer);
 }

@@ -4,6 +4,8 @@
 #include <ostream>
 
 #include "tool/Json.h"
+#include "tool/MunkiItem.h"
+#include "tool/RemoveCommand.h"
 
 namespace {
 
@@ -51,9 +53,12 @@ class Tool {
     switch (request_.command) {
       case ToolRequest::Command::plan: return plan();
       case ToolRequest::Command::hosts: return hosts();
-      case ToolRequest::Command::verify: break;
+      case ToolRequest::Command::verify: return verify();
+      case ToolRequest::Command::remove: return removeInstalled(request_, platform_, volume_, streams_);
+      case ToolRequest::Command::munki: break;
     }
-    return verify();
+    streams_.output << munkiItem(texts_, request_.folder);
+    return ToolStatus::success;
   }
 
  private:

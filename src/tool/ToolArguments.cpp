@@ -28,12 +28,27 @@ class CommandLine {
                                  texts("tool_verify", "Compare what is installed with what this installer brings"));
     verify->add_flag("--installed", request.isOnlyLogged,
                      texts("tool_verify_installed", "Only what the log of installed paths lists"));
+    CLI::App* const remove =
+        add(ToolRequest::Command::remove, "remove",
+            texts("tool_remove", "Remove what the log of installed paths lists, and nothing else"));
+    remove->add_flag("--yes", request.isConfirmed, texts("tool_remove_yes", "Do not ask before removing"));
+    remove->add_flag("--dry-run", request.isTrial, texts("tool_remove_trial", "Only show what would be removed"));
+    remove->add_flag("--keep-changed", request.keepsChanged,
+                     texts("tool_remove_keep", "Keep files that were changed since the install"));
+    CLI::App* const munki = add(ToolRequest::Command::munki, "munki",
+                                texts("tool_munki", "Write the description of the product for Munki"));
+    munki->remove_option(munki->get_option("--json"));
+    munki->add_option("--folder", request.folder, texts("tool_munki_folder", "Where the installer is kept on the Macs"))
+        ->type_name(texts("tool_folder", "FOLDER"));
   }
 
   ToolArguments read(int count, const char* const* arguments) {
     ToolArguments result;
     try {
       app_.parse(count, arguments);
+      const bool asks = request_.command == ToolRequest::Command::remove && !request_.isConfirmed && !request_.isTrial;
+      if (asks && request_.isJson)
+        throw CLI::ValidationError("--json", texts_("tool_json_yes", "needs --yes or --dry-run"));
       return result;
     } catch (const CLI::ParseError& error) {
       std::ostringstream output;

@@ -7,20 +7,26 @@
 /// The statuses that the tool ends with, numbered as in sysexits.h. A signal that ended it is 128 plus its number.
 enum class ToolStatus {
   success = 0,
-  differences = 1,  ///< something is not as an install leaves it
-  usage = 64,       ///< the arguments are wrong
-  noInput = 66,     ///< the target cannot be entered, or is no Mac volume
-  system = 71,      ///< no memory
-  output = 74,      ///< the output could not be written, or the disk failed
+  differences = 1,   ///< something is not as an install leaves it, or was kept
+  usage = 64,        ///< the arguments are wrong
+  noInput = 66,      ///< the target cannot be entered, or is no Mac volume
+  unavailable = 69,  ///< nobody can be asked to confirm, or changes cannot be begun
+  system = 71,       ///< no memory
+  output = 74,       ///< the output could not be written, or the disk failed
+  noRights = 77,     ///< administrator rights were refused
 };
 
 /// What the tool was asked to do.
 struct ToolRequest {
-  enum class Command { plan, hosts, verify };
+  enum class Command { plan, hosts, verify, remove, munki };
   Command command = Command::plan;
   std::string target = "/";
   bool isJson = false;
-  bool isOnlyLogged = false;  ///< verify: nothing but what the log lists
+  bool isOnlyLogged = false;                   ///< verify: nothing but what the log lists
+  bool isConfirmed = false;                    ///< remove: do not ask
+  bool isTrial = false;                        ///< remove: say what would be removed
+  std::string folder = "/Library/Management";  ///< munki: where the installer is put
+  bool keepsChanged = false;                   ///< remove: leave what was changed since the install
 };
 
 /// A request, or what to print instead of carrying one out.

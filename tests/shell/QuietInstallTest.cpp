@@ -289,6 +289,28 @@ TEST_F(QuietInstallAsUserTest, InstallsWithOnePrompt) {
   EXPECT_EQ(ownerOf(volume_ / "Applications/Corvane Dunmore 3 Studio.app/Contents"), owner);
 }
 
+TEST_F(QuietInstallAsUserTest, WhatWasInstalledIsRemovedWithOnePrompt) {
+  EXPECT_TRUE(installAnswering("echo secret").says("Failures: 0\n"));
+  ASSERT_EQ(std::system(("chown -R 0:0 '" + volume_.string() + "/Applications'").c_str()), 0);
+  program_ = bundle_ / "Contents/MacOS/InstallerTool";
+  const auto remove = [&](const std::string& answer) {
+    writeAskpass(answer);
+    return run("setsid -w setpriv --reuid=" + name_ + " --regid=" + name_ +
+                   " --init-groups --reset-env env LANG=C SUDO_ASKPASS=" + askpass_.string(),
+               "remove --yes --target '" + volume_.string() + "'");
+  };
+  writeFile(asked_, "");
+  EXPECT_EQ(remove("exit 1").status, 77);
+  EXPECT_TRUE(fs::exists(volume_ / "Applications/Corvane Dunmore 3 Studio.app"));
+  writeFile(asked_, "");
+  const Outcome outcome = remove("echo secret");
+  EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.errors;
+  EXPECT_EQ(readFile(asked_), "asked\n");
+  EXPECT_FALSE(fs::exists(volume_ / "Applications/Corvane Dunmore 3 Studio.app"));
+  EXPECT_FALSE(fs::exists(volume_ / "Library/Application Support/Corvane"));
+  EXPECT_FALSE(fs::exists(volume_ / "Library/Application Support/.installing"));
+}
+
 TEST_F(QuietInstallAsUserTest, StopsWhenThePasswordIsCancelledOrRefused) {
   const Outcome outcome = installAnswering("exit 1");
   EXPECT_EQ(outcome.status, 0);

@@ -10,7 +10,9 @@
 #include "support/TestMachine.h"
 #include "tool/InstalledPlaces.h"
 #include "tool/PlanReport.h"
+#include "tool/Remover.h"
 #include "tool/VerifyReport.h"
+#include "tool/VolumeState.h"
 
 namespace {
 
@@ -176,6 +178,34 @@ TEST_P(RandomVolumesTest, ThePlanIsWhatHappensAndVerifyAgrees) {
   EXPECT_TRUE(verifyInstall(machine_.platform, /*isOnlyLogged=*/true).differences.empty() || inPlace.empty());
   if (isComplete) {
     EXPECT_EQ(makePlanReport(machine_.platform).changes, 0U) << "nothing is left to be done";
+  }
+}
+
+TEST_P(RandomVolumesTest, RemovalTakesNothingButWhatWasInstalledAndTellsOfTheRest) {
+  volume_.disturb(plan());
+  const State before = stateOf(machine_.onVolume(""));
+  InstallFilesController controller(machine_.platform);
+  controller.install(HostsModel(machine_.platform).foundHosts(), /*shouldConfigureLumatraExternalEditors=*/true);
+  PrivilegedTools tools(machine_.platform);
+  ASSERT_TRUE(tools.obtain() && tools.lockVolume([] { return false; }));
+  const RemovalPlan removal = planRemoval(machine_.platform, /*keepsChanged=*/false);
+  Paths expected = controller.installedPaths();
+  for (const KeptPath& kept : removal.kept) {
+    EXPECT_EQ(kept.reason, KeptPath::Reason::empty) << kept.path;
+    expected.push_back(kept.path);
+  }
+  const RemovalOutcome outcome = Remover(machine_.platform, tools).remove(removal);
+  EXPECT_EQ(outcome.kept, removal.kept);
+  for (const std::string& path : controller.installedPaths()) {
+    EXPECT_FALSE(machine_.files.isTaken(path)) << path;
+  }
+  const State after = stateOf(machine_.onVolume(""));
+  for (const std::string& path : differences(before, after)) {
+    const bool isKnown = std::ranges::any_of(expected, [&](const std::string& known) {
+      return isAtOrBelow(path, known) || (after.contains(path) && isAtOrBelow(known, path));
+    });
+    const bool isOwnFolder = !after.contains(path) && path.find("/Corvane") != std::string::npos;
+    EXPECT_TRUE(isKnown || isOwnFolder) << path;
   }
 }
 

@@ -93,3 +93,16 @@ std::int32_t DesktopEntries::registerApplication(const std::string& path, bool u
   }
   return noErr;
 }
+
+void DesktopEntries::forgetApplication(const std::string& path, const std::string& identifier) {
+  const std::string entry = joinPath(applicationsFolder_, entryFileName(identifier));
+  const auto real = volume_.realPath(path, Volume::LastLink::keep, Volume::Purpose::look);
+  constexpr std::size_t largestEntry = 65536;
+  const auto text = files_.readFile(entry, largestEntry);
+  if (!real || !text) return;
+  // Another application may have registered itself under the same identifier.
+  std::string executable = escapedValue(quotedArgument(joinPath(*real, "Contents/MacOS")));
+  executable.pop_back();
+  const bool isIts = text->find("\nExec=" + executable + "/") != std::string::npos;
+  if (isIts) ignore(files_.removeItem(entry));  // an entry that stays leads nowhere, and menus leave it out
+}

@@ -15,6 +15,7 @@ class DesktopEntries : public LaunchServices {
   DesktopEntries(const Volume& volume, FileSystem& files, const Bundles& bundles, std::string applicationsFolder);
 
   std::int32_t registerApplication(const std::string& path, bool update) override;
+  void forgetApplication(const std::string& path, const std::string& identifier) override;
 
  private:
   const Volume& volume_;
