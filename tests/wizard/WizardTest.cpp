@@ -138,6 +138,7 @@ TEST_F(WizardTest, EndsWhereverItsWindowIsClosed) {
   const auto close = [] { window().close(); };
   run(close);
   run([] { press("backwardButton"); });  // which quits on the first page
+  run([] { ::raise(SIGTERM); });
   run([&close] {
     whenShown("hostsView", [&close](QWidget&) { close(); });  // as it is being entered
     agreeToLicence();

@@ -25,17 +25,6 @@ bool isNoise(const QString& message) {
   return message.startsWith("QStandardPaths: ") || message.startsWith("This plugin does not support");
 }
 
-/// The library behind TIFF pictures complains about damaged ones on the terminal. It is the one that Qt's plug-in loads
-/// for the first of them.
-void silenceTiff() {
-  void* const library = ::dlopen("libtiff.so.6", RTLD_LAZY | RTLD_LOCAL);
-  if (library == nullptr) return;
-  using Handler = void (*)(const char*, const char*, va_list);
-  for (const char* const setter : {"TIFFSetErrorHandler", "TIFFSetWarningHandler"}) {
-    if (auto* const set = reinterpret_cast<Handler (*)(Handler)>(::dlsym(library, setter))) set(nullptr);
-  }
-}
-
 void receive(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
   if (type == QtFatalMsg) {
     std::cerr << "Installer: no window: " << onOneLine(fromQt(message.section('\n', 0, 0)))
@@ -54,7 +43,6 @@ QtMessages::QtMessages(Log& log) {
   receiver = &log;
   said = new std::set<std::string>;
   qInstallMessageHandler(receive);
-  silenceTiff();
 }
 
 QtMessages::~QtMessages() {
@@ -62,4 +50,13 @@ QtMessages::~QtMessages() {
   receiver = nullptr;
   delete said;
   said = nullptr;
+}
+
+void silenceTiff() {
+  void* const library = ::dlopen("libtiff.so.6", RTLD_LAZY | RTLD_LOCAL);
+  if (library == nullptr) return;
+  using Handler = void (*)(const char*, const char*, va_list);
+  for (const char* const setter : {"TIFFSetErrorHandler", "TIFFSetWarningHandler"}) {
+    if (auto* const set = reinterpret_cast<Handler (*)(Handler)>(::dlsym(library, setter))) set(nullptr);
+  }
 }

@@ -12,3 +12,7 @@ class QtMessages {
   QtMessages(const QtMessages&) = delete;
   QtMessages& operator=(const QtMessages&) = delete;
 };
+
+/// The library behind TIFF pictures complains about damaged ones on the terminal; not any more after this. It is the
+/// one that Qt's plug-in for the format loads.
+void silenceTiff();

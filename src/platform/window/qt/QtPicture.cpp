@@ -12,6 +12,8 @@
 #include <utility>
 
 #include "platform/window/qt/PlainTiff.h"
+#include "platform/window/qt/QtMessages.h"
+#include "platform/window/qt/QtPlugins.h"
 #include "platform/window/qt/QtText.h"
 
 namespace {
@@ -102,7 +104,9 @@ Picture readPicture(const FileSystem& files, const std::string& path, const std:
   QBuffer buffer(&data);
   if (!buffer.open(QIODevice::ReadOnly)) return nullptr;
   QImageReader::setAllocationLimit(largestPictureInMegabytes);
+  if (format == std::string_view("tiff")) silenceTiff();
   const std::unique_ptr<QImageIOHandler> handler = handlerFor(format, buffer);
+  const NoPlugins none;  // a reader of Qt's own would look through them all first
   QImage largest = handler != nullptr ? readLargest(*handler) : QImageReader(&buffer, format).read();
   if (largest.isNull()) return nullptr;
   largest.convertTo(QImage::Format_ARGB32);  // one of few colours would stay so when it is scaled
