@@ -49,6 +49,7 @@ struct InstallReport {
   }
   /// Paths that were installed, each counted once.
   [[nodiscard]] std::size_t placeCount() const;
-  /// The folder of the first item that was installed for the host at this position; empty when none was.
-  [[nodiscard]] std::string folderOfHost(std::size_t host) const;
+  /// `usual` when an item was installed below it for the host at this position, else the folder of the host's first
+  /// item; empty when there is none.
+  [[nodiscard]] std::string folderOfHost(std::size_t host, const std::string& usual) const;
 };

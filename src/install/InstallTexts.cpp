@@ -62,8 +62,9 @@ bool hasFailedIn(const std::string& folder, const InstallReport& report) {
 void addHosts(Paragraphs& paragraphs, const Platform& platform, const InstallOutcome& outcome) {
   for (std::size_t i = 0; i < outcome.hosts.size(); ++i) {
     const HostModel& host = *outcome.hosts[i];
-    if (hasFailedIn(joinPath({host.plugInPath()}), outcome.report)) continue;  // its items are among the failures
-    const std::string folder = outcome.report.folderOfHost(i);
+    const std::string plugIns = joinPath({host.plugInPath()});
+    if (hasFailedIn(plugIns, outcome.report)) continue;  // its items are among the failures
+    const std::string folder = outcome.report.folderOfHost(i, plugIns);
     paragraphs.add(host.hostName(), /*isBold=*/true, /*spaceAfter=*/0);
     paragraphs.add(folder.empty() ? text(platform, "result_missing")
                                   : formatted(text(platform, "result_installed"), shownInText(platform, folder)));

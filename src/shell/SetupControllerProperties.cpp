@@ -92,7 +92,7 @@ bool SetupController::canInstallAgain() const {
 std::string SetupController::folderToShow() const {
   std::string folder;
   for (std::size_t i = 0; folder.empty() && i < servedHosts_.size(); ++i) {
-    folder = installFilesController_->report().folderOfHost(i);
+    folder = installFilesController_->report().folderOfHost(i, joinPath({servedHosts_[i]->plugInPath()}));
   }
   return folder;
 }

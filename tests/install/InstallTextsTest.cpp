@@ -55,16 +55,19 @@ class InstallTextsTest : public MachineTest {
 };
 
 TEST_F(InstallTextsTest, TellWhatWasInstalledWhereAndWhatFailed) {
-  report_.installedPaths = {"/Library/a", folder_ + "/b"};
+  report_.installedPaths = {"/Library/a", "/elsewhere/b"};
   report_.hostsOfPaths = {0, 1};
+  EXPECT_EQ(told(true, hosts_), "Well.\nAdobe Photoshop CS6\nin /elsewhere");
+  report_.installedPaths = {"/Library/a", "/elsewhere/b", folder_ + "/Corvane/b"};
+  report_.hostsOfPaths = {0, 1, 1};
   EXPECT_EQ(told(true, hosts_), "Well.\nAdobe Photoshop CS6\nin " + folder_);
-  report_.hostsOfPaths = {0, 0};
+  report_.hostsOfPaths = {0, 0, 0};
   EXPECT_EQ(told(true, hosts_), "Well.\nAdobe Photoshop CS6\nnot");
-  EXPECT_EQ(told(true, {}), "none\n2 items") << "no success page where no host was served";
+  EXPECT_EQ(told(true, {}), "none\n3 items") << "no success page where no host was served";
 
   report_.failures = {{folder_ + "/b", Error::posix(std::errc::no_space_on_device, "b")},
                       {"/c", Error::posix(std::errc::bad_message, "c")}};
-  EXPECT_EQ(told(false, hosts_), "Well.\n2 items\nkept\nagain\nfailed:\n" + folder_ + "/b: full\n/c: error " +
+  EXPECT_EQ(told(false, hosts_), "Well.\n3 items\nkept\nagain\nfailed:\n" + folder_ + "/b: full\n/c: error " +
                                      std::to_string(static_cast<int>(std::errc::bad_message)));
   report_ = {};
   EXPECT_EQ(outcomeText(platform_, {.report = report_, .hosts = hosts_, .isDenied = true}, RichText("Well.")).string(),
