@@ -33,10 +33,7 @@ class ApplicationObservation {
   ApplicationObservation(NSString* notification, Workspace::TerminationHandler handler)
       : handler_(std::move(handler)), observer_([[InstallerApplicationObserver alloc] init]) {
     observer_.get()->handler_ = &handler_;
-    [centre() addObserver:observer_.get()
-                 selector:@selector(applicationChanged:)
-                     name:notification
-                   object:nil];
+    [centre() addObserver:observer_.get() selector:@selector(applicationChanged:) name:notification object:nil];
   }
   ApplicationObservation(const ApplicationObservation&) = delete;
   ApplicationObservation& operator=(const ApplicationObservation&) = delete;
