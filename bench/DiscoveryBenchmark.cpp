@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Discovery of hosts in folders of 10,000 entries, beside the mere listing of the same folders.
 
 #include <benchmark/benchmark.h>

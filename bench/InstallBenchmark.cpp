@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Measures the quiet install against `cp -R` followed by `sync -f`, on the same payloads, in one run:
 //
 //   tests/isolated build-bench/bench/install-benchmark [ROUNDS]

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The least that a program with such a window can be: a text browser and a few labels, from a description that is
 // loaded at run time. Tells when it painted first, and ends.
 //

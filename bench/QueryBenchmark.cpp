@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Measures the search for earlier installs against find(1) on the same tree, in one run:
 //
 //   query-benchmark [FOLDER [ROUNDS]]

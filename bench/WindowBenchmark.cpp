@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Measures the wizard's window, in one run: against a minimal program with a window, its pages, and the install under
 // it against the one without a window.
 //

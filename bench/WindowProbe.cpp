@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Takes the place of the installer's Window.so and measures its real window from inside. BENCH_MODE says what.
 
 #include <QAbstractButton>

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # Run as a script: lays out the bundle anew beside the old one and lets it take its place.
 cmake_policy(VERSION 3.25)
 set(fresh ${BUNDLE}.new)

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 cmake_policy(VERSION 3.25)
 # Run as a script by add_layer(): fails when a file of one layer includes what the layer may not see. Left out of the
 # standard library on purpose: files (they go through platform/FileSystem.h) and threads (the program has one).

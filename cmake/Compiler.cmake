@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
                     -Wimplicit-fallthrough -Wnull-dereference)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")

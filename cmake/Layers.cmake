@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # One target a folder below src/. A layer may include its own headers and those of the layers that it names, and
 # nothing else; the build stops at the first include that breaks this.
 #

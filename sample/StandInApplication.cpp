@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Stands in for an application: runs until it is asked to end.
 
 #include <unistd.h>

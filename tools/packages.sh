@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # Installs the missing ones of the named Debian packages, as root or through sudo, and tells which failed and why. Without
 # apt-get it lists the packages and continues: the build names what is really missing.
 # Sourced by ./run and ./check.

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # Builds for a Mac on another system, with the compiler that tools/make-mac-app installs below build/mac/compiler.
 # MAC_ARCHITECTURE is arm64 or x86_64.
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES MAC_ARCHITECTURE)

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "foundation/Result.h"
 
 Error Error::posix(std::errc code, std::string_view subject) {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the custom screen shows and sets.
 #include <algorithm>
 #include <string_view>

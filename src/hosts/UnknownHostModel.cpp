@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "hosts/UnknownHostModel.h"
 
 std::shared_ptr<UnknownHostModel> UnknownHostModel::initWithPlugInPath(Platform& platform, std::string path) {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "hosts/UserDirectories.h"
 
 std::optional<std::string> NSUserPreferencesDirectory(const Platform& platform) {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "shell/CommandLine.h"
 
 CommandLine parseCommandLine(std::span<const std::string_view> arguments) {

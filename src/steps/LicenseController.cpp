@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "steps/LicenseController.h"
 
 bool LicenseController::canProceed(std::int32_t direction) {

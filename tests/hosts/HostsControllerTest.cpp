@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "hosts/HostsController.h"
 #include "hosts/LightRoomHostModel.h"
 #include "hosts/PhotoshopHostModel.h"

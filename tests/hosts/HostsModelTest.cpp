@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "hosts/HostsModel.h"
 #include "hosts/LightRoomHostModel.h"
 #include "hosts/UnknownHostModel.h"

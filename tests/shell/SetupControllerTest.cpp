@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "payload/InstallerTexts.h"
 #include "shell/SetupController.h"
 #include "steps/PageController.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "hosts/ApertureHostModel.h"
 #include "hosts/FireworksHostModel.h"
 #include "hosts/LightRoomHostModel.h"

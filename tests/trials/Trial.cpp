@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "trials/Trial.h"
 
 #include <dirent.h>

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: Apache-2.0
 """Works the wizard as a screen reader does: through AT-SPI alone, on a display and a session bus of its own.
 
 Arguments: the installer's bundle, sample/make-sample-volume, the stand-in application. Exit status 77: cannot run here.

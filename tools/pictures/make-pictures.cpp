@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Draws the installer's pictures and the icons of the sample volume's applications:
 //
 //   make-pictures resources sample/icons

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Takes the place of the installer's Window.so and pictures its pages for the README. PICTURES names the folder,
 // PICTURE_MODE what to show: "walk", "failure" or "hosts".
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "platform/macos/MacAuthorization.h"
 
 #include <Security/Security.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "platform/posix/CpuidProcessor.h"
 
 #if defined(__x86_64__) || defined(__i386__)

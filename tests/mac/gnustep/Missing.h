@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What GNUstep's headers lack of what the installer uses.
 #pragma once
 

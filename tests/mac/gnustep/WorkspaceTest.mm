@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The workspace's code with GNUstep's classes in the place of a Mac's. Applications are stand-ins: what is tested is
 // what the code asks of the system, what it makes of the answers, and that it releases what it holds.
 #import <AppKit/AppKit.h>

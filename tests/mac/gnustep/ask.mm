@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Asks GNUstep for what the declarations for Macs declare. Reads lines "CLASS - SELECTOR" and "NAME" (of a function or
 // a constant) and writes those that it does not have.
 #import <AppKit/AppKit.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a Mac has for copying and exchanging files.
 #include <fcntl.h>
 #include <linux/fs.h>

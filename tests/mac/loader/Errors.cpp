@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Numbers of errors.
 #include <array>
 #include <cerrno>

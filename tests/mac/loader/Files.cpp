@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Files: a Mac's flags and records.
 #include <dirent.h>
 #include <fcntl.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The few functions of CoreFoundation, CoreServices and Security that the installer calls. What they keep is in memory.
 // A process that has not released all objects at its end ends with 87.
 #include <spawn.h>

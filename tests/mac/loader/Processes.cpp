@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Child processes, and the queue that tells of their end.
 #include <fcntl.h>
 #include <grp.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a program can find out about itself, and libraries that it opens.
 #include <unistd.h>
 

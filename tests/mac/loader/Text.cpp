@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Characters, locales and standard streams.
 #include <array>
 #include <cctype>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Threads: objects that start with a signature on a Mac, and variables that each thread has of its own.
 #include <pthread.h>
 

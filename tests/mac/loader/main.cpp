@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Runs a console program for a Mac, an x86_64 Mach-O file, on Linux:
 //
 //   mac-loader [-unwinder LIBRARY] PROGRAM [ARGUMENT…]

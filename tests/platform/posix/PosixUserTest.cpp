@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <grp.h>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Starts a program in a session of its own, as nobody's child:
 //
 //   launch - [NAME=VALUE…] -- PROGRAM [ARGUMENT…]

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Starts the installer's helper through a command that asks for a password, detached from the installer, and reports
 // how that command ended. It runs with the user's own rights.
 //

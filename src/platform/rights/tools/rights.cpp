@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The installer's helper with administrator rights. sudo or pkexec starts it for the installer, and it serves that one
 // until the connection, its standard input, is closed.
 //

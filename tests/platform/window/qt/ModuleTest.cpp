@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <unistd.h>
 
 #include "platform/window/qt/WindowTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the XML reader calls of the system's libexpat, for a build without the system's development kit.
 #pragma once
 

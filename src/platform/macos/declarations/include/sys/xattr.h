@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // What the program calls of a Mac's extended attributes, for building where the system's header is missing.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the program calls of Foundation, for a build without the system's development kit.
 #pragma once
 
