@@ -14,6 +14,7 @@
 #include "platform/macos/MacPreferences.h"
 #include "platform/posix/ProcessSetUp.h"
 #include "platform/propertylist/PropertyListPreferences.h"
+#include "platform/window/appkit/AppKitUserInterface.h"
 
 namespace {
 
@@ -29,7 +30,7 @@ std::string ownProgram() {
 }  // namespace
 
 MacPlatform::MacPlatform(Volume volume, const std::string& bundlePath, UserAccount user,
-                         std::vector<std::string> languages)
+                         std::vector<std::string> languages, const MakeInterface& makeInterface, Surface surface)
     : user_(std::move(user), std::move(languages)),
       volume_(std::move(volume)),
       places_(volume_, homeOnVolume(volume_.root(), user_.account()), user_.account().id),
@@ -37,10 +38,12 @@ MacPlatform::MacPlatform(Volume volume, const std::string& bundlePath, UserAccou
       folders_(files_, homeOnVolume(volume_.root(), user_.account())),
       bundles_(bundlePath, files_, user_, log_),
       preferences_(makePreferences()),
-      authorizations_(volume_, user_.account(), places_, CopyPool::Caller::helps),
-      tasks_(interface_.runLoop(), notifications_),
+      authorizations_(volume_, user_.account(), places_,  // The thread that keeps a window alive has no time to copy.
+                      surface == Surface::window ? CopyPool::Caller::onlyWaits : CopyPool::Caller::helps),
+      interface_(makeInterface({files_, bundles_, user_, log_})),
+      tasks_(interface_->runLoop(), notifications_),
       launchServices_(volume_),
-      metadataQueries_(volume_, interface_.runLoop()),
+      metadataQueries_(volume_, interface_->runLoop()),
       workspace_(volume_, files_, bundles_),
       platform_{.files = files_,
                 .bundles = bundles_,
@@ -48,19 +51,19 @@ MacPlatform::MacPlatform(Volume volume, const std::string& bundlePath, UserAccou
                 .preferences = *preferences_,
                 .authorizations = authorizations_,
                 .tasks = tasks_,
-                .runLoop = interface_.runLoop(),
+                .runLoop = interface_->runLoop(),
                 .notifications = notifications_,
                 .launchServices = launchServices_,
                 .metadataQueries = metadataQueries_,
                 .workspace = workspace_,
-                .toolkit = interface_.toolkit(),
+                .toolkit = interface_->toolkit(),
                 .processor = processor_,
                 .identifiers = identifiers_,
                 .log = log_,
                 .user = user_,
                 .clock = clock_,
                 .interruptions = interruptions_} {
-  interruptions_.setRunLoop(interface_.runLoop());
+  interruptions_.setRunLoop(interface_->runLoop());
 }
 
 std::unique_ptr<Preferences> MacPlatform::makePreferences() {
@@ -79,10 +82,19 @@ Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& ta
   if (!bundle) return Error::posix(std::errc::no_such_file_or_directory, "the bundle that the program should lie in");
   auto volume = openMacVolume(target, *bundle, user->id);
   if (!volume) return volume.error();
-  if (surface == Surface::window) {
+  const std::string root = volume->root();
+  std::string problem;
+  const auto makeInterface = [&](const WindowServices& services) {
+    std::unique_ptr<UserInterface> made;
+    if (surface == Surface::window) made = makeAppKitInterface(services, root, problem);
+    if (made == nullptr) made = std::make_unique<ConsoleInterface>();
+    return made;
+  };
+  auto system = std::make_unique<MacPlatform>(std::move(*volume), *bundle, std::move(*user),
+                                              preferredLanguagesOfSystem(), makeInterface, surface);
+  if (!problem.empty()) {
     return Error{.domain = std::string(noWindowDomain),
-                 .userInfo = {{std::string(Error::localizedDescriptionKey), "there is none for this system yet"}}};
+                 .userInfo = {{std::string(Error::localizedDescriptionKey), problem}}};
   }
-  return std::unique_ptr<SystemPlatform>(
-      std::make_unique<MacPlatform>(std::move(*volume), *bundle, std::move(*user), preferredLanguagesOfSystem()));
+  return std::unique_ptr<SystemPlatform>(std::move(system));
 }

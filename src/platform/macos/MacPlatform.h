@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,13 +24,17 @@
 #include "platform/processes/PosixTasks.h"
 #include "platform/processes/SignalInterruptions.h"
 #include "platform/propertylist/BundleOnDisk.h"
-#include "platform/window/UserInterface.h"
+#include "platform/window/WindowModule.h"
 
 /// macOS, installing into the running system or into another volume.
 class MacPlatform : public SystemPlatform {
  public:
+  /// Makes the interface to the person, which must not be null.
+  using MakeInterface = std::function<std::unique_ptr<UserInterface>(const WindowServices& services)>;
+
   /// The path is real and without links; `languages` as User::preferredLanguages() has them.
-  MacPlatform(Volume volume, const std::string& bundlePath, UserAccount user, std::vector<std::string> languages);
+  MacPlatform(Volume volume, const std::string& bundlePath, UserAccount user, std::vector<std::string> languages,
+              const MakeInterface& makeInterface, Surface surface = Surface::console);
 
   [[nodiscard]] Platform& platform() override { return platform_; }
   [[nodiscard]] std::string shownPath(const std::string& path) const override;
@@ -47,7 +52,7 @@ class MacPlatform : public SystemPlatform {
   BundlesOnDisk bundles_;
   std::unique_ptr<Preferences> preferences_;
   MacAuthorizations authorizations_;
-  ConsoleInterface interface_;
+  std::unique_ptr<UserInterface> interface_;
   SignalInterruptions interruptions_;
   NotificationCenter notifications_;
   PosixTasks tasks_;

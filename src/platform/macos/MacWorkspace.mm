@@ -6,8 +6,8 @@
 
 #include <utility>
 
-#include "platform/macos/ObjectReference.h"
 #include "platform/propertylist/BundleOnDisk.h"
+#include "platform/window/appkit/ObjectReference.h"
 
 /// Passes the workspace's news on, for as long as it is the observer.
 @interface InstallerApplicationObserver : NSObject {

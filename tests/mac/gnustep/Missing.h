@@ -15,4 +15,15 @@ static NSString* const NSWorkspaceLaunchConfigurationArguments = @"NSWorkspaceLa
                                   configuration:(NSDictionary*)configuration
                                           error:(NSError**)error;
 @end
+
+@interface NSApplication (Missing)
+- (NSDockTile*)dockTile;
+- (BOOL)setActivationPolicy:(NSInteger)policy;
+@end
+
+@interface NSView (Missing)
+- (NSString*)accessibilityLabel;
+- (void)setAccessibilityLabel:(NSString*)text;
+- (void)setAccessibilityValueDescription:(NSString*)text;
+@end
 #endif

@@ -11,9 +11,9 @@
 
 #include "platform/files/PosixFileSystem.h"
 #include "platform/macos/MacWorkspace.h"
-#include "platform/macos/ObjectReference.h"
 #include "platform/posix/SystemLog.h"
 #include "platform/propertylist/BundleOnDisk.h"
+#include "platform/window/appkit/ObjectReference.h"
 
 namespace {
 

@@ -12,7 +12,8 @@
 class TestPlatform : public MacPlatform {
  public:
   TestPlatform(const std::string& volume, const std::string& bundle, const UserAccount& account)
-      : MacPlatform(Volume(volume, bundle), bundle, account, {"en"}) {}
+      : MacPlatform(Volume(volume, bundle), bundle, account, {"en"},
+                    [](const WindowServices&) { return std::make_unique<ConsoleInterface>(); }) {}
 
   /// There are none.
   static void addHelpers(const std::filesystem::path& /*folder*/) {}

@@ -36,3 +36,5 @@ enum { NSApplicationActivationPolicyRegular = 0 };
                                           error:(NSError**)error;
 - (BOOL)openURL:(NSURL*)url;
 @end
+
+#include <AppKit/Windows.h>
