@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # Libraries that are nothing but headers, in a folder of their own: the headers beside them may be of another system than
 # the one that is built for.
 set(header_libraries ${CMAKE_BINARY_DIR}/header-libraries)

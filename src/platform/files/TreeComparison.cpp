@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "platform/files/TreeComparison.h"
 
 #include <fcntl.h>
