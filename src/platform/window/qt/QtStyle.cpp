@@ -291,7 +291,7 @@ int QtStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget
   switch (hint) {
     case SH_DialogButtonLayout: return QDialogButtonBox::MacLayout;  // the default button lower right
     case SH_ItemView_ShowDecorationSelected: return true;
-    case SH_UnderlineShortcut: return false;
+    case SH_UnderlineShortcut:
     case SH_DialogButtonBox_ButtonsHaveIcons: return false;
     default: return QProxyStyle::styleHint(hint, option, widget, result);
   }
