@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <ranges>
 #include <set>
 #include <utility>
 
@@ -50,7 +49,8 @@ class RemovalPlanner {
     for (const LoggedPath& logged : log_.paths()) {
       if (logged.item) places_.add(*logged.item);
     }
-    for (const LoggedPath& logged : std::views::reverse(log_.paths())) look(logged);
+    const auto& logged = log_.paths();
+    std::for_each(logged.rbegin(), logged.rend(), [this](const LoggedPath& path) { look(path); });
     // The folder of the list comes into being even where there is nothing to list.
     noteFolders(externalEditorsList(platform_), externalEditorsList(platform_));
     foldEmptiedFolders();
@@ -168,7 +168,8 @@ class RemovalPlanner {
 
   /// Has folders of the maker go with all that is in them, and tells of others that are left empty.
   void foldEmptiedFolders() {
-    for (const std::string& folder : std::views::reverse(folders_)) {  // inner ones first
+    for (auto inner = folders_.rbegin(); inner != folders_.rend(); ++inner) {
+      const std::string& folder = *inner;
       const auto names = platform_.files.contentsOfDirectory(folder);
       if (!names || folder == deletingLastPathComponent(plan_.log)) continue;  // the log goes by itself
       const bool isEmptied = std::ranges::all_of(*names, [&](const std::string& name) {
