@@ -114,19 +114,22 @@ TEST_F(InstallSequenceTest, StopsForThePersonAsLongAsNothingIsChanged) {
     if (step == askedBefore) stops = controller_.askToStop();
   };
   enter();
-  EXPECT_TRUE(stops && !controller_.successfulInstall());
+  EXPECT_TRUE(stops);
+  EXPECT_FALSE(controller_.successfulInstall());
   EXPECT_EQ(controller_.report().interruption->signal, 0);
   EXPECT_FALSE(fs::exists(on(studio_)));
   EXPECT_EQ(log(), "(no such file)");
 
   machine_.toolkit.answer = AlertAnswer::alternateButton;
   enter();
-  EXPECT_TRUE(!stops && controller_.successfulInstall()) << "the person goes on";
+  EXPECT_FALSE(stops) << "the person goes on";
+  EXPECT_TRUE(controller_.successfulInstall());
   EXPECT_EQ(machine_.toolkit.alerts.size(), 2U);
   machine_.toolkit.answer = AlertAnswer::defaultButton;
   askedBefore = "finish";
   enter();
-  EXPECT_TRUE(!stops && controller_.successfulInstall()) << "too late to ask";
+  EXPECT_FALSE(stops) << "too late to ask";
+  EXPECT_TRUE(controller_.successfulInstall());
   EXPECT_EQ(machine_.toolkit.alerts.size(), 2U);
 }
 

@@ -189,7 +189,8 @@ TEST_P(RandomVolumesTest, RemovalTakesNothingButWhatWasInstalledAndTellsOfTheRes
   InstallFilesController controller(machine_.platform);
   controller.install(HostsModel(machine_.platform).foundHosts(), /*shouldConfigureLumatraExternalEditors=*/true);
   PrivilegedTools tools(machine_.platform);
-  ASSERT_TRUE(tools.obtain() && tools.lockVolume([] { return false; }));
+  ASSERT_TRUE(tools.obtain());
+  ASSERT_TRUE(tools.lockVolume([] { return false; }));
   const RemovalPlan removal = planRemoval(machine_.platform, /*keepsChanged=*/false);
   Paths expected = controller.installedPaths();
   for (const KeptPath& kept : removal.kept) {

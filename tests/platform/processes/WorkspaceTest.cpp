@@ -174,7 +174,8 @@ TEST_F(WorkspaceTest, TerminatesLaunchedApplications) {
   makeApplication("Studio");
   const auto application = workspace_.launchHidden(pathOf("Studio"), {});
   const auto another = workspace_.launchHidden(pathOf("Studio"), {});
-  ASSERT_TRUE(application != nullptr && another != nullptr);
+  ASSERT_NE(application, nullptr);
+  ASSERT_NE(another, nullptr);
   EXPECT_EQ(running(), "Studio Studio ") << "each a new instance";
   const auto observation = observe();
   application->terminate();
