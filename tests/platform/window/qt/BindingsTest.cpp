@@ -93,7 +93,7 @@ TEST_F(BindingsTest, AClickAnywhereInARowTicksIt) {
   show(control("QListWidget", "list", property("bindRows", "rows")));
   auto& list = the<QListWidget>("list");
   the<QWidget>("top").show();
-  const auto ticked = [&](int row) { return std::get<Rows>(owner_.values["rows"]).at(row).isTicked; };
+  const auto ticked = [&](size_t row) { return std::get<Rows>(owner_.values["rows"]).at(row).isTicked; };
   const QRect row = list.visualItemRect(list.item(1));
   for (const QPoint place : {row.center(), QPoint(row.left() + 12, row.center().y())}) {
     const bool before = ticked(1);
