@@ -74,8 +74,8 @@ class ItemInstaller {
   [[nodiscard]] std::vector<ReportedProblem> commitGroup(std::span<const Member> group);
   /// Looks for the item for some milliseconds: a file system may be slow to show it.
   [[nodiscard]] bool appearsInTime(const PlannedItem& item);
-  /// The staged items whose places still may change.
-  [[nodiscard]] Members stillWanted() const;
+  /// Forgets staged items whose places are to stay as they are by now.
+  void dropUnwanted();
   void discard();
   /// Tells of a failure, unless it was told of before.
   void fail(const std::string& path, const Error& reason);

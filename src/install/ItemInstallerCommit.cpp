@@ -22,11 +22,12 @@ void ItemInstaller::commit() {
     return discard();
   }
   if (isInterrupted()) return discard();
-  const Members wanted = stillWanted();
+  dropUnwanted();
+  report_.installedPaths.reserve(staged_.size());
   std::vector<ReportedProblem> failures;
-  for (auto group = wanted.begin(); group != wanted.end() && failures.empty();) {
+  for (auto group = staged_.cbegin(); group != staged_.cend() && failures.empty();) {
     const auto end =
-        std::find_if(group, wanted.end(), [&](const Member& member) { return member.host != group->host; });
+        std::find_if(group, staged_.cend(), [&](const Member& member) { return member.host != group->host; });
     failures = commitGroup({group, end});
     group = end;
   }
@@ -66,11 +67,10 @@ bool ItemInstaller::appearsInTime(const PlannedItem& item) {
   return false;
 }
 
-ItemInstaller::Members ItemInstaller::stillWanted() const {
-  Members wanted;
+void ItemInstaller::dropUnwanted() {
   const PlannedBatch* batch = nullptr;
   bool copiesNewFiles = true;
-  for (const Member& member : staged_) {
+  std::erase_if(staged_, [&](const Member& member) {
     if (std::exchange(batch, member.batch) != member.batch) copiesNewFiles = true;
     const PlannedItem& item = *member.item;
     if (!member.batch->alwaysInstall && platform_.files.isTaken(item.target)) {
@@ -78,7 +78,6 @@ ItemInstaller::Members ItemInstaller::stillWanted() const {
                            ? isFileOkToInstallByBundleVersion(platform_, item.source, item.target)
                            : isFileOkToInstallByModificationTime(platform_, item.source, item.target);
     }
-    if (copiesNewFiles) wanted.push_back(member);
-  }
-  return wanted;
+    return !copiesNewFiles;
+  });
 }

@@ -14,6 +14,7 @@ class ItemInstaller::Observer : public TransactionObserver {
  public:
   explicit Observer(ItemInstaller& installer, Members members = {})
       : installer_(installer), members_(std::move(members)) {
+    installer_.staged_.reserve(installer_.staged_.size() + members_.size());
     for (Member& member : members_) {
       if (member.item->isAttempted()) member.number = installer_.numbered_++;
     }

@@ -10,7 +10,10 @@
 bool logInstalledPaths(Platform& platform, PrivilegedTools& tools, const std::vector<std::string>& paths) {
   if (paths.empty()) return false;
   const std::string log = PlugInFilesModel(platform).installerLogPath();
+  std::size_t length = 0;
+  for (const std::string& path : paths) length += path.size() + 1;
   std::string text;
+  text.reserve(length);  // the list of a large product is where the install needs the most memory
   for (const std::string& path : paths) text.append(path).append("\n");
   ensureDirExists(platform, tools, deletingLastPathComponent(log));
   return writeFileForUser(platform, tools,

@@ -85,7 +85,7 @@ class CopyPool {
   CopyCount& copied_;
   std::mutex mutex_;
   std::condition_variable changed_;
-  std::vector<std::shared_ptr<Item>> items_;
+  std::deque<std::shared_ptr<Item>> items_;
   std::size_t next_ = 0;  ///< the first item not begun yet
   std::deque<Job> jobs_;
   std::vector<std::thread> threads_;

@@ -4,12 +4,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/Transaction.h"
@@ -41,9 +43,9 @@ class StagedTransaction : public Transaction {
     bool isMissing = false;  ///< whether the target was missing when the first item was staged, and still is
     bool isMoved = false;    ///< whether the folder was moved to its target as a whole
     bool inheritsOwnership = false;
-    bool isClean = true;     ///< whether nothing but staged items is in it
-    std::size_t staged = 0;  ///< how many items wait here
-    std::map<std::string, std::size_t> itemOfName = {};
+    bool isClean = true;                                      ///< whether nothing but staged items is in it
+    std::size_t staged = 0;                                   ///< how many items wait here
+    std::map<std::string_view, std::size_t> itemOfName = {};  ///< names are those of items_
   };
   struct Item {
     enum class State { failed, staged, committed };
@@ -105,7 +107,7 @@ class StagedTransaction : public Transaction {
   std::vector<MountedFileSystem> fileSystems_;
   std::vector<Folder> folders_;
   std::map<std::string, std::size_t> folderOfTarget_;
-  std::vector<Item> items_;
+  std::deque<Item> items_;  ///< never moves
   Cached<std::string> source_;
   Cached<std::size_t> staged_;
   Cached<std::size_t> target_;
