@@ -5,7 +5,7 @@ cmake_policy(VERSION 3.25)
 set(fresh ${BUNDLE}.new)
 file(REMOVE_RECURSE ${fresh})
 
-configure_file(${RESOURCES}/Info.plist ${fresh}/Contents/Info.plist @ONLY)
+file(COPY ${RESOURCES}/Info.plist DESTINATION ${fresh}/Contents)
 file(GLOB interface ${RESOURCES}/*.ui ${RESOURCES}/*.tiff ${RESOURCES}/*.icns ${RESOURCES}/*.png)
 file(COPY ${interface} DESTINATION ${fresh}/Contents/Resources)
 file(COPY ${RESOURCES}/files DESTINATION ${fresh}/Contents/Resources)

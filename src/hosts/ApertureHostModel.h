@@ -8,8 +8,8 @@
 #include "hosts/HostModel.h"
 #include "platform/Platform.h"
 
-/// Aperture. Its plug-ins lie in the user's own folder for it. Discovery makes none; the running-host check knows the
-/// kind.
+/// Aperture. Its plug-ins lie in the user's own folder for it. Discovery only makes one where the
+/// maker asks for it. Nothing is copied for it; the running-host check knows the kind.
 class ApertureHostModel : public HostModel {
  public:
   /// Installed when the folder that holds Aperture's plug-in folder is there at this moment.

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "foundation/Path.h"
+#include "payload/InstallerTexts.h"
 #include "settings/BundleUserDefaults.h"
 
 namespace {
@@ -50,7 +51,7 @@ void HostsController::didProceed(std::int32_t /*delta*/) {
     custom->setShouldInstallPanels(false);
     custom->setShouldInstallScripts(false);
     custom->setShouldInstallPlugIns(installPluginForCustomInstall_);
-    auto settings = BundleUserDefaults::initWithPersistentDomainName(platform_, installerPreferencesDomain);
+    auto settings = BundleUserDefaults::initWithPersistentDomainName(platform_, installerPreferencesDomain(platform_));
     settings.setObject(custom->plugInPath(), customPathKey);
     settings.synchronize();  // a signal may end the program before it writes them by itself
   }
@@ -96,7 +97,8 @@ void HostsController::goToCustomScreen() {
 }
 
 void HostsController::makeCustomHost() {
-  const auto settings = BundleUserDefaults::initWithPersistentDomainName(platform_, installerPreferencesDomain);
+  const auto settings =
+      BundleUserDefaults::initWithPersistentDomainName(platform_, installerPreferencesDomain(platform_));
   customHost_ = UnknownHostModel::initWithPlugInPath(platform_, settings.objectForKey(customPathKey).text());
   customHost_->setHostIsSelected(true);
   for (const auto& host : mainController_->foundHosts()) host->setHostIsSelected(false);

@@ -13,10 +13,12 @@
 #include "foundation/Path.h"
 #include "foundation/Predicate.h"
 #include "foundation/Text.h"
+#include "hosts/ApertureHostModel.h"
 #include "hosts/LightRoomHostModel.h"
 #include "hosts/PhotoshopHostModel.h"
 #include "hosts/UnknownHostModel.h"
 #include "hosts/UserDirectories.h"
+#include "payload/Configuration.h"
 #include "payload/InstallerTexts.h"
 #include "settings/BundleUserDefaults.h"
 
@@ -50,7 +52,8 @@ HostsModel::HostsModel(Platform& platform) : platform_(platform) {
 void HostsModel::readRememberedCustomFolder() {
   // Neither model goes into the list, so that no folder is chosen before the user opens the custom screen, which reads
   // the same setting.
-  const auto settings = BundleUserDefaults::initWithPersistentDomainName(platform_, installerPreferencesDomain);
+  const auto settings =
+      BundleUserDefaults::initWithPersistentDomainName(platform_, installerPreferencesDomain(platform_));
   std::shared_ptr<UnknownHostModel> remembered;
   if (const Value path = settings.objectForKey("customPath"); !path.isNone()) {
     remembered = UnknownHostModel::initWithPlugInPath(platform_, path.text());
@@ -73,6 +76,17 @@ void HostsModel::loadTexts() {
 }
 
 void HostsModel::findHosts() {
+  const Configuration configuration(platform_);
+  if (configuration.offersHost("photoshop")) findPhotoshops();
+  if (configuration.offersHost("lightroom")) {
+    hostsArray_.push_back(LightRoomHostModel::initWithHostName(platform_, "Adobe Lightroom"));
+  }
+  if (configuration.offersHost("aperture")) {
+    hostsArray_.push_back(ApertureHostModel::initWithHostName(platform_, "Aperture"));
+  }
+}
+
+void HostsModel::findPhotoshops() {
   const std::string preferences = NSUserPreferencesDirectory(platform_).value_or("");
   const auto support = ApplicationSupportDirectory(platform_);
   const std::string adobe = support ? joinPath(*support, "Adobe") : "";
@@ -103,8 +117,6 @@ void HostsModel::findHosts() {
       hostsArray_.push_back(std::move(host));
     }
   }
-
-  hostsArray_.push_back(LightRoomHostModel::initWithHostName(platform_, "Adobe Lightroom"));
 }
 
 HostList HostsModel::foundHosts() const {

@@ -42,6 +42,7 @@ class HostsModel : public SetupStepModel {
   void readRememberedCustomFolder();
   void loadTexts();
   void findHosts();
+  void findPhotoshops();
 
   Platform& platform_;
   std::string mainLabelText_;

@@ -4,24 +4,34 @@
 
 #include <string_view>
 
+#include "foundation/Text.h"
+
 namespace {
 
 std::string installerText(const Platform& platform, const char* key) {
   return platform.bundles.mainBundle().localizedString(key, "", "installer");
 }
 
-/// Returns a name for folders and files. A name that leads elsewhere counts as missing: installing and removing by it
-/// would affect other makers' files.
-std::string fileName(const Platform& platform, const char* key) {
-  const std::string name = installerText(platform, key);
-  return name == "." || name == ".." || name.find('/') != std::string::npos ? "" : name;
-}
+/// A name that leads elsewhere counts as missing: installing and removing by it would affect other makers' files.
+bool isUsable(const std::string& name) { return name != "." && name != ".." && name.find('/') == std::string::npos; }
 
 }  // namespace
 
-std::string companyName(const Platform& platform) { return fileName(platform, "company_name"); }
-std::string productName(const Platform& platform) { return fileName(platform, "product_name"); }
+std::string companyName(const Platform& platform) {
+  const std::string name = shownCompanyName(platform);
+  return isUsable(name) ? name : "";
+}
+std::string productName(const Platform& platform) {
+  const std::string name = replacingOccurrences(shownProductName(platform), "/", ":");
+  return isUsable(name) ? name : "";
+}
 std::string productPreferencesDomain(const Platform& platform) { return installerText(platform, "app_plist"); }
+
+std::string installerPreferencesDomain(const Platform& platform) {
+  const std::string configured = installerText(platform, "installer_identifier");
+  return configured.empty() ? "com.corvane.installer" : configured;
+}
+
 std::string shownCompanyName(const Platform& platform) { return installerText(platform, "company_name"); }
 std::string shownProductName(const Platform& platform) { return installerText(platform, "product_name"); }
 

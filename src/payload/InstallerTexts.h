@@ -6,9 +6,11 @@
 
 #include "platform/Platform.h"
 
-// Names of the product: the entries of the strings table "installer". A missing entry is an empty text.
+// Names of the product: entries of the strings table "installer". A missing entry is an empty text. What else the table
+// says is in Configuration.h.
 
-// As folders and files are named; empty for a name that would lead elsewhere.
+// As folders and files are named; empty for a name that would lead elsewhere. A "/" of the product is a ":" there,
+// which a Mac shows as "/".
 [[nodiscard]] std::string companyName(const Platform& platform);
 [[nodiscard]] std::string productName(const Platform& platform);
 
@@ -21,3 +23,5 @@
 
 /// Preferences domain of the installed product.
 [[nodiscard]] std::string productPreferencesDomain(const Platform& platform);
+/// The one in which the installer keeps its own settings.
+[[nodiscard]] std::string installerPreferencesDomain(const Platform& platform);

@@ -2,11 +2,14 @@
 
 #pragma once
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "foundation/Text.h"
 #include "foundation/Value.h"
 
 /// A folder laid out as an application, plug-in or other bundle: "Contents" with its Info.plist, resources and
@@ -31,6 +34,18 @@ class Bundle {
                                                     std::string_view table) const = 0;
   [[nodiscard]] std::string localizedString(std::string_view key) const {
     return localizedString(key, "", "Localizable");
+  }
+
+  /// The placeholders for names in texts, and the names of the table "installer" that they stand for.
+  using Names = std::array<std::pair<std::string_view, std::string>, 2>;
+  [[nodiscard]] Names names() const {
+    return {{{"%PRODUCTNAME%", localizedString("product_name", "", "installer")},
+             {"%COMPANYNAME%", localizedString("company_name", "", "installer")}}};
+  }
+  [[nodiscard]] std::string withNames(std::string text) const {
+    if (text.find('%') == std::string::npos) return text;
+    for (const auto& [placeholder, name] : names()) text = replacingOccurrences(text, placeholder, name);
+    return text;
   }
 
   /// The file NAME.TYPE of the resources, in the first of the user's languages that has one, else in English, else

@@ -9,9 +9,6 @@
 #include "foundation/Value.h"
 #include "platform/Platform.h"
 
-/// Domain in which the installer keeps its own settings.
-inline constexpr const char* installerPreferencesDomain = "com.corvane.installer";
-
 /// A settings store for one preferences domain. Missing values fall back to registered defaults, which are kept only in
 /// memory. Writes the changes of its domain when the program terminates.
 class BundleUserDefaults {

@@ -106,6 +106,7 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   [[nodiscard]] bool isCustomInstallChosen() const override { return customInstallChosen_; }
   void setIsCustomInstallChosen(bool chosen) override;
   [[nodiscard]] bool canConfigureLumatraExternalEditors() const { return configureLumatraExternalEditorsAllowed_; }
+  /// Has no effect where the maker has no editor to tell.
   void setCanConfigureLumatraExternalEditors(bool can);
   [[nodiscard]] bool shouldConfigureLumatraExternalEditors() const override {
     return configureLumatraExternalEditorsShould_;

@@ -6,6 +6,7 @@
 #include "foundation/Format.h"
 #include "foundation/Path.h"
 #include "install/InstallTexts.h"
+#include "payload/Configuration.h"
 #include "payload/InstallerTexts.h"
 #include "payload/PlugInFilesModel.h"
 #include "platform/OwnerTables.h"
@@ -126,7 +127,8 @@ void SetupController::setIsCustomInstallChosen(bool chosen) {
 }
 
 void SetupController::setCanConfigureLumatraExternalEditors(bool can) {
-  setFlag(configureLumatraExternalEditorsAllowed_, can, "canConfigureLumatraExternalEditors");
+  const bool isWanted = can && !Configuration(platform_).externalEditors().empty();
+  setFlag(configureLumatraExternalEditorsAllowed_, isWanted, "canConfigureLumatraExternalEditors");
 }
 
 void SetupController::setShouldConfigureLumatraExternalEditors(bool should) {

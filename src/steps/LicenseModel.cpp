@@ -10,7 +10,8 @@ LicenseModel::LicenseModel(Platform& platform) {
   try {
     licenseText_ = decodeUtf8(contentsOfResource(platform, "license", "txt"));
     if (licenseText_) {
-      licenseText_ = replacingOccurrences(replacingOccurrences(*licenseText_, "\r\n", "\n"), "\r", "\n");
+      licenseText_ = platform.bundles.mainBundle().withNames(
+          replacingOccurrences(replacingOccurrences(*licenseText_, "\r\n", "\n"), "\r", "\n"));
     }
   } catch (const Exception&) {
     // The page tells: it has no text.

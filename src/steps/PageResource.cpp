@@ -23,12 +23,24 @@ std::string contentsOfResource(const Platform& platform, std::string_view name, 
   return std::move(*bytes);
 }
 
-RichText richTextResource(const Platform& platform, std::string_view name) {
+RichText richTextFormat(const Platform& platform, std::string_view name) {
   const std::string bytes = contentsOfResource(platform, name, "rtf");
   try {
     return parseRichTextFormat(bytes);
   } catch (const Exception& exception) {
     throw Exception(formatted("%@.rtf: %@", name, std::string_view(exception.what())));
+  }
+}
+
+RichText richTextResource(const Platform& platform, std::string_view name) {
+  RichText text = richTextFormat(platform, name);
+  fillInNames(platform, text);
+  return text;
+}
+
+void fillInNames(const Platform& platform, RichText& text) {
+  for (const auto& [placeholder, name] : platform.bundles.mainBundle().names()) {
+    text.replaceOccurrences(placeholder, name);
   }
 }
 

@@ -10,16 +10,19 @@ namespace {
 
 void readFormat(const Platform& platform, std::string_view name, RichText& format, RichText& text) {
   try {
-    format = richTextResource(platform, name);
+    format = richTextFormat(platform, name);
   } catch (const Exception& exception) {
     platform.log.write(exception.what());
     text = RichText("nil");
   }
 }
 
-void fillIn(const RichText& format, std::string_view placeholder, std::string_view name, RichText& text) {
+void fillIn(const Platform& platform, const RichText& format, std::string_view placeholder, std::string_view name,
+            RichText& text) {
   RichText filledIn = format;
-  if (filledIn.replaceOccurrences(placeholder, name)) text = std::move(filledIn);
+  if (!filledIn.replaceOccurrences(placeholder, name)) return;
+  fillInNames(platform, filledIn);
+  text = std::move(filledIn);
 }
 
 }  // namespace
@@ -35,8 +38,8 @@ RunningHostViewModel::RunningHostViewModel(Platform& platform) : platform_(platf
 
 void RunningHostViewModel::setHostName(const std::string& hostName) {
   willChangeValueForKey("informativeText");
-  fillIn(runningFormatString_, "%HOSTNAME%", hostName, runningText_);
-  fillIn(notRunningFormatString_, "%PRODUCTNAME%", shownProductName(platform_), notRunningText_);
+  fillIn(platform_, runningFormatString_, "%HOSTNAME%", hostName, runningText_);
+  fillIn(platform_, notRunningFormatString_, "%PRODUCTNAME%", shownProductName(platform_), notRunningText_);
   didChangeValueForKey("informativeText");
 }
 

@@ -80,7 +80,7 @@ std::string munkiItem(const ToolTexts& texts, const std::string& folder) {
   const std::string programs = shellWord(joinPath(bundle, "Contents/MacOS"));
   // With nobody at the console, nothing is needed, and what Munki does all the same has failed.
   const std::string start = formatted(scriptStart, programs);
-  const std::string name = replacingOccurrences(texts.product(), " ", "");
+  const std::string name = replacingOccurrences(replacingOccurrences(texts.product(), " ", ""), "/", "-");
   PropertyList item;
   item.addXml("catalogs", "<array><string>testing</string></array>");
   item.add("name", name);

@@ -99,7 +99,7 @@ std::vector<std::string> otherFiles(Platform& platform, const std::set<std::stri
   const auto willExist = [&](const std::string& path) {
     return attempted.contains(path) || platform.files.exists(path);
   };
-  if (!externalEditorsText({}, willExist).empty()) files.push_back(externalEditorsList(platform));
+  if (!externalEditorsText(platform, {}, willExist).empty()) files.push_back(externalEditorsList(platform));
   if (!files.empty() || !attempted.empty()) files.push_back(PlugInFilesModel(platform).installerLogPath());
   return files;
 }

@@ -11,7 +11,7 @@ std::string ToolTexts::operator()(std::string_view key, std::string_view english
   return platform_->bundles.mainBundle().localizedString(key, english, "Localizable");
 }
 
-std::string ToolTexts::product() const { return platform_ == nullptr ? std::string() : productName(*platform_); }
+std::string ToolTexts::product() const { return platform_ == nullptr ? std::string() : shownProductName(*platform_); }
 
 std::string ToolTexts::version() const {
   if (platform_ == nullptr) return {};

@@ -52,6 +52,15 @@ TEST_F(HostsModelTest, ListsWhatIsRecentEnoughInOrder) {
   EXPECT_EQ(log_.count("Found path file "), 7) << "the old ones too, but not somebody else's";
 }
 
+TEST_F(HostsModelTest, LooksForTheKindsThatTheMakerNames) {
+  writeFile(machine_.inBundle("Resources/en.lproj/installer.strings"), "hosts = \"lightroom aperture granby\";");
+  addLightroom();
+  machine_.addPhotoshop("Adobe Photoshop CS6");
+  EXPECT_EQ(found(), "Adobe Lightroom");
+  fs::create_directories(machine_.inLibrary("Application Support/Aperture"));
+  EXPECT_EQ(found(), "Adobe Lightroom, Aperture");
+}
+
 TEST_F(HostsModelTest, TakesTheFirstOfAVersionInTheOrderOfTheListing) {
   const std::vector<std::string> listed = {"._Adobe Photoshop CC 2019 Settings", "Adobe Photoshop CC 2019 Settings",
                                            "Adobe Photoshop CC 2019 (Beta) Settings"};

@@ -41,6 +41,27 @@ TEST_F(TasksTest, ListsTheNewestPhotoshopAndTheMakersApplications) {
   EXPECT_EQ(controller_.installedPaths(), Paths{list_});
 }
 
+TEST_F(TasksTest, ListsTheEditorsForAnotherMakersEditorOrForNone) {
+  const auto configure = [this](const std::string& keys) {
+    writeFile(machine_.inBundle("Resources/en.lproj/installer.strings"),
+              "company_name = Tamsin; product_name = Granby; " + keys);
+    return std::make_unique<TestPlatform>(on(""), machine_.inBundle("").parent_path().parent_path(),
+                                          machine_.account());
+  };
+  fs::create_directories(on("/Applications/Tamsin Granby.app"));
+  fs::create_directories(on("/Applications/Ever.app"));
+  fs::create_directories(on(pelloria_));
+  const auto none = configure("external_editors = \"\";");
+  InstallFilesController(none->platform()).configureLumatraExternalEditors();
+  EXPECT_FALSE(fs::exists(on("/Library/Application Support/Tamsin")));
+  const auto other = configure(R"(external_editors = "Weald"; external_editor_applications =
+      "/Applications/%COMPANYNAME% %PRODUCTNAME%.app; /Applications/Ever.app;/Applications/None.app";)");
+  InstallFilesController(other->platform()).configureLumatraExternalEditors();
+  EXPECT_EQ(readFile(on("/Library/Application Support/Tamsin/Weald/ExternalEditors.csv")),
+            "/Applications/Tamsin Granby.app,Granby,4,2,1003,100,ORIGINAL, \n"
+            "/Applications/Ever.app,Ever,4,2,1003,100,ORIGINAL, \n");
+}
+
 TEST_F(TasksTest, CleansStaleManifests) {
   const fs::path base = machine_.inLibrary("Application Support/Corvane");
   const Paths kept = {"a/Manifest.xml", "X.app/manifest.xml", ".hidden/manifest.xml", "folder/manifest.xml/x"};

@@ -177,7 +177,7 @@ TEST_F(SetupControllerTest, ShowsNamesThatNoFolderCanHave) {
   SetupController wizard(platform_);
   EXPECT_EQ(wizard.windowTitle(), "Black/White 3 Setup");
   EXPECT_EQ(InstallFilesModel(platform_).mainLabelText(), "Installing A/B");
-  EXPECT_EQ(companyName(platform_) + productName(platform_), "") << "as the name of a folder";
+  EXPECT_EQ(companyName(platform_) + productName(platform_), "Black:White 3") << "as the name of a folder";
 }
 
 TEST_F(SetupControllerTest, WalksThroughAllPagesWithoutAnyOneOfTheViews) {

@@ -17,6 +17,8 @@ TEST_F(LicenseTest, TellsAMissingAgreementFromAnEmptyOne) {
   EXPECT_EQ(licence(), "Größe\n");
   writeFile(file, "one\r\ntwo\rthree\r\n");
   EXPECT_EQ(licence(), "one\ntwo\nthree\n") << "however its lines end";
+  writeFile(file, "%PRODUCTNAME% is %COMPANYNAME%'s");
+  EXPECT_EQ(licence(), "Dunmore 3 is Corvane's");
   writeFile(file,
             "Gr\xF6\xDF"
             "e");

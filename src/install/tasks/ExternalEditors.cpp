@@ -11,6 +11,8 @@
 #include "foundation/Path.h"
 #include "hosts/PhotoshopHostModel.h"
 #include "install/DestinationFolders.h"
+#include "payload/Configuration.h"
+#include "payload/InstallerTexts.h"
 #include "payload/PlugInFilesModel.h"
 
 namespace {
@@ -39,41 +41,51 @@ std::shared_ptr<PhotoshopHostModel> newestPhotoshop(const HostList& hosts) {
   return newest;
 }
 
+/// The application's name without the maker's.
+std::string shownName(const Platform& platform, const std::string& application) {
+  std::string name = lastPathComponent(application);
+  if (name.ends_with(".app")) name.erase(name.rfind('.'));
+  const std::string maker = companyName(platform) + " ";
+  return name.starts_with(maker) ? name.substr(maker.size()) : name;
+}
+
 }  // namespace
 
 std::string externalEditorsList(Platform& platform) {
-  return joinPath(PlugInFilesModel(platform).appSupportPathForProduct("Lumatra X"), "ExternalEditors.csv");
+  const std::string editor = Configuration(platform).externalEditors();
+  if (editor.empty()) return {};
+  return joinPath(PlugInFilesModel(platform).appSupportPathForProduct(editor), "ExternalEditors.csv");
 }
 
-std::string externalEditorsText(const HostList& foundHosts,
+std::string externalEditorsText(const Platform& platform, const HostList& foundHosts,
                                 const std::function<bool(const std::string& path)>& exists) {
   std::string text;
   if (const auto photoshop = newestPhotoshop(foundHosts)) {
     const std::string app = joinPath(photoshop->appPath(), lastPathComponent(photoshop->appPath()) + ".app");
     text += editorLine(app, photoshop->hostName(), "9");
   }
-  constexpr const char* pelloria = "/Applications/Corvane Pelloria 4.app";
-  if (exists(pelloria)) text += editorLine(pelloria, "Pelloria 4", "4");
-  constexpr const char* dunmore = "/Library/Application Support/Corvane/Dunmore 3/Corvane Dunmore 3.app";
-  if (exists(dunmore)) text += editorLine(dunmore, "Dunmore 3", "4");
+  for (const std::string& application : Configuration(platform).externalEditorApplications()) {
+    if (exists(application)) text += editorLine(application, shownName(platform, application), "4");
+  }
   return text;
 }
 
 std::optional<std::string> configureLumatraExternalEditors(Platform& platform, PrivilegedTools& tools,
                                                            const HostList& foundHosts) {
   const std::string list = externalEditorsList(platform);
+  if (list.empty()) return std::nullopt;
   ensureDirExists(platform, tools, deletingLastPathComponent(list));
   if (tools.isDenied()) return std::nullopt;
 
   const std::string text =
-      externalEditorsText(foundHosts, [&](const std::string& path) { return platform.files.exists(path); });
+      externalEditorsText(platform, foundHosts, [&](const std::string& path) { return platform.files.exists(path); });
   if (text.empty()) {
     // An old list would name editors that are gone. One that cannot be removed does no more harm than before.
     if (platform.files.isTaken(list)) ignore(platform.files.removeItem(list));
     return std::nullopt;
   }
 
-  // Not a failure of the install: Lumatra X goes on with the old list.
+  // Not a failure of the install: the editor goes on with the old list.
   const Status created = platform.files.createFile(list, text, 0644);
   if (!created) {
     platform.log.write(created.error().description());

@@ -21,7 +21,7 @@
 #include "platform/processes/FolderQuery.h"
 #include "platform/processes/PosixTasks.h"
 #include "platform/processes/SignalInterruptions.h"
-#include "platform/propertylist/BundleOnDisk.h"
+#include "platform/propertylist/BundlesOnDisk.h"
 #include "platform/propertylist/PropertyListPreferences.h"
 #include "platform/rights/LinuxAuthorization.h"
 #include "platform/window/WindowModule.h"

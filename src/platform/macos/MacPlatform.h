@@ -23,7 +23,7 @@
 #include "platform/processes/FolderQuery.h"
 #include "platform/processes/PosixTasks.h"
 #include "platform/processes/SignalInterruptions.h"
-#include "platform/propertylist/BundleOnDisk.h"
+#include "platform/propertylist/BundlesOnDisk.h"
 #include "platform/window/WindowModule.h"
 
 /// macOS, installing into the running system or into another volume.

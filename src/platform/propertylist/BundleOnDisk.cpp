@@ -52,9 +52,13 @@ const BundleOnDisk::Texts& BundleOnDisk::textsOfTable(std::string_view table) co
   return tables_.emplace(table, readTable(table)).first->second;
 }
 
+std::vector<std::string> BundleOnDisk::languagesFor(std::string_view /*name*/) const {
+  return user_.preferredLanguages();
+}
+
 std::vector<std::string> BundleOnDisk::pathsOfResource(std::string_view name, std::string_view type) const {
   std::vector<std::string> folders;
-  for (const std::string& language : user_.preferredLanguages()) folders.push_back(language + ".lproj");
+  for (const std::string& language : languagesFor(name)) folders.push_back(language + ".lproj");
   folders.emplace_back("en.lproj");
   folders.emplace_back("Base.lproj");
   folders.emplace_back("");  // for all languages
@@ -96,11 +100,6 @@ std::optional<BundleOnDisk::Texts> BundleOnDisk::readTableFile(const std::string
   StringsTable table = parseStringsTable(*bytes);
   if (!table.problem.empty()) log_.write(formatted("Strings table %@: %@", path, table.problem));
   return std::move(table.texts);
-}
-
-std::unique_ptr<Bundle> BundlesOnDisk::bundleAtPath(const std::string& path) const {
-  if (!files_.contentsOfDirectory(path)) return nullptr;
-  return std::make_unique<BundleOnDisk>(path, files_, user_, log_);
 }
 
 bool isFileName(const std::string& name) {

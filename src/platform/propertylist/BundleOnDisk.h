@@ -28,13 +28,17 @@ class BundleOnDisk : public Bundle {
                                             std::string_view table) const override;
   [[nodiscard]] std::optional<std::string> pathForResource(std::string_view name, std::string_view type) const override;
 
- private:
+ protected:
   using Texts = std::map<std::string, std::string, std::less<>>;
-  [[nodiscard]] const Texts& textsOfTable(std::string_view table) const;
+  /// The languages in which a resource of this name is looked for before English.
+  [[nodiscard]] virtual std::vector<std::string> languagesFor(std::string_view name) const;
   /// Where a resource may lie, in the order in which its places are looked at.
   [[nodiscard]] std::vector<std::string> pathsOfResource(std::string_view name, std::string_view type) const;
-  [[nodiscard]] Texts readTable(std::string_view table) const;
+  [[nodiscard]] virtual Texts readTable(std::string_view table) const;
   [[nodiscard]] std::optional<Texts> readTableFile(const std::string& path) const;
+
+ private:
+  [[nodiscard]] const Texts& textsOfTable(std::string_view table) const;
   [[nodiscard]] Value readInfo() const;
 
   std::string path_;
@@ -50,18 +54,3 @@ class BundleOnDisk : public Bundle {
 
 /// Path of the icon that the bundle at the path names; empty when it has none.
 [[nodiscard]] std::string iconFileOf(const std::string& path, const Bundles& bundles, const FileSystem& files);
-
-class BundlesOnDisk : public Bundles {
- public:
-  BundlesOnDisk(const std::string& mainBundlePath, const FileSystem& files, const User& user, Log& log)
-      : files_(files), user_(user), log_(log), mainBundle_(mainBundlePath, files, user, log) {}
-
-  [[nodiscard]] const Bundle& mainBundle() const override { return mainBundle_; }
-  [[nodiscard]] std::unique_ptr<Bundle> bundleAtPath(const std::string& path) const override;
-
- private:
-  const FileSystem& files_;
-  const User& user_;
-  Log& log_;
-  BundleOnDisk mainBundle_;
-};

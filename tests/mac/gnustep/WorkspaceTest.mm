@@ -12,7 +12,7 @@
 #include "platform/files/PosixFileSystem.h"
 #include "platform/macos/MacWorkspace.h"
 #include "platform/posix/SystemLog.h"
-#include "platform/propertylist/BundleOnDisk.h"
+#include "platform/propertylist/BundlesOnDisk.h"
 #include "platform/window/appkit/ObjectReference.h"
 
 namespace {

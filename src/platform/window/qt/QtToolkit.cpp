@@ -172,9 +172,11 @@ bool QtToolkit::performOwnAction(const std::string& action) {
 
 void QtToolkit::showAbout() {
   const Bundle& bundle = services_.bundles.mainBundle();
+  const std::string version = bundle.infoValue("CFBundleShortVersionString").text();
+  const std::string copyright = bundle.infoValue("NSHumanReadableCopyright").text();
   runAlertPanel({.title = bundle.infoValue("CFBundleName").text(),
-                 .message = formatted(bundle.localizedString("about_version_fmt"),
-                                      bundle.infoValue("CFBundleShortVersionString").text()),
+                 .message = formatted(bundle.localizedString("about_version_fmt"), version) +
+                            (copyright.empty() ? "" : "\n" + copyright),
                  .defaultButton = bundle.localizedString("ok_button"),
                  .style = Alert::Style::informational});
 }

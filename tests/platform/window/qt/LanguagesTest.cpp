@@ -77,4 +77,22 @@ TEST(LanguagesTest, EveryRichTextIsThereAndNamesTheSameThings) {
     EXPECT_GT(readFile(inLanguage(language, "license.txt")).size(), 500U);
 }
 
+TEST(LanguagesTest, TheProductIsNamedInOneFile) {
+  const fs::path contents = INSTALLER_BUNDLE "/Contents";
+  const fs::path configuration = contents / "Resources/en.lproj/installer.strings";
+  const auto names = parseStringsTable(readFile(configuration)).texts;
+  ASSERT_FALSE(names.at("company_name").empty() || names.at("product_name").empty());
+  std::vector<fs::path> files = {contents / "Info.plist"};
+  for (auto entry = fs::recursive_directory_iterator(contents / "Resources"); entry != end(entry); ++entry) {
+    if (entry->path().filename() == "files") entry.disable_recursion_pending();
+    if (entry->is_regular_file() && entry->path() != configuration) files.push_back(entry->path());
+  }
+  EXPECT_GT(files.size(), 50U);
+  for (const fs::path& file : files) {
+    for (const char* const key : {"company_name", "product_name"}) {
+      EXPECT_EQ(readFile(file).find(names.at(key)), std::string::npos) << file << " says " << names.at(key);
+    }
+  }
+}
+
 }  // namespace
