@@ -14,13 +14,13 @@
 #include "payload/Payload.h"
 #include "platform/FileSystem.h"
 
-enum class ItemKind { bundle, folder, file, other };
+enum class ItemKind : std::uint8_t { bundle, folder, file, other };
 
 /// What an install makes of an item's place.
-enum class Fate { added, replaced, kept };
+enum class Fate : std::uint8_t { added, replaced, kept };
 
 /// Why the place stays as it is.
-enum class KeptBecause {
+enum class KeptBecause : std::uint8_t {
   nothing,           ///< it does not
   presentIsNewer,    ///< by version for bundles, else by date
   neighbourIsNewer,  ///< an item before it in the batch was kept, and this one is missing
@@ -40,8 +40,8 @@ struct ItemDetails {
 struct PlannedItem {
   std::string source;  ///< in the installer's bundle
   std::string target;  ///< on the target volume
-  ItemKind kind = ItemKind::file;
   TreeSize size = {};
+  ItemKind kind = ItemKind::file;
   Fate fate = Fate::added;
   KeptBecause keptBecause = KeptBecause::nothing;
   bool isRegistered = false;  ///< an application, made known to the system and released from quarantine

@@ -33,7 +33,7 @@ void ItemInstaller::commit() {
   }
   // Alerts would take their time between two items.
   for (const auto& [path, reason] : failures) fail(path, reason);
-  staged_.clear();
+  staged_ = {};
 }
 
 std::vector<ReportedProblem> ItemInstaller::commitGroup(std::span<const Member> group) {

@@ -48,10 +48,10 @@ class StagedTransaction : public Transaction {
     std::map<std::string_view, std::size_t> itemOfName = {};  ///< names are those of items_
   };
   struct Item {
-    enum class State { failed, staged, committed };
-    State state = State::failed;
+    enum class State : std::uint8_t { failed, staged, committed };
     std::string name = {};
     std::size_t source = 0;  ///< hash of its path
+    State state = State::failed;
     bool isRemoval = false;
     std::size_t folder = 0;
     std::optional<std::size_t> sameAs = std::nullopt;  ///< an earlier item with the same source and target
