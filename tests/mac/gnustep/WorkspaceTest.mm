@@ -135,8 +135,8 @@ int main() {
   {
     SystemLog log;
     const Volume volume(root, "/no/bundle");
-    const PosixUser user(loggedInUser(), {"en"});
-    const PosixFileSystem files(volume, user);
+    const PosixUser user(*loggedInUser(), {"en"});
+    const PosixFileSystem files(volume, user, [](const std::string& /*path*/) { return false; });
     const BundlesOnDisk bundles("/no/bundle", files, user, log);
     MacWorkspace workspace(volume, files, bundles);
     static_cast<void>(workspace.launchedApplications());
