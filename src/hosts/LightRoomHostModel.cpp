@@ -27,7 +27,7 @@ std::string LightRoomHostModel::templateFileTextWithAppName(std::string_view app
       "  },\n"
       "  version = 0,\n"
       "  }\n";
-  const std::string product = productName(platform_);
+  const std::string product = shownProductName(platform_);
   return formatted(format, platform_.identifiers.makeUuid(), product, product, "TIFF_None_16_ProPhotoRGB",
                    joinPath(PlugInFilesModel(platform_).standAloneAppsInstallPath(), appName));
 }

@@ -8,16 +8,9 @@
 
 #include "foundation/Format.h"
 #include "foundation/Path.h"
-#include "install/DestinationFolders.h"
 #include "install/InstallTexts.h"
-#include "install/UpgradeRules.h"
-#include "install/tasks/AnalyticsIdentifier.h"
 #include "install/tasks/ApplicationRegistration.h"
-#include "install/tasks/EarlierInstalls.h"
-#include "install/tasks/ExternalEditors.h"
 #include "install/tasks/FileErrorReporting.h"
-#include "install/tasks/InstalledPathsLog.h"
-#include "install/tasks/ManifestCleaning.h"
 #include "payload/InstallerTexts.h"
 
 // The page.
@@ -67,6 +60,7 @@ void InstallFilesController::install(const HostList& hosts, bool shouldConfigure
   if (!isStopped || !installedPaths().empty()) {
     registerApplications(plan);
     if (shouldConfigureLumatraExternalEditors) configureLumatraExternalEditors();
+    runMakersTasks(hosts);
     cleanManifests();
     runLsregister();
     logInstalledPaths();

@@ -101,7 +101,7 @@ class InstallFilesController : public SetupStepController, private InstallListen
   /// Makes one installed application known to the system, and removes its download-quarantine mark.
   void registerInstalledApplication(const std::string& path);
 
-  // Tasks that the sequence leaves out; docs/operations.md tells how to put them in.
+  // Tasks that the sequence leaves out, or does where the maker's configuration says so.
   void unInstallForHost(const HostModel& host);
   void installAnalytics();
   /// For a file operation that asks how to go on after an error, which it describes under "Error" and "Path": shows it,
@@ -121,6 +121,8 @@ class InstallFilesController : public SetupStepController, private InstallListen
   void begin();
   [[nodiscard]] bool lockVolume();
   void registerApplications(const InstallPlan& plan);
+  void runMakersTasks(const HostList& hosts);
+  void removeEarlierInstalls(const HostModel& host);
   AlertAnswer ask(const Alert& alert);
   void noteShortage();
   void noteUnreadable();

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "foundation/Format.h"
+#include "foundation/Path.h"
+#include "hosts/LightRoomHostModel.h"
 #include "install/DestinationFolders.h"
 #include "install/InstallFilesController.h"
 #include "install/UpgradeRules.h"
@@ -12,7 +14,11 @@
 #include "install/tasks/ExternalEditors.h"
 #include "install/tasks/FileErrorReporting.h"
 #include "install/tasks/InstalledPathsLog.h"
+#include "install/tasks/LightroomPreset.h"
 #include "install/tasks/ManifestCleaning.h"
+#include "payload/Configuration.h"
+#include "payload/InstallerTexts.h"
+#include "payload/PlugInFilesModel.h"
 
 // The operations that are done elsewhere.
 
@@ -56,7 +62,35 @@ void InstallFilesController::registerInstalledApplication(const std::string& pat
   releaseFromQuarantine(tools_, path);
 }
 
-void InstallFilesController::unInstallForHost(const HostModel& host) { ::unInstallForHost(platform_, tools_, host); }
+void InstallFilesController::runMakersTasks(const HostList& hosts) {
+  const Configuration configuration(platform_);
+  for (std::size_t i = 0; i < hosts.size() && !authDenied(); ++i) {
+    if (configuration.removesEarlierInstalls() && !fileOpErrorOccurred_) removeEarlierInstalls(*hosts[i]);
+    const auto* const lightroom = dynamic_cast<const LightRoomHostModel*>(hosts[i].get());
+    if (lightroom == nullptr || configuration.lightroomPreset().empty()) continue;
+    const auto preset = installLightroomPreset(platform_, tools_, *lightroom, configuration.lightroomPreset());
+    if (!preset || std::ranges::find(report_.installedPaths, *preset) != report_.installedPaths.end()) continue;
+    report_.installedPaths.push_back(*preset);
+    report_.hostsOfPaths.push_back(i + 1);
+  }
+  if (!configuration.hasIdentifierFile() || companyName(platform_).empty() || authDenied()) return;
+  ensureDirExists(PlugInFilesModel(platform_).companyAppSupportPath());
+  installAnalytics();
+}
+
+void InstallFilesController::removeEarlierInstalls(const HostModel& host) {
+  // The new version is in its place already: what has just been installed may have the name of what was there before.
+  const auto isInstalled = [&](const std::string& path) {
+    return std::ranges::any_of(installedPaths(), [&](const std::string& installed) {
+      return isAtOrBelow(path, installed) || isAtOrBelow(installed, path);
+    });
+  };
+  if (!joinPath({host.plugInPath()}).empty()) ::unInstallForHost(platform_, tools_, host, isInstalled);
+}
+
+void InstallFilesController::unInstallForHost(const HostModel& host) {
+  ::unInstallForHost(platform_, tools_, host, [](const std::string& /*path*/) { return false; });
+}
 void InstallFilesController::installAnalytics() { ::installAnalytics(platform_, tools_); }
 
 bool InstallFilesController::fileManager(const FileSystem& /*manager*/,

@@ -44,3 +44,5 @@ std::string Configuration::externalEditors() const { return asFileName(text("ext
 std::vector<std::string> Configuration::externalEditorApplications() const {
   return wordsOf(text("external_editor_applications", formerApplications), ';');
 }
+
+std::string Configuration::lightroomPreset() const { return asFileName(text("lightroom_preset")); }

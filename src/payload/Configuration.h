@@ -14,6 +14,7 @@ struct ConfigurationKey {
   enum class Kind {
     text,
     name,  ///< of files or folders
+    flag,  ///< "yes" or "no"
     list,  ///< words with blanks between them
     paths  ///< absolute paths with semicolons between them
   };
@@ -32,7 +33,11 @@ inline constexpr std::array configurationKeys = {
     ConfigurationKey{"hosts", ConfigurationKey::Kind::list},
     ConfigurationKey{"payload", ConfigurationKey::Kind::text},
     ConfigurationKey{"external_editors", ConfigurationKey::Kind::name},
-    ConfigurationKey{"external_editor_applications", ConfigurationKey::Kind::paths}};
+    ConfigurationKey{"external_editor_applications", ConfigurationKey::Kind::paths},
+    ConfigurationKey{"aperture_page", ConfigurationKey::Kind::flag},
+    ConfigurationKey{"identifier_file", ConfigurationKey::Kind::flag},
+    ConfigurationKey{"lightroom_preset", ConfigurationKey::Kind::name},
+    ConfigurationKey{"remove_earlier", ConfigurationKey::Kind::flag}};
 
 /// What the key "hosts" may name.
 inline constexpr std::array<std::string_view, 3> hostKinds = {"photoshop", "lightroom", "aperture"};
@@ -50,8 +55,15 @@ class Configuration {
   /// Paths of the maker's applications that are among them where they are installed.
   [[nodiscard]] std::vector<std::string> externalEditorApplications() const;
 
+  [[nodiscard]] bool hasAperturePage() const { return isYes("aperture_page"); }
+  [[nodiscard]] bool hasIdentifierFile() const { return isYes("identifier_file"); }
+  [[nodiscard]] bool removesEarlierInstalls() const { return isYes("remove_earlier"); }
+  /// Name of the application in /Applications that a preset makes one of Lightroom's external editors; empty: none.
+  [[nodiscard]] std::string lightroomPreset() const;
+
  private:
   [[nodiscard]] std::string text(std::string_view key, std::string_view whenMissing = "") const;
+  [[nodiscard]] bool isYes(std::string_view key) const { return text(key) == "yes"; }
 
   const Bundle& bundle_;
 };

@@ -17,16 +17,18 @@ void InstallStateController::advanceStateWithStepController(SetupStepController*
                                                             SetupMainController* /*mainController*/) {
   if (stepController == nullptr || !stepController->canProceed(+1)) return;
   const std::int32_t old = currentState_;
-  // Written out although it is the next number: the installation must lead to the completion, whatever comes between.
-  changeState(old == step::installation ? step::completion : old + 1, old);
+  // Written out although it mostly is the next number: the installation must lead to the completion.
+  const bool isPassing = old == step::installation && !isAperturePageDue_;
+  changeState(isPassing ? completionState() : old + 1, old);
 }
 
 void InstallStateController::retreatStateWithStepController(SetupStepController* stepController,
                                                             SetupMainController* /*mainController*/) {
   const std::int32_t old = currentState_;
   if (stepController == nullptr || !stepController->canProceed(-1)) return;
-  // Back from the completion leads to another choice of hosts.
-  changeState(old == step::completion ? step::hosts : old - 1, old);
+  // Back from what follows the installation leads to another choice of hosts.
+  const bool isAfterInstallation = old > step::installation && old <= completionState();
+  changeState(isAfterInstallation ? step::hosts : old - 1, old);
 }
 
 void InstallStateController::changeState(std::int32_t newState, std::int32_t oldState) {

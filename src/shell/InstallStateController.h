@@ -24,6 +24,8 @@ inline constexpr std::int32_t runningHosts = 2;
 inline constexpr std::int32_t installation = 3;
 inline constexpr std::int32_t completion = 4;
 inline constexpr std::int32_t finished = 5;
+/// Of a page that follows the installation where the maker wants it; the completion and the end are one further then.
+inline constexpr std::int32_t aperture = 4;
 }  // namespace step
 
 /// Which step is showing. The state is changed before its change is posted, and observers may change it again while
@@ -34,6 +36,13 @@ class InstallStateController {
                                                                                    std::int32_t type);
 
   [[nodiscard]] std::int32_t currentState() const { return currentState_; }
+
+  /// Puts the page about Aperture between the installation and the completion.
+  void insertAperturePage() { inserted_ = 1; }
+  /// Whether the installation leads to that page. It leads past it otherwise.
+  void setIsAperturePageDue(bool isDue) { isAperturePageDue_ = isDue; }
+  [[nodiscard]] std::int32_t completionState() const { return step::completion + inserted_; }
+  [[nodiscard]] std::int32_t finishedState() const { return step::finished + inserted_; }
 
   /// Goes to the first step; always tells of -1 as the state before.
   void gotoStartingState(SetupMainController* mainController);
@@ -50,5 +59,7 @@ class InstallStateController {
 
   NotificationCenter& notifications_;
   std::int32_t currentState_ = step::none;
+  std::int32_t inserted_ = 0;
+  bool isAperturePageDue_ = false;
   [[maybe_unused]] std::int32_t installType_;  ///< for a maker who has several
 };

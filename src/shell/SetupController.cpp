@@ -2,41 +2,12 @@
 
 #include "shell/SetupController.h"
 
-#include <algorithm>
-#include <array>
-#include <exception>
-#include <string_view>
 #include <utility>
 
 #include "foundation/Format.h"
 #include "hosts/SupportLevel.h"
-
-namespace {
-
-/// The language that this was built for; empty for all of them. A build for one market sets it.
-constexpr std::string_view buildLocaleTag = "";
-
-/// What the window shows of whichever step it is.
-constexpr std::array<std::string_view, 5> keysOfAStep = {"enableForward", "enableBackward", "mainLabelText",
-                                                         "informativeText", "successfulInstall"};
-
-/// What besides depends on the hosts that are selected, or on the last install.
-constexpr std::array<std::string_view, 5> keysOfAnInstall = {"planText", "resultText", "canInstallAgain", "hasLog",
-                                                             "hasFolder"};
-
-/// Counts a transition for as long as it lasts.
-class Transition {
- public:
-  explicit Transition(int& transitions) : transitions_(transitions) { ++transitions_; }
-  ~Transition() { --transitions_; }
-  Transition(const Transition&) = delete;
-  Transition& operator=(const Transition&) = delete;
-
- private:
-  int& transitions_;
-};
-
-}  // namespace
+#include "payload/Configuration.h"
+#include "payload/PlugInFilesModel.h"
 
 // Construction.
 
@@ -91,7 +62,9 @@ void SetupController::awakeFromInterface() {
   addStep(viewNamed("installFilesView"), installFilesController_, installFilesModel_, step::installation);
   addStep(viewNamed("hostsView"), hostsController_, hostsModel_, step::hosts);
   addStep(viewNamed("rtfView"), hostsRunningController_, hostsRunningModel_, step::runningHosts);
-  addStep(viewNamed("registerView"), std::make_shared<RegisterController>(), registerModel_, step::completion);
+  if (Configuration(platform_).hasAperturePage()) addAperturePage();
+  addStep(viewNamed("registerView"), std::make_shared<RegisterController>(), registerModel_,
+          stateController_->completionState());
   stateController_->gotoStartingState(this);
   for (const char* const key :
        {"licenseText", "foundHosts", "informativeText", "copyInProgress", "windowTitle", "mainLabelText"}) {
@@ -101,6 +74,18 @@ void SetupController::awakeFromInterface() {
   interruption_ = platform_.interruptions.observe([this] { endWasRequested(); });
   platform_.toolkit.setApplicationDelegate(this);
   mainWindow_->centre();
+}
+
+void SetupController::addAperturePage() {
+  if (!platform_.files.exists("/Applications/Aperture.app")) return;
+  const std::string applications = PlugInFilesModel(platform_).getStandAloneAppsDirInBundle();
+  const auto names = platform_.files.contentsOfDirectory(applications);
+  if (!names || names->empty()) {
+    platform_.log.write(formatted("There is no page about Aperture: %@ holds no application", applications));
+    return;
+  }
+  stateController_->insertAperturePage();
+  addStep(viewNamed("apertureRunView"), apertureRunController_, apertureRunModel_, step::aperture);
 }
 
 std::shared_ptr<View> SetupController::viewNamed(const std::string& name) const {
@@ -150,114 +135,4 @@ std::shared_ptr<StepIndicator> SetupController::getIndicatorForStep(std::int32_t
 
 SetupStepController* SetupController::currentController() const {
   return getControllerForStep(stateController_->currentState()).get();
-}
-
-// Navigation.
-
-void SetupController::nextView(SetupStepController* /*sender*/) {
-  stateController_->advanceStateWithStepController(currentController(), this);
-}
-
-void SetupController::previousView(const std::string& sender) {
-  SetupStepController* const current = currentController();
-  auto* const buttons = dynamic_cast<SetupStepButtons*>(current);
-  if (buttons != nullptr && buttons->overrideBackButton(sender)) return;
-  stateController_->retreatStateWithStepController(current, this);
-}
-
-void SetupController::subViewButtonPress(const std::string& sender) {
-  if (auto* const buttons = dynamic_cast<SetupStepButtons*>(currentController())) buttons->buttonPressed(sender);
-}
-
-void SetupController::stateDidChange(const Notification& notification) {
-  const std::int32_t newState = stateController_->currentState();
-  const Value oldValue = entryOf(Value(notification.userInfo), oldStateKey);
-  const auto* const oldState = oldValue.as<std::int64_t>();
-  if (newState == step::none) return closeWindow();
-  if (newState == step::finished) {
-    if (buildLocaleTag == "zh_CN") platform_.workspace.openUrl(localized("install_complete_url"));
-    return closeWindow();
-  }
-
-  for (const std::string_view key : keysOfAStep) willChangeValueForKey(key);
-  {
-    const Transition transition(transitions_);
-    leaveAndEnter(oldState == nullptr ? step::none : static_cast<std::int32_t>(*oldState), newState);
-  }
-  // A page may have moved on from inside its entry: the captions are those of where that led.
-  setGoBackwardsText(viewModel_.goBackwardsText());
-  setGoForwardText(viewModel_.goForwardText());
-  for (const std::string_view key : keysOfAStep) didChangeValueForKey(key);
-  for (const std::string_view key : keysOfAnInstall) {
-    willChangeValueForKey(key);
-    didChangeValueForKey(key);
-  }
-  if (closesAfterInstall_ && transitions_ == 0) closeWindow();
-}
-
-void SetupController::leaveAndEnter(std::int32_t oldState, std::int32_t newState) {
-  if (const auto row = getIndicatorForStep(oldState)) row->setCurrentStep(false);
-  if (const auto row = getIndicatorForStep(newState)) row->setCurrentStep(true);
-  for (const auto& [number, step] : steps_) {
-    if (step.indicator == nullptr) continue;
-    const char* const key = number < newState ? "step_done" : number == newState ? "step_current" : "step_upcoming";
-    step.indicator->setDescription(localized(key));
-  }
-  if (newState == step::installation) servedHosts_ = selectedHosts();
-  if (newState == step::hosts && oldState > newState) {
-    willChangeValueForKey("foundHosts");  // versions may be others now
-    preview_.forget();
-    didChangeValueForKey("foundHosts");
-  }
-  const std::int32_t delta = newState - oldState;
-  if (const auto left = getControllerForStep(oldState)) attempt([&] { left->didProceed(delta); });
-  const auto entered = getControllerForStep(newState);
-  if (entered == nullptr) return;
-  attempt([&] { entered->didEnterWithModel(getModelForStep(newState), getViewForStep(newState), this, delta); });
-}
-
-void SetupController::attempt(const std::function<void()>& what) const {
-  try {
-    what();
-  } catch (const std::exception& exception) {
-    platform_.log.write(formatted("%@", exception.what()));
-  }
-}
-
-void SetupController::installAgain() {
-  if (!canInstallAgain()) return;
-  stateController_->retreatStateWithStepController(currentController(), this);
-}
-
-bool SetupController::windowShouldClose() {
-  if (!copyInProgress()) return true;
-  if (installFilesController_->askToStop()) closesAfterInstall_ = true;
-  return false;
-}
-
-void SetupController::endWasRequested() {
-  if (copyInProgress()) {
-    closesAfterInstall_ = true;  // the install ends by itself, as soon as it can
-  } else {
-    closeWindow();
-  }
-}
-
-void SetupController::closeWindow() {
-  if (mainWindow_ != nullptr) mainWindow_->close();
-}
-
-void SetupController::customHostAdded(const std::shared_ptr<HostModel>& host) {
-  willChangeValueForKey("foundHosts");
-  hostsModel_->addHostAtRuntime(host);
-  didChangeValueForKey("foundHosts");
-  if (foundHostsController_ == nullptr) return;
-  const HostList hosts = foundHosts();
-  foundHostsController_->selectRow(static_cast<std::size_t>(std::ranges::find(hosts, host) - hosts.begin()));
-}
-
-void SetupController::customHostRemoved(const std::shared_ptr<HostModel>& host) {
-  willChangeValueForKey("foundHosts");
-  hostsModel_->removeHostAtRuntime(host);
-  didChangeValueForKey("foundHosts");
 }

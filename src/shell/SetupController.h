@@ -34,8 +34,9 @@
 /// a page is being entered is dropped: an install runs inside its page's entry, and a click in that time must not lead
 /// anywhere.
 ///
-/// Its operations are defined by topic: the steps and the transitions in SetupController.cpp, what the window shows and
-/// sends in SetupControllerProperties.cpp.
+/// Its operations are defined by topic: the steps in SetupController.cpp, the transitions in
+/// SetupControllerNavigation.cpp, the hosts in SetupControllerHosts.cpp, what else the window shows and sends in
+/// SetupControllerProperties.cpp.
 class SetupController : public SetupMainController, public ApplicationDelegate {
  public:
   explicit SetupController(Platform& platform);
@@ -145,6 +146,7 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   /// The pages that the interface description refers to.
   void makePages();
   void awakeFromInterface();
+  void addAperturePage();
   void stateDidChange(const Notification& notification);
   void leaveAndEnter(std::int32_t oldState, std::int32_t newState);
   void closeWindow();
@@ -185,7 +187,6 @@ class SetupController : public SetupMainController, public ApplicationDelegate {
   std::shared_ptr<RunningHostViewModel> hostsRunningModel_;
   std::shared_ptr<RunningHostViewController> hostsRunningController_;
   std::shared_ptr<RegisterModel> registerModel_;
-  // Complete, with no place in the sequence: a product for Aperture registers them under a step of their own.
   std::shared_ptr<ApertureRunModel> apertureRunModel_;
   std::shared_ptr<ApertureRunController> apertureRunController_;
 

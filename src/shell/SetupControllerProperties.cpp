@@ -71,16 +71,10 @@ RichText SetupController::registerText() const {
   }
 }
 
-HostList SetupController::foundHosts() const { return hostsModel_->foundHosts(); }
-
-HostList SetupController::selectedHosts() const { return filteredHosts(foundHosts(), "hostIsSelected == YES"); }
-
 bool SetupController::copyInProgress() const { return !installFilesController_->enableForward(); }
 
-std::string SetupController::planText() const { return preview_.text(selectedHosts()); }
-
 RichText SetupController::resultText() const {
-  if (stateController_->currentState() != step::completion) return {};
+  if (stateController_->currentState() != stateController_->completionState()) return {};
   const InstallOutcome outcome{.report = installFilesController_->report(),
                                .hosts = servedHosts_,
                                .isSuccessful = successfulInstall(),
@@ -89,7 +83,7 @@ RichText SetupController::resultText() const {
 }
 
 bool SetupController::canInstallAgain() const {
-  return stateController_->currentState() == step::completion && !successfulInstall();
+  return stateController_->currentState() == stateController_->completionState() && !successfulInstall();
 }
 
 std::string SetupController::folderToShow() const {
@@ -204,16 +198,6 @@ bool SetupController::setShownValue(std::string_view key, const ShownValue& valu
   return writeTo(Tables::properties, key, *this, value);
 }
 
-bool SetupController::setTicked(std::string_view key, std::size_t row, bool isTicked) {
-  if (key != "foundHosts") return false;
-  const HostList hosts = foundHosts();
-  if (row >= hosts.size() || transitions_ > 0) return true;
-  hosts[row]->setHostIsSelected(isTicked);
-  willChangeValueForKey("planText");
-  didChangeValueForKey("planText");
-  return true;
-}
-
 InterfaceOwner* SetupController::objectForKey(std::string_view key) {
   if (key == "registerModel") return registerModel_.get();
   if (key == "apertureRunModel") return apertureRunModel_.get();
@@ -230,33 +214,4 @@ bool SetupController::performAction(std::string_view action, const std::string& 
 bool SetupController::textShouldChange(std::string_view replacement) {
   if (replacement == "\n" && transitions_ == 0) nextView(nullptr);
   return false;
-}
-
-std::vector<ListRow> SetupController::hostRows() const {
-  std::vector<ListRow> rows;
-  const HostList hosts = foundHosts();
-  for (const auto& host : hosts) {
-    const std::string version = preview_.version(hosts, rows.size());
-    const std::string folder = shownInText(platform_, joinPath({host->plugInPath()}));
-    rows.push_back({.text = host->hostName(),
-                    .detail = version.empty() ? folder : version + "  ·  " + folder,
-                    .isTicked = host->hostIsSelected(),
-                    .picture = iconOf(*host)});
-  }
-  return rows;
-}
-
-Picture SetupController::iconOf(const HostModel& host) const {
-  const std::string appPath = host.appPath();
-  const std::string folder =
-      !appPath.empty() ? appPath : joinPath(platform_.folders.localApplications(), host.hostName());
-  const auto known = icons_.find(folder);
-  if (known != icons_.end()) return known->second;
-  std::string icon;
-  for (const WalkedItem& item : platform_.files.visibleEntries(folder)) {
-    if (icon.empty() && item.isPackage) icon = platform_.workspace.iconFile(item.path);
-  }
-  const Picture picture = icon.empty() ? nullptr : platform_.toolkit.imageWithContentsOfFile(icon);
-  icons_[folder] = picture;
-  return picture;
 }

@@ -10,9 +10,12 @@ NavigationCaptions::NavigationCaptions(const Bundle& bundle)
       finish_string(bundle.localizedString("finish")) {}
 
 std::string SetupViewModel::goForwardText() const {
-  return isIn(step::completion) ? captions_.finish_string : captions_.continue_string;
+  const bool isLast =
+      stateController_ != nullptr && stateController_->currentState() == stateController_->completionState();
+  return isLast ? captions_.finish_string : captions_.continue_string;
 }
 
 std::string SetupViewModel::goBackwardsText() const {
-  return isIn(step::license) ? captions_.quit_string : captions_.go_back;
+  const bool isFirst = stateController_ != nullptr && stateController_->currentState() == step::license;
+  return isFirst ? captions_.quit_string : captions_.go_back;
 }

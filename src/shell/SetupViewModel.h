@@ -38,10 +38,6 @@ class SetupViewModel {
   [[nodiscard]] static bool isBackEnabled() { return false; }
 
  private:
-  [[nodiscard]] bool isIn(std::int32_t state) const {
-    return stateController_ != nullptr && stateController_->currentState() == state;
-  }
-
   NavigationCaptions captions_;
   std::shared_ptr<InstallStateController> stateController_;
 };

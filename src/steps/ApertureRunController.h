@@ -9,7 +9,8 @@
 #include "steps/PageController.h"
 
 /// A page for installs that Aperture has a part in. Leaving it, either way, runs the installed stand-alone application
-/// for a moment, for Aperture to take notice of it. The wizard has no such page at present.
+/// for a moment, for Aperture to take notice of it. The wizard has the page where the maker wants it and Aperture is
+/// there.
 class ApertureRunController : public PageController {
  public:
   explicit ApertureRunController(Platform& platform) : platform_(platform) {}

@@ -3,6 +3,7 @@
 #include "tool/LoggedPaths.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <memory>
 #include <set>
@@ -14,6 +15,7 @@
 #include "hosts/LightRoomHostModel.h"
 #include "install/InstallPlanner.h"
 #include "install/tasks/ExternalEditors.h"
+#include "install/tasks/LightroomPreset.h"
 #include "payload/Payload.h"
 #include "payload/PlugInFilesModel.h"
 #include "tool/InstalledPlaces.h"
@@ -60,7 +62,9 @@ bool isPlainPath(std::string_view path) {
 class LoggedPaths::Recognition {
  public:
   explicit Recognition(Platform& platform)
-      : places_(knownPlaces(platform)), items_(itemsForHosts(platform)), editors_(externalEditorsList(platform)) {}
+      : places_(knownPlaces(platform)),
+        items_(itemsForHosts(platform)),
+        ownFiles_{externalEditorsList(platform), lightroomPresetFile(platform)} {}
 
   /// The lines of the log. A path that has a line end in it takes several.
   [[nodiscard]] std::vector<std::string> linesOf(std::string_view log) const {
@@ -83,7 +87,7 @@ class LoggedPaths::Recognition {
     if (const auto known = places_.find(path); known != places_.end()) {
       logged.origin = LoggedPath::Origin::place;
       logged.item = known->second;
-    } else if (path == editors_) {
+    } else if (std::ranges::find(ownFiles_, path) != ownFiles_.end()) {
       logged.origin = LoggedPath::Origin::ownFile;
     } else if (const PlannedItem* const item = itemEnding(path)) {
       logged.origin = LoggedPath::Origin::elsewhere;
@@ -105,7 +109,7 @@ class LoggedPaths::Recognition {
 
   std::map<std::string, PlannedItem> places_;
   std::map<std::string, PlannedItem> items_;
-  std::string editors_;
+  std::array<std::string, 2> ownFiles_;
 };
 
 LoggedPaths::LoggedPaths(Platform& platform) : logPath_(PlugInFilesModel(platform).installerLogPath()) {

@@ -2,14 +2,19 @@
 
 #include "tool/PlanReport.h"
 
+#include <algorithm>
 #include <ostream>
 
 #include "foundation/Format.h"
 #include "foundation/Path.h"
 #include "foundation/Text.h"
 #include "hosts/HostsModel.h"
+#include "hosts/LightRoomHostModel.h"
 #include "install/InstallPlanner.h"
+#include "install/tasks/AnalyticsIdentifier.h"
 #include "install/tasks/ExternalEditors.h"
+#include "install/tasks/LightroomPreset.h"
+#include "payload/Configuration.h"
 #include "payload/PlugInFilesModel.h"
 #include "tool/InstalledPlaces.h"
 
@@ -92,14 +97,22 @@ class PlanWriter {
 
 namespace {
 
-/// The list of external editors, if there will be any, and the log of installed paths.
-std::vector<std::string> otherFiles(Platform& platform, const std::set<std::string>& attempted) {
+/// The list of external editors, if there will be any, what else the maker wants written, and the log of installed
+/// paths.
+std::vector<std::string> otherFiles(Platform& platform, const HostList& hosts, const std::set<std::string>& attempted) {
   std::vector<std::string> files;
   // An install without a window has no hosts to offer: nobody chose one.
   const auto willExist = [&](const std::string& path) {
     return attempted.contains(path) || platform.files.exists(path);
   };
   if (!externalEditorsText(platform, {}, willExist).empty()) files.push_back(externalEditorsList(platform));
+  const Configuration configuration(platform);
+  const bool hasLightroom = std::ranges::any_of(hosts, [](const std::shared_ptr<HostModel>& host) {
+    return dynamic_cast<const LightRoomHostModel*>(host.get()) != nullptr;
+  });
+  if (hasLightroom && !configuration.lightroomPreset().empty()) files.push_back(lightroomPresetFile(platform));
+  const std::string identifier = analyticsIdentifierFile(platform);
+  if (configuration.hasIdentifierFile() && !platform.files.exists(identifier)) files.push_back(identifier);
   if (!files.empty() || !attempted.empty()) files.push_back(PlugInFilesModel(platform).installerLogPath());
   return files;
 }
@@ -121,7 +134,7 @@ PlanReport makePlanReport(Platform& platform) {
       ++report.changes;
     }
   });
-  report.otherFiles = otherFiles(platform, attempted);
+  report.otherFiles = otherFiles(platform, hosts, attempted);
   report.unreadable = platform.files.unreadable();
   return report;
 }

@@ -1,82 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include "shell/SetupControllerTest.h"
+
 #include "payload/InstallerTexts.h"
-#include "shell/SetupController.h"
 #include "steps/PageController.h"
-#include "support/TestMachine.h"
 
 namespace {
-
-class SetupControllerTest : public MachineTest {
- protected:
-  SetupControllerTest() {
-    const fs::path resources = machine_.inBundle("Resources");
-    writeFile(resources / "en.lproj/Localizable.strings", R"(
-        continue = "Continue"; quit = "Quit"; go_back = "Back"; finish = "Finish"; license_blue_dot = "Licence";
-        host_selection = "Applications"; running_blue_dot = "Running"; copy_files_blue_dot = "Installation";
-        register_blue_dot = "End"; license_instructions = "Read this"; select_host = "Choose";
-        copy_files_title = "Installing %@"; register_title = "The end"; host_running_title = "Quit it";
-        thank_you = "Thanks"; install_failed = "%@ failed"; main_wnd_title_fmt = "%@ Setup"; done = "Done";
-        installing_file = "Installing ";)");
-    writeFile(resources / "en.lproj/license.txt", "Be nice");
-    writeFile(resources / "en.lproj/register.rtf", "{\\rtf1 Enjoy}");
-    writeFile(resources / "en.lproj/host_running.rtf", "{\\rtf1 Quit %HOSTNAME%}");
-    writeFile(resources / "en.lproj/proceed.rtf", "{\\rtf1 Go on with %PRODUCTNAME%}");
-    writeFile(machine_.payload("PHOTOSHOP_PLUGINS/Filter.plugin/Contents/x"), "x");
-  }
-
-  void start() {
-    wizard_ = std::make_unique<SetupController>(platform_);
-    own_ = wizard_->observe([this](std::string_view key, KeyValueObserving::Moment moment) {
-      for (const char* const often :
-           {"installProgress", "installStatus", "planText", "resultText", "canInstallAgain", "hasLog", "hasFolder"}) {
-        if (key == often) return;
-      }
-      announced_ += (moment == KeyValueObserving::Moment::willChange ? "+" : "-") + std::string(key) + " ";
-    });
-    ASSERT_TRUE(wizard_->loadMainWindow());
-    window_ = machine_.toolkit.interfaces.front();
-  }
-  void press(const char* action) { wizard_->performAction(action, "button"); }
-  void startAtHosts() {
-    start();
-    press("nextView:");
-  }
-
-  /// Heading, captions with "-" for a button that cannot be pressed, and the views that can be seen.
-  [[nodiscard]] std::string shown() const {
-    std::string text = wizard_->mainLabelText() + " [" + (wizard_->enableBackward() ? "" : "-") +
-                       wizard_->goBackwardsText() + "|" + (wizard_->enableForward() ? "" : "-") +
-                       wizard_->goForwardText() + "]";
-    for (const auto& [name, view] : window_->views) {
-      if (name.ends_with("View") && name != "dynamicView" && name != "stepIndicatorView" && !view->isHidden) {
-        text += " " + name;
-      }
-    }
-    return text;
-  }
-
-  /// The step list from its top: labels, with "*" for one that is highlighted.
-  [[nodiscard]] std::string steps() const {
-    std::map<double, std::string, std::greater<>> rows;
-    for (const auto& row : machine_.toolkit.interfaces) {
-      if (row->name != "Step Indicator") continue;
-      const auto& label = *row->views.at("label");
-      const auto& dot = dynamic_cast<const RecordingImage&>(*row->views.at("indicator")->image);
-      const bool isBlue = dot.name == "DotBlue";
-      EXPECT_EQ(isBlue, label.isBold && label.colour == TextColour::black);
-      rows[row->views.at("stepIndicatorView")->place.origin.y] += label.text + (isBlue ? "* " : " ");
-    }
-    std::string text;
-    for (const auto& [y, row] : rows) text += std::to_string(static_cast<int>(y)) + " " + row;
-    return text;
-  }
-
-  std::unique_ptr<SetupController> wizard_;
-  KeyValueObserving::Observation own_;
-  std::string announced_;
-  std::shared_ptr<RecordingInterface::Parts> window_;
-};
 
 TEST_F(SetupControllerTest, ListsItsStepsAndMarksTheCurrentOne) {
   machine_.addPhotoshop("Adobe Photoshop CS6");

@@ -55,6 +55,19 @@ TEST_F(StateMachineTest, GoesForwardAndBack) {
   EXPECT_EQ(moves_, "-1>0 0>1 1>0 0>-1 ") << "tells of -1 wherever it was";
 }
 
+TEST_F(StateMachineTest, LeadsOverOrPastTheInsertedPage) {
+  state_->insertAperturePage();
+  state_->gotoStartingState(nullptr);
+  for (int i = 0; i < 4; ++i) advance();
+  retreat();
+  state_->setIsAperturePageDue(true);
+  for (int i = 0; i < 3; ++i) advance();
+  retreat();
+  for (int i = 0; i < 5; ++i) advance();
+  EXPECT_EQ(moves_, "-1>0 0>1 1>2 2>3 3>5 5>1 1>2 2>3 3>4 4>1 1>2 2>3 3>4 4>5 5>6 ");
+  EXPECT_EQ(state_->currentState(), state_->finishedState());
+}
+
 TEST_F(StateMachineTest, StaysWhenThePageRefuses) {
   state_->gotoStartingState(nullptr);
   moves_.clear();

@@ -84,8 +84,9 @@ class RecordingView : public virtual TextField, public virtual ImageView, public
 
 class RecordingWindow : public Window {
  public:
+  int closed = 0;
   void centre() override {}
-  void close() override {}
+  void close() override { ++closed; }
 };
 
 /// Has every view that it is asked for, but the missing ones.

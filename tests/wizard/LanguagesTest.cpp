@@ -6,29 +6,6 @@
 
 namespace {
 
-/// Labels and buttons that are shown have room for all of their text.
-void expectTextsToFit(const QWidget& window) {
-  for (const QWidget* const widget : window.findChildren<QWidget*>()) {
-    const bool showsText =
-        qobject_cast<const QLabel*>(widget) != nullptr || qobject_cast<const QAbstractButton*>(widget) != nullptr;
-    const bool isCutOnPurpose = widget->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored;
-    if (!widget->isVisible() || widget->objectName().isEmpty() || !showsText || isCutOnPurpose) continue;
-    EXPECT_LE(widget->minimumSizeHint().width(), widget->width()) << fromQt(widget->objectName());
-    const int height = widget->hasHeightForWidth() ? widget->heightForWidth(widget->width()) : 0;
-    EXPECT_LE(height, widget->height()) << fromQt(widget->objectName());
-  }
-}
-
-/// With PAGE_PICTURES naming a folder, what is looked at is saved there for people to look at, too.
-void look(QWidget& window, const std::string& name) {
-  SCOPED_TRACE(name);
-  QApplication::processEvents();  // the layout is done when the window is painted
-  expectTextsToFit(window);
-  const char* const folder = std::getenv("PAGE_PICTURES");
-  if (folder == nullptr) return;
-  EXPECT_TRUE(window.grab().save(toQt(std::string(folder) + "/" + name + "-" + std::getenv("LANGUAGE") + ".png")));
-}
-
 class WizardInEveryLanguageTest : public WizardTest, public testing::WithParamInterface<const char*> {
  protected:
   /// Looks at the page that is there now; its heading and buttons are where they were on the page before.

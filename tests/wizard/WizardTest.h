@@ -17,12 +17,14 @@
 #include <QTest>
 #include <QTextEdit>
 #include <QTimer>
+#include <algorithm>
 #include <cstdlib>
 #include <map>
 #include <sstream>
 #include <string>
 
 #include "Driving.h"
+#include "foundation/Text.h"
 #include "platform/posix/FileDescriptor.h"
 #include "platform/window/qt/QtText.h"
 #include "platform/window/qt/QtUserInterface.h"
@@ -68,6 +70,29 @@ inline void tabTo(const std::string& control) {
   EXPECT_EQ(focused(), control);
 }
 
+/// Labels and buttons that are shown have room for all of their text.
+inline void expectTextsToFit(const QWidget& window) {
+  for (const QWidget* const widget : window.findChildren<QWidget*>()) {
+    const bool showsText =
+        qobject_cast<const QLabel*>(widget) != nullptr || qobject_cast<const QAbstractButton*>(widget) != nullptr;
+    const bool isCutOnPurpose = widget->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored;
+    if (!widget->isVisible() || widget->objectName().isEmpty() || !showsText || isCutOnPurpose) continue;
+    EXPECT_LE(widget->minimumSizeHint().width(), widget->width()) << fromQt(widget->objectName());
+    const int height = widget->hasHeightForWidth() ? widget->heightForWidth(widget->width()) : 0;
+    EXPECT_LE(height, widget->height()) << fromQt(widget->objectName());
+  }
+}
+
+/// With PAGE_PICTURES naming a folder, what is looked at is saved there for people to look at, too.
+inline void look(QWidget& window, const std::string& name) {
+  SCOPED_TRACE(name);
+  QApplication::processEvents();  // the layout is done when the window is painted
+  expectTextsToFit(window);
+  const char* const folder = std::getenv("PAGE_PICTURES");
+  if (folder == nullptr) return;
+  EXPECT_TRUE(window.grab().save(toQt(std::string(folder) + "/" + name + "-" + std::getenv("LANGUAGE") + ".png")));
+}
+
 /// The wizard in its window, on a screen in memory: the program that was built, on a sample volume, with the real
 /// platform.
 class WizardTest : public testing::Test {
@@ -90,7 +115,7 @@ class WizardTest : public testing::Test {
   template <class Walk>
   void run(Walk walk) {
     LinuxPlatform system(
-        Volume(volume_, INSTALLER_BUNDLE), INSTALLER_BUNDLE, user_,
+        Volume(volume_, bundle_), bundle_, user_,
         [](const WindowServices& services) {
           std::string problem;
           return QtUserInterface::make(services, problem);
@@ -139,6 +164,7 @@ class WizardTest : public testing::Test {
       ::open((fs::temp_directory_path() / "installer-wizard-tests").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)};
   TemporaryFolder folder_;
   fs::path volume_ = folder_.path() / "Macintosh HD";
+  fs::path bundle_ = INSTALLER_BUNDLE;
   const UserAccount user_ = *loggedInUser();
   const std::string log_ = "/Library/Application Support/Corvane/Dunmore 3 Installer.log";
   const std::string filter_ = "/Corvane/Dunmore 3.plugin";

@@ -9,9 +9,12 @@
 #include "install/tasks/FileForUser.h"
 #include "payload/PlugInFilesModel.h"
 
+std::string analyticsIdentifierFile(Platform& platform) {
+  return joinPath(PlugInFilesModel(platform).companyAppSupportPath(), formatted("%@.guid", "entityresolver"));
+}
+
 void installAnalytics(Platform& platform, PrivilegedTools& tools) {
-  const std::string path =
-      joinPath(PlugInFilesModel(platform).companyAppSupportPath(), formatted("%@.guid", "entityresolver"));
+  const std::string path = analyticsIdentifierFile(platform);
   // Made once for good: whatever is there, an empty file included, is the machine's identifier.
   if (platform.files.exists(path)) return;
   writeFileForUser(platform, tools,

@@ -8,7 +8,8 @@
 #include "foundation/Format.h"
 #include "payload/PlugInFilesModel.h"
 
-void unInstallForHost(Platform& platform, PrivilegedTools& tools, const HostModel& host) {
+void unInstallForHost(Platform& platform, PrivilegedTools& tools, const HostModel& host,
+                      const std::function<bool(const std::string& path)>& isKept) {
   const PlugInFilesModel paths(platform);
   std::vector<std::string> names;
   for (const std::string& folder : {paths.getPlugInDirInBundle(), paths.getAutoLayerDirInBundle()}) {
@@ -31,6 +32,7 @@ void unInstallForHost(Platform& platform, PrivilegedTools& tools, const HostMode
       const std::string found = query->valueOfAttribute(kMDItemFSName, i);
       const std::string path = query->valueOfAttribute(kMDItemPath, i);
       // A name with "*" or "?" in it finds others, too, and those are not ours to remove.
+      if (found == name && isKept(path)) continue;
       if (found == name && !tools.run("/bin/rm", {"-fR", path})) return;
       platform.log.write(formatted("found %@ at %@", found, path));
     }
