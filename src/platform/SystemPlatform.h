@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "foundation/Result.h"
 #include "platform/Platform.h"
@@ -32,3 +33,7 @@ inline constexpr std::string_view noWindowDomain = "NoWindow";
 /// The platform for installing into `target`, a mounted volume or a folder laid out like one ("/" for the running
 /// system). Fails when the target cannot be opened, when the program does not lie in a bundle, or with noWindowDomain.
 [[nodiscard]] Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& target, Surface surface);
+
+/// Has a program of the own bundle's Contents/Helpers take the place of this one, with these arguments. Returns only
+/// when that is not possible, with the reason.
+[[nodiscard]] Error becomeHelper(const std::string& name, const std::vector<std::string>& arguments);

@@ -57,7 +57,9 @@ class Tool {
       case ToolRequest::Command::hosts: return hosts();
       case ToolRequest::Command::verify: return verify();
       case ToolRequest::Command::remove: return removeInstalled(request_, platform_, volume_, streams_);
-      case ToolRequest::Command::munki: break;
+      case ToolRequest::Command::munki:
+      case ToolRequest::Command::pack:  // scripts
+      case ToolRequest::Command::preview: break;
     }
     streams_.output << munkiItem(texts_, request_.folder);
     return ToolStatus::success;

@@ -42,6 +42,8 @@ class CommandLine {
     munki->remove_option(munki->get_option("--json"));
     munki->add_option("--folder", request.folder, texts("tool_munki_folder", "Where the installer is kept on the Macs"))
         ->type_name(texts("tool_folder", "FOLDER"));
+    addPack();
+    addPreview();
   }
 
   ToolArguments read(int count, const char* const* arguments) {
@@ -65,6 +67,36 @@ class CommandLine {
   }
 
  private:
+  // For makers of installers, in English only.
+
+  CLI::App* addForMakers(ToolRequest::Command command, const std::string& name, const std::string& description) {
+    CLI::App* const added = add(command, name, description);
+    added->remove_option(added->get_option("--target"));
+    added->remove_option(added->get_option("--json"));
+    added->add_option("BUNDLE", request_.kit.bundle, "The installer's bundle")->required()->type_name("");
+    return added;
+  }
+
+  void addPack() {
+    CLI::App* const pack =
+        addForMakers(ToolRequest::Command::pack, "pack", "Make an application and a disk image for Macs of a bundle");
+    pack->add_option("--sign", request_.kit.identity, "Sign with this certificate")->type_name("IDENTITY");
+    pack->add_option("--notarize", request_.kit.profile, "Have Apple notarize it, too")->type_name("PROFILE");
+  }
+
+  void addPreview() {
+    CLI::App* const preview = addForMakers(ToolRequest::Command::preview, "preview",
+                                           "Show an installer on a volume that is thrown away afterwards");
+    ToolRequest::Kit& kit = request_.kit;
+    preview->add_option("--language", kit.language, "In this language, as \"de\" or \"zh-Hans\"")
+        ->type_name("LANGUAGE");
+    preview->add_option("--appearance", kit.appearance, "Light or dark")->check(CLI::IsMember({"light", "dark"}));
+    preview->add_option("--hosts", kit.hosts, "How many applications there are to install into: 0 to 3")
+        ->check(CLI::IsMember({"0", "1", "2", "3"}));
+    preview->add_option("--pictures", kit.pictures, "Save a picture of each page there instead of opening a window")
+        ->type_name("FOLDER");
+  }
+
   void setUp(CLI::App& app) {
     app.option_defaults()->group(texts_("tool_label_options", "Options"));
     app.set_help_flag("--help", texts_("tool_help", "Show this help"));
@@ -96,6 +128,14 @@ class CommandLine {
 };
 
 }  // namespace
+
+std::vector<std::string> ToolRequest::scriptArguments() const {
+  if (command == Command::preview) return {kit.bundle, kit.language, kit.appearance, kit.hosts, kit.pictures};
+  std::vector<std::string> arguments = {kit.bundle};
+  if (!kit.identity.empty()) arguments.insert(arguments.end(), {"--sign", kit.identity});
+  if (!kit.profile.empty()) arguments.insert(arguments.end(), {"--notarize", kit.profile});
+  return arguments;
+}
 
 std::string targetAmong(int count, const char* const* arguments) {
   constexpr std::string_view option = "--target";

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "tool/ToolTexts.h"
 
@@ -20,7 +21,7 @@ enum class ToolStatus {
 
 /// What the tool was asked to do.
 struct ToolRequest {
-  enum class Command { plan, hosts, verify, remove, munki };
+  enum class Command { plan, hosts, verify, remove, munki, pack, preview };
   Command command = Command::plan;
   std::string target = "/";
   bool isJson = false;
@@ -29,6 +30,18 @@ struct ToolRequest {
   bool isTrial = false;                        ///< remove: say what would be removed
   std::string folder = "/Library/Management";  ///< munki: where the installer is put
   bool keepsChanged = false;                   ///< remove: leave what was changed since the install
+  /// Commands that a script of the bundle carries out: its arguments.
+  [[nodiscard]] std::vector<std::string> scriptArguments() const;
+  struct Kit {
+    std::string bundle = {};      ///< the installer that is packed or shown
+    std::string identity = {};    ///< pack: signs it
+    std::string profile = {};     ///< pack: notarizes it
+    std::string language = {};    ///< preview
+    std::string appearance = {};  ///< preview: "light" or "dark"
+    std::string hosts = "3";      ///< preview: number of applications to install into
+    std::string pictures = {};    ///< preview: folder for pictures; empty: a window
+  };
+  Kit kit = {};
 };
 
 /// A request, or what to print instead of carrying one out.

@@ -24,6 +24,12 @@ int run(int count, const char* const* words) {
     std::cerr << arguments.errors;
     return static_cast<int>(std::cout ? arguments.status : ToolStatus::output);
   }
+  using Command = ToolRequest::Command;
+  const Command command = arguments.request.command;
+  if (command == Command::pack || command == Command::preview) {
+    const std::string script = command == Command::pack ? "pack" : "preview";
+    return complain(becomeHelper(script, arguments.request.scriptArguments()).description(), ToolStatus::unavailable);
+  }
   if (!system) return complain(system.error().description(), ToolStatus::noInput);
   const int status = runTool(arguments.request, **system, {std::cin, std::cout, std::cerr});
   std::cout.flush();

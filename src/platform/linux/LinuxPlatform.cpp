@@ -102,3 +102,8 @@ Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& ta
   if (!problem.empty()) return noWindow(problem);
   return std::unique_ptr<SystemPlatform>(std::move(system));
 }
+
+Error becomeHelper(const std::string& name, const std::vector<std::string>& arguments) {
+  const auto bundle = bundleOfOwnProgram("/proc/self/exe");
+  return becomeProgram(joinPath({bundle.value_or(""), "Contents/Helpers", name}), arguments);
+}

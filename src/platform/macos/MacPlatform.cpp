@@ -98,3 +98,8 @@ Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& ta
   }
   return std::unique_ptr<SystemPlatform>(std::move(system));
 }
+
+Error becomeHelper(const std::string& name, const std::vector<std::string>& arguments) {
+  const auto bundle = bundleOfOwnProgram(ownProgram());
+  return becomeProgram(joinPath({bundle.value_or(""), "Contents/Helpers", name}), arguments);
+}

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <memory>
@@ -39,4 +40,16 @@ std::optional<std::string> bundleOfOwnProgram(const std::string& program) {
   const std::string contents = deletingLastPathComponent(folder);
   if (lastPathComponent(folder) != "MacOS" || lastPathComponent(contents) != "Contents") return std::nullopt;
   return deletingLastPathComponent(contents);
+}
+
+Error becomeProgram(const std::string& path, const std::vector<std::string>& arguments) {
+  std::vector<std::string> words = {path};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> pointers;
+  for (std::string& word : words) pointers.push_back(word.data());
+  pointers.push_back(nullptr);
+  static_cast<void>(std::signal(SIGPIPE, SIG_DFL));  // what this process ignores, the program would ignore, too
+  static_cast<void>(std::signal(SIGXFSZ, SIG_DFL));
+  ::execv(path.c_str(), pointers.data());
+  return Error::posix(static_cast<std::errc>(errno), path);
 }
