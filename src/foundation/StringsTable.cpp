@@ -25,6 +25,7 @@ class TableParser {
       if (!problem_.empty() || atEnd() || (isBraced && consume('}'))) break;
       auto key = parseText();
       if (!key) break;
+      std::size_t end = next_;
       skipBlanks();
       std::string text = *key;  // a key without a value is its own value
       if (consume('=')) {
@@ -32,12 +33,15 @@ class TableParser {
         auto value = parseText();
         if (!value) break;
         text = std::move(*value);
+        end = next_;
         skipBlanks();
       }
       if (!consume(';')) {
+        next_ = end;
         fail("a semicolon is missing");
         break;
       }
+      if (table.texts.contains(*key)) table.repeated.insert(*key);
       table.texts.insert_or_assign(std::move(*key), std::move(text));
     }
     table.problem = std::move(problem_);

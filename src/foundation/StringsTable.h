@@ -3,6 +3,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,8 @@
 /// A malformed file gives the entries before the first error.
 struct StringsTable {
   std::map<std::string, std::string, std::less<>> texts;
+  /// Keys that the file has more than once; the last text counts.
+  std::set<std::string, std::less<>> repeated = {};
   /// Describes the first error, with its line; empty when there is none.
   std::string problem;
 };
