@@ -2,6 +2,7 @@
 
 #include "foundation/Format.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace {
@@ -48,4 +49,17 @@ std::string formatted(std::string_view format, std::span<const std::string_view>
     }
   }
   return result;
+}
+
+std::set<std::size_t> argumentsOf(std::string_view format) {
+  std::set<std::size_t> shown;
+  std::size_t next = 0;
+  for (std::size_t sign = 0; (sign = format.find('%')) != std::string_view::npos;) {
+    format.remove_prefix(sign);
+    const auto placeholder = placeholderAt(format);
+    if (placeholder) shown.insert(placeholder->position ? *placeholder->position : ++next);
+    format.remove_prefix(placeholder ? placeholder->length
+                                     : std::min<std::size_t>(format.size(), format.starts_with("%%") ? 2 : 1));
+  }
+  return shown;
 }

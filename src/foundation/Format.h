@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -16,3 +17,6 @@ template <class... Texts>
   const std::string_view texts[] = {std::string_view(arguments)...};
   return formatted(format, std::span<const std::string_view>(texts));
 }
+
+/// The arguments that a format shows, by their numbers from 1.
+[[nodiscard]] std::set<std::size_t> argumentsOf(std::string_view format);
