@@ -7,13 +7,13 @@
 #include <set>
 
 #include "foundation/Format.h"
+#include "foundation/MachO.h"
 #include "foundation/Path.h"
 #include "foundation/Text.h"
 #include "hosts/HostsModel.h"
 #include "hosts/LightRoomHostModel.h"
 #include "hosts/PhotoshopHostModel.h"
 #include "payload/Payload.h"
-#include "tool/MachO.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "install/InstallFilesController.h"
 #include "support/TestMachine.h"
 #include "tool/HostSurvey.h"
-#include "tool/MachO.h"
+#include "foundation/MachO.h"
 #include "tool/PlanReport.h"
 #include "tool/VerifyReport.h"
 
