@@ -6,7 +6,7 @@
 
 #include <functional>
 
-#include "platform/window/appkit/InterfaceFile.h"
+#include "platform/window/InterfaceFile.h"
 #include "platform/window/appkit/ObjectReference.h"
 
 /// The menus of a window of a description. `note` is told of every menu and item that the description names.

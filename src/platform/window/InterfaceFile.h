@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
@@ -18,6 +19,7 @@ struct DescribedElement {
   std::map<std::string, std::string, std::less<>> attributes = {};
   std::string text = {};
   std::vector<DescribedElement> children = {};
+  std::size_t line = 0;  ///< of the file, from 1
 
   /// The first one with that name; null when there is none.
   [[nodiscard]] const DescribedElement* child(std::string_view childName) const;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "platform/window/appkit/InterfaceFile.h"
+#include "platform/window/InterfaceFile.h"
 
 #include <expat.h>
 
@@ -46,7 +46,7 @@ class Builder {
  private:
   void start(const char* name, const char** attributes) {
     if (open_.size() >= deepest) static_cast<void>(XML_StopParser(parser_, XML_FALSE));
-    DescribedElement element{.name = name};
+    DescribedElement element{.name = name, .line = XML_GetCurrentLineNumber(parser_)};
     for (; *attributes != nullptr; attributes += 2) element.attributes[attributes[0]] = attributes[1];
     open_.push_back(std::move(element));
   }
