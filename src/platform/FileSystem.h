@@ -50,6 +50,17 @@ struct FolderContents {
   std::vector<std::string> hidden;  ///< paths
 };
 
+/// An item of a tree with what a maker of bundles can get wrong about it.
+struct TreeItem {
+  std::string path;  ///< relative to the tree's folder
+  ItemType type = ItemType::other;
+  bool isPackage = false;
+  std::uint64_t size = 0;         ///< of a regular file, in bytes
+  std::uint32_t permissions = 0;  ///< the permission bits
+  std::string link = {};          ///< where a symbolic link leads, as it is written
+  bool isQuarantined = false;     ///< has the mark of a download
+};
+
 /// Who is told what on a walk. Both of the last may be left out.
 struct WalkHandlers {
   std::function<void(const WalkedItem&)> visit;
@@ -161,6 +172,11 @@ class FileSystem {
   [[nodiscard]] std::vector<WalkedItem> visibleEntries(const std::string& folder) const {
     return entriesOf(folder).valueOr({}).visible;
   }
+
+  /// Everything below the folder: a folder before its content, entries in ascending byte order. Hidden items and what
+  /// lies in packages are included; links are listed and not followed. The content of a folder that cannot be opened is
+  /// left out.
+  virtual Result<std::vector<TreeItem>> everythingBelow(const std::string& folder) const = 0;
 
   /// The bytes of a regular file, at most `limit` of them from its start. Does not wait for a writer of a pipe.
   virtual Result<std::string> readFile(const std::string& path, std::size_t limit) const = 0;

@@ -34,6 +34,12 @@ inline constexpr std::string_view noWindowDomain = "NoWindow";
 /// system). Fails when the target cannot be opened, when the program does not lie in a bundle, or with noWindowDomain.
 [[nodiscard]] Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& target, Surface surface);
 
+/// The platform for the maker of an installer, without a window: `bundle` is its main bundle, or the program's own when
+/// it is empty. Its volume is any folder, or none, where nothing exists but the bundle, when it is empty. Fails when
+/// there is no folder at a path.
+[[nodiscard]] Result<std::unique_ptr<SystemPlatform>> makePlatformForMaker(const std::string& bundle,
+                                                                           const std::string& volume = "");
+
 /// Has a program of the own bundle's Contents/Helpers take the place of this one, with these arguments. Returns only
 /// when that is not possible, with the reason.
 [[nodiscard]] Error becomeHelper(const std::string& name, const std::vector<std::string>& arguments);

@@ -81,6 +81,34 @@ void walkFolder(int folder, const std::string& path, const WalkHandlers& handler
   }
 }
 
+bool isQuarantined(int item) {
+  const auto attributes = extendedAttributes(item);
+  return attributes && std::ranges::any_of(*attributes, [](const auto& attribute) {
+           return attribute.first.ends_with("com.apple.quarantine");
+         });
+}
+
+void listTree(int folder, const std::string& path, std::vector<TreeItem>& items) {
+  const auto entries = listFolder(folder);
+  if (!entries) return;
+  for (const auto& [name, type] : *entries) {
+    struct stat status {};
+    if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) continue;
+    const bool isFolder = type == ItemType::folder;
+    items.push_back({.path = joinPath(path, name),
+                     .type = type,
+                     .isPackage = isFolder && isPackage(folder, name),
+                     .size = type == ItemType::regularFile ? static_cast<std::uint64_t>(status.st_size) : 0,
+                     .permissions = status.st_mode & 07777U,
+                     .link = readLink(folder, name).value_or("")});
+    if (!isFolder && type != ItemType::regularFile) continue;
+    const FileDescriptor item(::openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!item) continue;
+    items.back().isQuarantined = isQuarantined(item.get());
+    if (isFolder) listTree(item.get(), joinPath(path, name), items);
+  }
+}
+
 }  // namespace
 
 // Looking.
@@ -180,6 +208,14 @@ Result<FolderContents> PosixFileSystem::entriesOf(const std::string& folder) con
   auto contents = contentsOf(opened->get(), folder);
   if (!contents) return noted(contents.error(), folder);
   return contents;
+}
+
+Result<std::vector<TreeItem>> PosixFileSystem::everythingBelow(const std::string& folder) const {
+  const auto opened = open(folder, folderToRead, Purpose::look);
+  if (!opened) return opened.error();
+  std::vector<TreeItem> items;
+  listTree(opened->get(), "", items);
+  return items;
 }
 
 Result<std::string> PosixFileSystem::readFile(const std::string& path, std::size_t limit) const {

@@ -30,6 +30,7 @@ class PosixFileSystem : public FileSystem {
   using FileSystem::walk;
   void walk(const std::string& folder, const WalkHandlers& handlers) const override;
   Result<FolderContents> entriesOf(const std::string& folder) const override;
+  Result<std::vector<TreeItem>> everythingBelow(const std::string& folder) const override;
   Result<std::string> readFile(const std::string& path, std::size_t limit) const override;
   Status createFile(const std::string& path, std::string_view content, std::uint32_t permissions) override;
   Result<std::unique_ptr<WritableFile>> openForWriting(const std::string& path) override;

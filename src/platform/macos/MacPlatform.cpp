@@ -99,6 +99,18 @@ Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& ta
   return std::unique_ptr<SystemPlatform>(std::move(system));
 }
 
+Result<std::unique_ptr<SystemPlatform>> makePlatformForMaker(const std::string& bundle, const std::string& volume) {
+  setUpProcess();
+  auto user = loggedInUser();
+  if (!user) return user.error();
+  const auto path = bundle.empty() ? bundleOfOwnProgram(ownProgram()) : realPath(bundle);
+  const auto root = volume.empty() ? volume : realPath(volume);
+  if (!path || !root) return Error::posix(std::errc::no_such_file_or_directory, path ? volume : bundle);
+  const auto noWindow = [](const WindowServices&) { return std::make_unique<ConsoleInterface>(); };
+  return std::unique_ptr<SystemPlatform>(std::make_unique<MacPlatform>(Volume(*root, *path), *path, std::move(*user),
+                                                                       preferredLanguagesOfSystem(), noWindow));
+}
+
 Error becomeHelper(const std::string& name, const std::vector<std::string>& arguments) {
   const auto bundle = bundleOfOwnProgram(ownProgram());
   return becomeProgram(joinPath({bundle.value_or(""), "Contents/Helpers", name}), arguments);
