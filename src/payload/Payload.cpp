@@ -26,9 +26,10 @@ void noteUnreadable(PayloadPart& part, const Error& error, const std::string& ro
 }  // namespace
 
 Payload::Payload(Platform& platform)
-    : platform_(platform),
-      root_(joinPath(platform.bundles.mainBundle().resourcePath(), "files")),
-      company_(companyName(platform)) {}
+    : Payload(platform, joinPath(platform.bundles.mainBundle().resourcePath(), "files")) {}
+
+Payload::Payload(Platform& platform, std::string root)
+    : platform_(platform), root_(std::move(root)), company_(companyName(platform)) {}
 
 std::string Payload::folder(std::string_view name) const { return joinPath(root_, name); }
 

@@ -37,6 +37,8 @@ struct ProductFolder {
 class Payload {
  public:
   explicit Payload(Platform& platform);
+  /// The same in another folder than the bundle's own.
+  Payload(Platform& platform, std::string root);
 
   /// The mirror of the boot volume.
   [[nodiscard]] std::string hostIndependentFolder() const;

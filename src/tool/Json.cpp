@@ -211,3 +211,17 @@ std::string removalJson(const RemovalPlan& plan, const RemovalOutcome* outcome, 
   }
   return written(answer);
 }
+
+std::string findingsJson(const std::vector<Finding>& findings, const std::string& bundle) {
+  Json list = Json::array();
+  for (const Finding& finding : findings) {
+    Json entry = {{"id", finding.id}, {"severity", nameOf(finding.severity)}, {"file", finding.place.file}};
+    if (finding.place.line != 0) entry["line"] = finding.place.line;
+    if (!finding.place.key.empty()) entry["key"] = finding.place.key;
+    entry["what"] = finding.what;
+    entry["consequence"] = finding.consequence;
+    entry["fix"] = finding.fix;
+    list.push_back(std::move(entry));
+  }
+  return written({{"version", formatVersion}, {"bundle", bundle}, {"findings", std::move(list)}});
+}

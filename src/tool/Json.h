@@ -3,7 +3,9 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
+#include "kit/Finding.h"
 #include "tool/HostSurvey.h"
 #include "tool/PlanReport.h"
 #include "tool/Remover.h"
@@ -18,3 +20,5 @@
 /// `outcome` is null for what would be done.
 [[nodiscard]] std::string removalJson(const RemovalPlan& plan, const RemovalOutcome* outcome, const std::string& volume,
                                       const ToolTexts& texts);
+/// `bundle` as it was named.
+[[nodiscard]] std::string findingsJson(const std::vector<Finding>& findings, const std::string& bundle);

@@ -5,6 +5,8 @@
 #include <istream>
 #include <ostream>
 
+#include "kit/CheckBundle.h"
+#include "tool/CheckCommand.h"
 #include "tool/Json.h"
 #include "tool/MunkiItem.h"
 #include "tool/RemoveCommand.h"
@@ -57,6 +59,7 @@ class Tool {
       case ToolRequest::Command::hosts: return hosts();
       case ToolRequest::Command::verify: return verify();
       case ToolRequest::Command::remove: return removeInstalled(request_, platform_, volume_, streams_);
+      case ToolRequest::Command::check: return check();
       case ToolRequest::Command::munki:
       case ToolRequest::Command::pack:  // scripts
       case ToolRequest::Command::preview: break;
@@ -84,6 +87,16 @@ class Tool {
       writeHosts(facts, texts_, streams_.output);
     }
     return ToolStatus::success;
+  }
+
+  ToolStatus check() {
+    const std::vector<Finding> findings = checkBundle(platform_);
+    if (request_.isJson) {
+      streams_.output << findingsJson(findings, request_.kit.bundle);
+    } else {
+      writeFindings(findings, request_.kit.bundle, streams_.output);
+    }
+    return findings.empty() ? ToolStatus::success : ToolStatus::differences;
   }
 
   ToolStatus verify() {

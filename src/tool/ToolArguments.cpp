@@ -42,6 +42,7 @@ class CommandLine {
     munki->remove_option(munki->get_option("--json"));
     munki->add_option("--folder", request.folder, texts("tool_munki_folder", "Where the installer is kept on the Macs"))
         ->type_name(texts("tool_folder", "FOLDER"));
+    addCheck();
     addPack();
     addPreview();
   }
@@ -75,6 +76,12 @@ class CommandLine {
     added->remove_option(added->get_option("--json"));
     added->add_option("BUNDLE", request_.kit.bundle, "The installer's bundle")->required()->type_name("");
     return added;
+  }
+
+  void addCheck() {
+    CLI::App* const check =
+        addForMakers(ToolRequest::Command::check, "check", "Find mistakes in an installer's bundle");
+    check->add_flag("--json", request_.isJson, "Answer in JSON");
   }
 
   void addPack() {

@@ -10,18 +10,18 @@
 /// The statuses that the tool ends with, numbered as in sysexits.h. A signal that ended it is 128 plus its number.
 enum class ToolStatus {
   success = 0,
-  differences = 1,   ///< something is not as an install leaves it, or was kept
-  usage = 64,        ///< the arguments are wrong
-  noInput = 66,      ///< the target cannot be entered, or is no Mac volume
-  unavailable = 69,  ///< nobody can be asked to confirm, or changes cannot be begun
-  system = 71,       ///< no memory
-  output = 74,       ///< the output could not be written, or the disk failed
-  noRights = 77,     ///< administrator rights were refused
+  differences = 1,    ///< something is not as an install leaves it, or was kept; a bundle has mistakes
+  usage = 64,         ///< the arguments are wrong
+  noInput = 66,       ///< the target cannot be entered or is no Mac volume, or there is no such bundle
+  unavailable = 69,   ///< nobody can be asked to confirm, or changes cannot be begun
+  system = 71,        ///< no memory
+  output = 74,        ///< the output could not be written, or the disk failed
+  noRights = 77,      ///< administrator rights were refused
 };
 
 /// What the tool was asked to do.
 struct ToolRequest {
-  enum class Command { plan, hosts, verify, remove, munki, pack, preview };
+  enum class Command { plan, hosts, verify, remove, munki, check, pack, preview };
   Command command = Command::plan;
   std::string target = "/";
   bool isJson = false;
@@ -33,7 +33,7 @@ struct ToolRequest {
   /// Commands that a script of the bundle carries out: its arguments.
   [[nodiscard]] std::vector<std::string> scriptArguments() const;
   struct Kit {
-    std::string bundle = {};      ///< the installer that is packed or shown
+    std::string bundle = {};      ///< the installer that is checked, packed or shown
     std::string identity = {};    ///< pack: signs it
     std::string profile = {};     ///< pack: notarizes it
     std::string language = {};    ///< preview

@@ -16,7 +16,7 @@ int complain(const std::string& what, ToolStatus status) {
 }
 
 int run(int count, const char* const* words) {
-  const auto system = makeSystemPlatform(targetAmong(count, words), Surface::console);
+  auto system = makeSystemPlatform(targetAmong(count, words), Surface::console);
   const ToolTexts texts(system ? &(*system)->platform() : nullptr);
   const ToolArguments arguments = readToolArguments(count, words, texts);
   if (!arguments.isRequest) {
@@ -25,13 +25,15 @@ int run(int count, const char* const* words) {
     return static_cast<int>(std::cout ? arguments.status : ToolStatus::output);
   }
   using Command = ToolRequest::Command;
-  const Command command = arguments.request.command;
+  const ToolRequest& request = arguments.request;
+  const Command command = request.command;
   if (command == Command::pack || command == Command::preview) {
     const std::string script = command == Command::pack ? "pack" : "preview";
-    return complain(becomeHelper(script, arguments.request.scriptArguments()).description(), ToolStatus::unavailable);
+    return complain(becomeHelper(script, request.scriptArguments()).description(), ToolStatus::unavailable);
   }
+  if (command == Command::check) system = makePlatformForMaker(request.kit.bundle);
   if (!system) return complain(system.error().description(), ToolStatus::noInput);
-  const int status = runTool(arguments.request, **system, {std::cin, std::cout, std::cerr});
+  const int status = runTool(request, **system, {std::cin, std::cout, std::cerr});
   std::cout.flush();
   return std::cout ? status : complain("the output cannot be written", ToolStatus::output);
 }

@@ -2,6 +2,7 @@
 
 #include "shell/SetupControllerTest.h"
 
+#include "kit/WindowNames.h"
 #include "payload/InstallerTexts.h"
 #include "steps/PageController.h"
 
@@ -178,6 +179,27 @@ TEST_F(SetupControllerTest, ShowsPlaceholdersForWhatIsMissing) {
   ASSERT_TRUE(bare.loadMainWindow());
   EXPECT_EQ(bare.mainLabelText(), "");
   EXPECT_EQ(bare.getIndicatorForStep(0), nullptr);
+}
+
+/// What is found in order in the description of a window must be answered by its owner.
+TEST_F(SetupControllerTest, AnswersToEveryNameThatDescriptionsMayUse) {
+  start();
+  const auto answers = [this](std::string_view path) {
+    InterfaceOwner* owner = wizard_.get();
+    for (std::size_t end = 0; owner != nullptr && (end = path.find('.')) != std::string_view::npos;) {
+      owner = owner->objectForKey(path.substr(0, end));
+      path.remove_prefix(end + 1);
+    }
+    return owner != nullptr && owner->shownValue(path).has_value();
+  };
+  for (const DescriptionNames& names : descriptions()) {
+    const bool isCustom = names.file == "CustomInstall.ui";
+    InterfaceOwner& owner = isCustom ? *wizard_->objectForKey("hostsController") : *wizard_;
+    for (const std::string_view key : names.keys) {
+      EXPECT_TRUE(answers((isCustom ? "hostsController." : "") + std::string(key))) << key;
+    }
+    for (const std::string_view action : names.actions) EXPECT_TRUE(owner.performAction(action, "")) << action;
+  }
 }
 
 }  // namespace

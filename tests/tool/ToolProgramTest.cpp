@@ -53,6 +53,20 @@ TEST_F(ToolProgramTest, EndsWithTheStatusesThatScriptsRelyOn) {
   EXPECT_NE(output().find("Objekte: "), std::string::npos) << output();
 }
 
+TEST_F(ToolProgramTest, ChecksBundlesForTheirMakers) {
+  EXPECT_EQ(tool("check"), 64);
+  EXPECT_EQ(tool("check /nowhere"), 66);
+  const std::string check = "check '" + (folder_.path() / "product.app").string() + "'";
+  fs::copy(bundle_, folder_.path() / "product.app", fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+  fs::remove(folder_.path() / "product.app/Contents/Resources/fr.lproj/license.txt");
+  EXPECT_EQ(tool(check), 1);
+  EXPECT_NE(output().find("Contents/Resources/fr.lproj/license.txt: warning: there is no license.txt"),
+            std::string::npos)
+      << output();
+  EXPECT_EQ(tool(check + " --json"), 1);
+  EXPECT_NE(output().find("\"id\": \"texts.licence-untranslated\""), std::string::npos) << output();
+}
+
 TEST_F(ToolProgramTest, ItsMunkiItemInstallsOnceAndRemoves) {
   EXPECT_EQ(tool("munki" + target_), 0);
   const auto withoutVersion = [](const std::string& text) {

@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// Programs and plug-ins of the payload: what processors and systems they are for, and their versions.
+#include <algorithm>
+#include <array>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "foundation/MachO.h"
+#include "foundation/Path.h"
+#include "foundation/Text.h"
+#include "install/BundleVersion.h"
+#include "kit/Checks.h"
+
+namespace {
+
+/// Processors of the Macs that the host applications run on.
+constexpr std::array<std::string_view, 2> hostArchitectures = {"arm64", "x86_64"};
+
+constexpr std::array<std::string_view, 6> bundlesOfCode = {"app", "plugin", "bundle", "component", "appex", "xpc"};
+
+/// A bundle of the payload with the version that upgrades go by.
+struct VersionedBundle {
+  std::string path;
+  std::vector<std::string_view> parts;
+  std::string version;
+};
+
+bool isNumber(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+class ProgramCheck {
+ public:
+  ProgramCheck(const InspectedBundle& bundle, Findings& findings)
+      : bundle_(bundle), findings_(findings), minimum_(entryOf(bundle.info(""), "LSMinimumSystemVersion").text()) {}
+
+  void run() {
+    for (const TreeItem& item : bundle_.items()) {
+      if (!isAtOrBelow(item.path, bundle_.payloadFolder())) continue;
+      if (item.isPackage) checkBundle(item);
+      if (item.type == ItemType::regularFile) checkCode(item);
+    }
+    checkVersionParts();
+  }
+
+ private:
+  void checkBundle(const TreeItem& item) {
+    const std::string_view type = pathExtension(item.path);
+    const bool isCode = std::ranges::find(bundlesOfCode, type) != bundlesOfCode.end();
+    const Value info = bundle_.info(item.path);
+    if (info.as<Value::Dictionary>() == nullptr) {
+      if (isCode) findings_.add("programs.no-info", {.file = joinPath(item.path, "Contents/Info.plist")});
+      return;
+    }
+    const std::string list = joinPath(item.path, "Contents/Info.plist");
+    checkExecutable(item, info, type == "app");
+    checkVersion(list, entryOf(info, "CFBundleVersion").text());
+  }
+
+  void checkExecutable(const TreeItem& item, const Value& info, bool isNeeded) {
+    const std::string name = entryOf(info, "CFBundleExecutable").text();
+    if (name.empty() && !isNeeded) return;
+    const std::string path = joinPath({item.path, "Contents/MacOS", name});
+    const TreeItem* const program = name.empty() ? nullptr : bundle_.item(path);
+    if (program == nullptr) {
+      return findings_.add("programs.missing",
+                           {.file = joinPath(item.path, "Contents/Info.plist"), .key = "CFBundleExecutable"}, {name});
+    }
+    const std::string start = startOf(path);
+    const bool isScript = start.starts_with("#!");
+    if (isScript || architecturesOfMachO(start)) return;
+    if (start.starts_with("\x7F"
+                          "ELF") &&
+        isForLinux(info))
+      return;
+    findings_.add("programs.kind", {.file = path},
+                  {start.starts_with("\x7F"
+                                     "ELF")
+                       ? "for Linux"
+                       : "no program"});
+  }
+
+  /// An application to try the installer with, where it says so itself.
+  static bool isForLinux(const Value& info) {
+    const Value platforms = entryOf(info, "CFBundleSupportedPlatforms");
+    const auto* const names = platforms.as<Value::Array>();
+    return names != nullptr && std::ranges::find(*names, Value("Linux")) != names->end();
+  }
+
+  void checkVersion(const std::string& list, const std::string& version) {
+    const Place place{.file = list, .key = "CFBundleVersion"};
+    if (version.empty()) return findings_.add("versions.none", place);
+    VersionedBundle versioned{.path = list, .parts = {}, .version = version};
+    for (const std::string_view part : split(version, '.')) {
+      if (!isNumber(part))
+        return findings_.add("versions.part", place, {version, part, BundleVersion::parse(version).digits()});
+      constexpr std::size_t mostDigits = 4;
+      const bool isFirst = versioned.parts.empty();
+      if (!isFirst && part.size() > mostDigits) return findings_.add("versions.long", place, {version, part});
+      versioned.parts.push_back(part);
+    }
+    versions_.push_back(std::move(versioned));
+  }
+
+  /// A version with fewer parts counts as older than any with more, whatever they say.
+  void checkVersionParts() {
+    std::size_t most = 0;
+    for (const VersionedBundle& versioned : versions_) most = std::max(most, versioned.parts.size());
+    for (const VersionedBundle& versioned : versions_) {
+      if (versioned.parts.size() == most) continue;
+      std::string longer = versioned.version;
+      for (std::size_t i = versioned.parts.size(); i < most; ++i) longer += ".0";
+      findings_.add("versions.parts", {.file = versioned.path, .key = "CFBundleVersion"}, {versioned.version, longer});
+    }
+  }
+
+  void checkCode(const TreeItem& item) {
+    if (!architecturesOfMachO(startOf(item.path))) return;
+    const auto parts = partsOfMachO(bundle_.read(item.path).value_or(""));
+    if (!parts) return;
+    std::string all;
+    std::set<std::string_view> architectures;
+    for (const MachOPart& part : *parts) {
+      architectures.insert(part.architecture);
+      all += (all.empty() ? "" : ", ") + part.architecture;
+      if (isNewer(part.minimumSystem)) {
+        findings_.add("programs.minimum-system", {.file = item.path}, {part.minimumSystem, minimum_});
+      }
+      if (!part.isSigned) findings_.add("programs.unsigned", {.file = item.path});
+    }
+    for (const std::string_view wanted : hostArchitectures) {
+      if (!architectures.contains(wanted)) findings_.add("programs.architecture", {.file = item.path}, {wanted, all});
+    }
+  }
+
+  /// Than the system that the installer says it needs.
+  [[nodiscard]] bool isNewer(std::string_view system) const {
+    if (system.empty() || minimum_.empty()) return false;
+    const auto parts = split(system, '.');
+    const auto limit = split(minimum_, '.');
+    for (std::size_t i = 0; i < std::max(parts.size(), limit.size()); ++i) {
+      const std::int64_t part = i < parts.size() ? integerValue(parts[i]) : 0;
+      const std::int64_t most = i < limit.size() ? integerValue(limit[i]) : 0;
+      if (part != most) return part > most;
+    }
+    return false;
+  }
+
+  [[nodiscard]] std::string startOf(const std::string& path) const {
+    return bundle_.platform().files.readFile(bundle_.fullPath(path), machOHeaderBytes).valueOr({});
+  }
+
+  const InspectedBundle& bundle_;
+  Findings& findings_;
+  std::string minimum_;
+  std::vector<VersionedBundle> versions_;
+};
+
+}  // namespace
+
+void checkPrograms(const InspectedBundle& bundle, Findings& findings) { ProgramCheck(bundle, findings).run(); }
