@@ -5,7 +5,10 @@
 #include <istream>
 #include <ostream>
 
+#include "foundation/Path.h"
+#include "foundation/Text.h"
 #include "kit/CheckBundle.h"
+#include "kit/NewBundle.h"
 #include "tool/CheckCommand.h"
 #include "tool/Json.h"
 #include "tool/MunkiItem.h"
@@ -60,6 +63,7 @@ class Tool {
       case ToolRequest::Command::verify: return verify();
       case ToolRequest::Command::remove: return removeInstalled(request_, platform_, volume_, streams_);
       case ToolRequest::Command::check: return check();
+      case ToolRequest::Command::make: return make();
       case ToolRequest::Command::munki:
       case ToolRequest::Command::pack:  // scripts
       case ToolRequest::Command::preview: break;
@@ -87,6 +91,18 @@ class Tool {
       writeHosts(facts, texts_, streams_.output);
     }
     return ToolStatus::success;
+  }
+
+  /// The volume is the folder that the new one is made in.
+  ToolStatus make() {
+    const std::string name = lastPathComponent(request_.kit.newFolder);
+    const Status made = makeNewBundle(platform_, joinPath("/", name));
+    if (made) {
+      streams_.output << onOneLine(request_.kit.newFolder + " is ready: see its Read Me.txt") << '\n';
+      return ToolStatus::success;
+    }
+    streams_.errors << onOneLine(request_.kit.newFolder + ": " + made.error().reason()) << '\n';
+    return ToolStatus::cannotCreate;
   }
 
   ToolStatus check() {

@@ -42,6 +42,7 @@ class CommandLine {
     munki->remove_option(munki->get_option("--json"));
     munki->add_option("--folder", request.folder, texts("tool_munki_folder", "Where the installer is kept on the Macs"))
         ->type_name(texts("tool_folder", "FOLDER"));
+    addNew();
     addCheck();
     addPack();
     addPreview();
@@ -76,6 +77,13 @@ class CommandLine {
     added->remove_option(added->get_option("--json"));
     added->add_option("BUNDLE", request_.kit.bundle, "The installer's bundle")->required()->type_name("");
     return added;
+  }
+
+  void addNew() {
+    CLI::App* const make = add(ToolRequest::Command::make, "new", "Make an installer's bundle for another product");
+    make->remove_option(make->get_option("--target"));
+    make->remove_option(make->get_option("--json"));
+    make->add_option("FOLDER", request_.kit.newFolder, "The folder to make")->required()->type_name("");
   }
 
   void addCheck() {

@@ -15,13 +15,14 @@ enum class ToolStatus {
   noInput = 66,       ///< the target cannot be entered or is no Mac volume, or there is no such bundle
   unavailable = 69,   ///< nobody can be asked to confirm, or changes cannot be begun
   system = 71,        ///< no memory
+  cannotCreate = 73,  ///< what was to be made is there already, or its folder cannot be written
   output = 74,        ///< the output could not be written, or the disk failed
   noRights = 77,      ///< administrator rights were refused
 };
 
 /// What the tool was asked to do.
 struct ToolRequest {
-  enum class Command { plan, hosts, verify, remove, munki, check, pack, preview };
+  enum class Command { plan, hosts, verify, remove, munki, make, check, pack, preview };
   Command command = Command::plan;
   std::string target = "/";
   bool isJson = false;
@@ -33,6 +34,7 @@ struct ToolRequest {
   /// Commands that a script of the bundle carries out: its arguments.
   [[nodiscard]] std::vector<std::string> scriptArguments() const;
   struct Kit {
+    std::string newFolder = {};   ///< make: where
     std::string bundle = {};      ///< the installer that is checked, packed or shown
     std::string identity = {};    ///< pack: signs it
     std::string profile = {};     ///< pack: notarizes it

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <string>
 
+#include "foundation/Path.h"
 #include "foundation/Text.h"
 #include "platform/SystemPlatform.h"
 #include "tool/Tool.h"
@@ -13,6 +14,12 @@ namespace {
 int complain(const std::string& what, ToolStatus status) {
   std::cerr << "InstallerTool: " << onOneLine(what) << '\n';
   return static_cast<int>(status);
+}
+
+/// The folder that the item is in, also for a name alone.
+std::string folderOf(const std::string& path) {
+  const std::string folder = deletingLastPathComponent(path);
+  return folder.empty() ? "." : folder;
 }
 
 int run(int count, const char* const* words) {
@@ -31,6 +38,7 @@ int run(int count, const char* const* words) {
     const std::string script = command == Command::pack ? "pack" : "preview";
     return complain(becomeHelper(script, request.scriptArguments()).description(), ToolStatus::unavailable);
   }
+  if (command == Command::make) system = makePlatformForMaker("", folderOf(request.kit.newFolder));
   if (command == Command::check) system = makePlatformForMaker(request.kit.bundle);
   if (!system) return complain(system.error().description(), ToolStatus::noInput);
   const int status = runTool(request, **system, {std::cin, std::cout, std::cerr});
