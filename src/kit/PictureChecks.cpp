@@ -84,6 +84,21 @@ bool isWhereResourcesLie(const std::string& path) {
          (deletingLastPathComponent(folder) == resourcesFolder && pathExtension(folder) == "lproj");
 }
 
+/// The picture of the same name that comes first: types are looked for one after the other, each in all languages.
+std::string preferredTo(const InspectedBundle& bundle, const std::string& path) {
+  const auto [name, type] = pictureName(path);
+  const std::string folder = deletingLastPathComponent(path);
+  const std::string english = InspectedBundle::localized("en", "");
+  for (const std::string_view preferred : pictureTypes) {
+    if (preferred == type) break;
+    for (const std::string& place : {folder, english, std::string(resourcesFolder)}) {
+      std::string other = joinPath(place, name + "." + std::string(preferred));
+      if (bundle.item(other) != nullptr) return other.substr(resourcesFolder.size() + 1);
+    }
+  }
+  return {};
+}
+
 void checkItem(const InspectedBundle& bundle, const TreeItem& item, Findings& findings) {
   const auto [name, type] = pictureName(item.path);
   constexpr std::string_view twice = "@2x";
@@ -95,12 +110,8 @@ void checkItem(const InspectedBundle& bundle, const TreeItem& item, Findings& fi
   const bool isWanted = wanted != wantedPictures.end();
   if (isAmong(pictureTypes, type)) {
     checkPictureFile(bundle, item, isWanted ? wanted : nullptr, findings);
-    for (const std::string_view preferred : pictureTypes) {
-      if (preferred == type) break;
-      const std::string other = name + "." + std::string(preferred);
-      if (bundle.item(joinPath(deletingLastPathComponent(item.path), other)) == nullptr) continue;
-      return findings.add("pictures.hidden-by", {.file = item.path}, {other});
-    }
+    const std::string other = preferredTo(bundle, item.path);
+    if (!other.empty()) findings.add("pictures.hidden-by", {.file = item.path}, {other});
   } else if (isWanted && isAmong(otherPictureTypes, type)) {
     findings.add("pictures.type", {.file = item.path}, {type});
   }

@@ -155,6 +155,8 @@ const std::vector<Mistake>& resourceMistakes() {
       {"pictures.shape", resources + "DotBlue.tiff", "12 by 12",
        [](Of b) { b.write("DotBlue.tiff", greyPicture(48, 24)); }},
       {"pictures.at-2x", resources + "Product@2x.png", "Product.png", [](Of b) { b.write("Product@2x.png", "png"); }},
+      {"pictures.hidden-by", german + "Installer.png", "one of the two",
+       [](Of b) { b.write("de.lproj/Installer.png", b.read("Caution.png")); }},
       {"pictures.hidden-by", resources + "Caution.png", "one of the two",
        [](Of b) { b.write("Caution.icns", b.read("Installer.icns")); }},
 
