@@ -101,11 +101,15 @@ class Tool {
       streams_.output << onOneLine(request_.kit.newFolder + " is ready: see its Read Me.txt") << '\n';
       return ToolStatus::success;
     }
-    streams_.errors << onOneLine(request_.kit.newFolder + ": " + made.error().reason()) << '\n';
+    streams_.errors << onOneLine("InstallerTool: " + request_.kit.newFolder + ": " + made.error().reason()) << '\n';
     return ToolStatus::cannotCreate;
   }
 
   ToolStatus check() {
+    if (!platform_.files.exists(platform_.bundles.mainBundle().resourcePath())) {
+      streams_.errors << onOneLine("InstallerTool: " + request_.kit.bundle + " is no installer's bundle") << '\n';
+      return ToolStatus::noInput;
+    }
     const std::vector<Finding> findings = checkBundle(platform_);
     if (request_.isJson) {
       streams_.output << findingsJson(findings, request_.kit.bundle);

@@ -56,6 +56,7 @@ TEST_F(ToolProgramTest, EndsWithTheStatusesThatScriptsRelyOn) {
 TEST_F(ToolProgramTest, ChecksBundlesForTheirMakers) {
   EXPECT_EQ(tool("check"), 64);
   EXPECT_EQ(tool("check /nowhere"), 66);
+  EXPECT_EQ(tool("check '" + folder_.path().string() + "'"), 66) << "no bundle";
   const std::string check = "check '" + (folder_.path() / "product.app").string() + "'";
   fs::copy(bundle_, folder_.path() / "product.app", fs::copy_options::recursive | fs::copy_options::copy_symlinks);
   fs::remove(folder_.path() / "product.app/Contents/Resources/fr.lproj/license.txt");
