@@ -122,7 +122,7 @@ class PayloadCheck {
     std::string_view right = part;
     if (isType("lrplugin") || isType("lrtemplate")) {
       right = "LIGHTROOM";
-    } else if (isType("app")) {
+    } else if (isType("app") && deletingLastPathComponent(path) == joinPath(folder_, part)) {  // no plug-in's helper
       right = "HD/Applications";
     } else if ((isType("plugin") || isType("8bf")) && !isInPlugInFolder(path, part)) {
       right = "PHOTOSHOP_PLUGINS";

@@ -22,14 +22,24 @@ std::uint32_t numberAt(std::string_view bytes, std::size_t offset, std::size_t l
   return number;
 }
 
+using CheckSums = std::array<std::uint32_t, 256>;
+
+constexpr CheckSums makeCheckSums() {
+  constexpr std::uint32_t polynomial = 0xEDB88320;
+  CheckSums sums{};
+  for (std::uint32_t byte = 0; byte < sums.size(); ++byte) {
+    std::uint32_t sum = byte;
+    for (int bit = 0; bit < 8; ++bit) sum = (sum >> 1U) ^ ((sum & 1U) != 0 ? polynomial : 0);
+    sums[byte] = sum;
+  }
+  return sums;
+}
+
 /// The check sum of a chunk of a PNG file.
 std::uint32_t checkSum(std::string_view bytes) {
-  constexpr std::uint32_t polynomial = 0xEDB88320;
+  constexpr CheckSums sums = makeCheckSums();
   std::uint32_t sum = 0xFFFFFFFF;
-  for (const char byte : bytes) {
-    sum ^= static_cast<unsigned char>(byte);
-    for (int bit = 0; bit < 8; ++bit) sum = (sum >> 1U) ^ ((sum & 1U) != 0 ? polynomial : 0);
-  }
+  for (const char byte : bytes) sum = (sum >> 8U) ^ sums[(sum ^ static_cast<unsigned char>(byte)) & 0xFFU];
   return ~sum;
 }
 

@@ -57,7 +57,17 @@ class ProgramCheck {
     }
     const std::string list = joinPath(item.path, "Contents/Info.plist");
     checkExecutable(item, info, type == "app");
-    checkVersion(list, entryOf(info, "CFBundleVersion").text());
+    if (!isPartOfOther(item.path)) checkVersion(list, entryOf(info, "CFBundleVersion").text());
+  }
+
+  /// Whether the bundle lies in another one, with which it is replaced.
+  [[nodiscard]] bool isPartOfOther(const std::string& path) const {
+    for (std::string at = deletingLastPathComponent(path); at.size() > bundle_.payloadFolder().size();
+         at = deletingLastPathComponent(at)) {
+      const TreeItem* const holder = bundle_.item(at);
+      if (holder != nullptr && holder->isPackage) return true;
+    }
+    return false;
   }
 
   void checkExecutable(const TreeItem& item, const Value& info, bool isNeeded) {

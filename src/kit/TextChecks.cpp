@@ -78,13 +78,14 @@ void checkEach(const InspectedBundle& bundle, std::string_view name, std::string
                const Check& check) {
   const std::string id(idWhenMissing);
   const bool isAnywhere = hasFallback(bundle, name);
+  const bool isForAll = bundle.item(joinPath(resourcesFolder, name)) != nullptr;
   if (!isAnywhere) findings.add(id + "-missing", {.file = InspectedBundle::localized("en", name)}, {name});
   for (const std::string& language : bundle.languages()) {
     const std::string file = InspectedBundle::localized(language, name);
     const auto bytes = bundle.read(file);
     if (bytes) {
       check(file, *bytes);
-    } else if (isAnywhere && language != "en") {
+    } else if (isAnywhere && !isForAll && language != "en") {
       findings.add(id + "-untranslated", {.file = file}, {name, language});
     }
   }

@@ -45,6 +45,21 @@ void expectFound(const std::vector<Mistake>& mistakes) {
 TEST(CheckTest, FindsEachMistakeInResourcesAndNothingElse) { expectFound(resourceMistakes()); }
 TEST(CheckTest, FindsEachMistakeInThePayloadAndNothingElse) { expectFound(payloadMistakes()); }
 
+/// What looks like a mistake and is none.
+TEST(CheckTest, LeavesDeliberateChoicesAlone) {
+  const MadeBundle bundle;
+  for (const char* const language : {"de", "en"}) bundle.remove(std::string(language) + ".lproj/license.txt");
+  bundle.write("license.txt", "One licence for all languages");
+  makeBundle(bundle.payload("PHOTOSHOP_PLUGINS/Tools/Helper.app"),
+             {{"CFBundleExecutable", "run"}, {"CFBundleVersion", "3.1.2"}});
+  bundle.write("files/PHOTOSHOP_PLUGINS/Tools/Helper.app/Contents/MacOS/run", "#!/bin/sh\n");
+  makeBundle(bundle.payload("PHOTOSHOP_PLUGINS/Tools/Helper.app/Contents/PlugIns/Other.bundle"),
+             {{"CFBundleVersion", "1.4b"}});
+  bundle.write("files/HD/Applications/Studio.app/Contents/Resources/.hidden", "");
+  bundle.write("de.lproj/installer.strings", "copyright = '2026';");
+  EXPECT_EQ(shown(bundle.findings()), "");
+}
+
 TEST(CheckTest, TellsTheMostSeriousOnesFirst) {
   const MadeBundle bundle;
   bundle.write("files/PHOTOSHOP/.hidden", "");

@@ -51,8 +51,7 @@ MadeBundle::MadeBundle() {
   fs::copy_file(sample / "Info.plist", at("../Info.plist"));
   for (const auto& entry : fs::directory_iterator(sample / "Resources")) {
     const std::string name = entry.path().filename();
-    const bool isOtherLanguage =
-        name.ends_with(".lproj") && name != "en.lproj" && name != "de.lproj" && name != "ar.lproj";
+    const bool isOtherLanguage = name.ends_with(".lproj") && name != "en.lproj" && name != "de.lproj";
     if (name != "files" && !isOtherLanguage) fs::copy(entry.path(), at(name), all);
   }
   write("../MacOS/Installer", "program");

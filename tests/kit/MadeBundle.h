@@ -18,7 +18,7 @@ struct MadeMachO {
 };
 [[nodiscard]] std::string machO(const MadeMachO& made);
 
-/// An installer's bundle in a temporary folder: resources of the sample in three languages, and a small payload of
+/// An installer's bundle in a temporary folder: resources of the sample in two languages, and a small payload of
 /// every kind. Nothing is wrong with it at first. Paths are relative to Contents/Resources, or begin with "..".
 class MadeBundle {
  public:
