@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
 
 #include "foundation/Text.h"
+#include "platform/posix/FileDescriptor.h"
 #include "platform/propertylist/PropertyList.h"
 #include "support/TestMachine.h"
 
@@ -53,6 +56,10 @@ class MakersCommandsTest : public testing::Test {
 
 TEST_F(MakersCommandsTest, PreviewPicturesEveryPage) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs root: the pictures are of a real install";
+  // In its turn with the wizard's tests, whoever runs them: they would see the applications that run here.
+  const FileDescriptor turn(
+      ::open((fs::temp_directory_path() / "installer-wizard-tests").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+  ASSERT_EQ(::flock(turn.get(), LOCK_EX), 0);
   movePayloadOut();
   configure({{"aperture_page", "yes"}, {"product_name", "Grün/Blau"}});
   ASSERT_EQ(tool("preview 'My Installer.app' --pictures pages --hosts 2 --language de --appearance dark"), 0)
