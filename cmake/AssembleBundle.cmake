@@ -26,5 +26,7 @@ foreach(application IN LISTS APPLICATIONS)
   configure_file(${STAND_IN} "${fresh}/Contents/${application}/Contents/MacOS/${name}" COPYONLY)
 endforeach()
 
+execute_process(COMMAND ${PYTHON} ${MAKE_PAYLOAD} ${fresh}/Contents COMMAND_ERROR_IS_FATAL ANY)
+
 file(REMOVE_RECURSE ${BUNDLE})
 file(RENAME ${fresh} ${BUNDLE})

@@ -76,6 +76,15 @@ TEST_F(MakersCommandsTest, PreviewPicturesEveryPage) {
   EXPECT_FALSE(fs::exists(bundle_ / "Contents/Resources/files")) << "the bundle is left alone";
 }
 
+TEST_F(MakersCommandsTest, TheSampleIsAsABundleShouldBe) {
+  EXPECT_EQ(tool("check '" INSTALLER_BUNDLE "'"), 0) << readFile(output_);
+  const fs::path plugIn =
+      "Contents/Resources/files/PHOTOSHOP_PLUGINS/Corvane/Dunmore 3.plugin/Contents/MacOS/Dunmore 3";
+  fs::resize_file(bundle_ / plugIn, fs::file_size(bundle_ / plugIn) / 2);
+  EXPECT_EQ(tool("check 'My Installer.app'"), 1) << "half a program";
+  EXPECT_TRUE(says("Dunmore 3.plugin/Contents/MacOS/Dunmore 3")) << readFile(output_);
+}
+
 TEST_F(MakersCommandsTest, PreviewTellsWhatItLacks) {
   EXPECT_EQ(tool("preview"), 64);
   EXPECT_EQ(tool("preview 'My Installer.app' --hosts 4"), 64);
