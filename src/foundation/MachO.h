@@ -19,7 +19,7 @@ inline constexpr std::size_t machOHeaderBytes = 4096;
 struct MachOPart {
   std::string architecture;
   std::string minimumSystem = {};  ///< "11.0"; empty where the file does not say
-  bool isSigned = false;      ///< holds a signature, be it one that names nobody
+  bool isSigned = false;           ///< holds a signature, be it one that names nobody
 };
 
 /// The parts of a Mac executable, from all of its bytes; nothing when they are not those of one. Damage inside a part

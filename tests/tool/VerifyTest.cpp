@@ -3,11 +3,11 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include "foundation/MachO.h"
 #include "hosts/HostsModel.h"
 #include "install/InstallFilesController.h"
 #include "support/TestMachine.h"
 #include "tool/HostSurvey.h"
-#include "foundation/MachO.h"
 #include "tool/PlanReport.h"
 #include "tool/VerifyReport.h"
 
