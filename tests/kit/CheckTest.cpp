@@ -4,8 +4,10 @@
 #include <string>
 
 #include "foundation/Text.h"
+#include "kit/CheckBundle.h"
 #include "kit/FileNames.h"
 #include "kit/MadeBundle.h"
+#include "platform/SystemPlatform.h"
 
 namespace {
 
@@ -26,7 +28,11 @@ std::string shown(const std::vector<Finding>& findings) {
   return text;
 }
 
-TEST(CheckTest, FindsNothingInACorrectBundle) { EXPECT_EQ(shown(MadeBundle().findings()), ""); }
+TEST(CheckTest, FindsNothingInACorrectBundle) {
+  EXPECT_EQ(shown(MadeBundle().findings()), "");
+  const auto sample = makePlatformForMaker(INSTALLER_BUNDLE);
+  EXPECT_EQ(shown(checkBundle((*sample)->platform())), "") << "of the sample";
+}
 
 void expectFound(const std::vector<Mistake>& mistakes) {
   for (const Mistake& mistake : mistakes) {
