@@ -9,11 +9,7 @@ namespace {
 constexpr std::uint32_t installedMode = 0775;
 
 bool createFolderForUser(Platform& platform, PrivilegedTools& tools, const std::string& path) {
-  if (platform.files.createDirectory(path, installedMode)) {
-    setAttributesRecursive(platform, path,
-                           {.owner = platform.user.shortName(), .group = "admin", .permissions = installedMode});
-    return giveToUser(platform, tools, path);
-  }
+  if (platform.files.createDirectory(path, installedMode)) return giveToUser(platform, tools, path);
   return tools.runWithoutOutput("/bin/mkdir", {"-m775", "-p", path}) &&
          tools.runWithoutOutput("/usr/sbin/chown", {"-R", tools.ownerText(), path});
 }

@@ -48,6 +48,7 @@ struct WalkedItem {
 struct FolderContents {
   std::vector<WalkedItem> visible;
   std::vector<std::string> hidden;  ///< paths
+  std::vector<Error> unreadable;    ///< folders of which cannot be told whether they are packages
 };
 
 /// An item of a tree with what a maker of bundles can get wrong about it.
@@ -192,7 +193,8 @@ class FileSystem {
   /// change when the folder exists. A failure may leave some parents behind.
   virtual Status createDirectory(const std::string& path, std::uint32_t permissions) = 0;
 
-  /// Sets attributes of the item itself, but not the permissions of a link. May set some and fail at another.
+  /// Sets attributes of the item; a link stays as it is. Root changes only what is the user's. May set some and fail at
+  /// another.
   virtual Status setAttributes(const std::string& path, const OwnershipAndMode& attributes) = 0;
 
   /// Removes the item with everything below it. Removes links, not their targets. Not atomic: a failure may leave part

@@ -14,6 +14,7 @@
 #include "platform/files/SystemCalls.h"
 #include "platform/files/TemporaryFile.h"
 #include "platform/files/TreeRemoval.h"
+#include "platform/files/UserFolder.h"
 
 namespace {
 
@@ -88,30 +89,30 @@ Status PosixFileSystem::createDirectory(const std::string& path, std::uint32_t p
     if (!open(path, folderToRead, Purpose::look)) return Error::posix(std::errc::file_exists, path);
     return {};
   }
-  const FileDescriptor made(::openat(folder, place->name.c_str(), folderToRead | O_NOFOLLOW));
-  if (!made) return systemError(errno, path);
-  if (const int error = handToUser(made.get(), folder)) return systemError(error, path);
-  if (::fchmod(made.get(), static_cast<mode_t>(permissions)) != 0) return systemError(errno, path);
+  const auto made = openNewFolder({folder, place->name.c_str(), path}, user_.account().id);
+  if (!made) return made.error();
+  if (const int error = handToUser(made->get(), folder)) return systemError(error, path);
+  if (::fchmod(made->get(), static_cast<mode_t>(permissions)) != 0) return systemError(errno, path);
   return {};
 }
 
 Status PosixFileSystem::setAttributes(const std::string& path, const OwnershipAndMode& attributes) {
   const auto place = volume_.find(path, LastLink::keep, Purpose::change);
   if (!place) return place.error();
-  const int folder = place->folder.get();
-  const char* const name = place->name.c_str();
+  const FileDescriptor item(
+      ::openat(place->folder.get(), place->name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  if (!item && errno == ELOOP) return {};
   struct stat status {};
-  if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return systemError(errno, path);
-  if (attributes.permissions && !S_ISLNK(status.st_mode)) {
-    const FileDescriptor item(::openat(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!item || ::fchmod(item.get(), static_cast<mode_t>(*attributes.permissions)) != 0)
-      return systemError(errno, path);
+  if (!item || ::fstat(item.get(), &status) != 0) return systemError(errno, path);
+  // Root gives nobody what is not theirs: the item may have been exchanged, or be a link to another's file.
+  if (::geteuid() == 0 && status.st_uid != user_.account().id) return systemError(EPERM, path);
+  if (attributes.permissions && ::fchmod(item.get(), static_cast<mode_t>(*attributes.permissions)) != 0) {
+    return systemError(errno, path);
   }
   const auto owner = attributes.owner ? userNumber(*attributes.owner) : std::optional(static_cast<uid_t>(-1));
   const auto group = attributes.group ? groupNumber(*attributes.group) : std::optional(static_cast<gid_t>(-1));
   if (!owner || !group) return Error::posix(std::errc::invalid_argument, path);
-  if (::fchownat(folder, name, *owner, *group, AT_SYMLINK_NOFOLLOW) != 0) return systemError(errno, path);
-  return {};
+  return systemStatus(::fchown(item.get(), *owner, *group) != 0 ? errno : 0, path);
 }
 
 Status PosixFileSystem::removeItem(const std::string& path) {

@@ -22,7 +22,7 @@ Result<FileDescriptor> open(const Volume::Spot& place) {
 
 Status makeWithOwnRights(const Volume::Spot& place, mode_t mode, const Ownership& ownership, Elevation& elevation) {
   if (::mkdirat(place.folder, place.name, 0700) != 0) return systemError(errno, place.resolved);
-  const auto made = open(place);
+  const auto made = openNewFolder(place, ownership.user);
   if (!made) return made.error();
   // Mode before owner: only members of the group can set the set-group-id bit, and chown keeps it.
   if (::fchmod(made->get(), mode) != 0) return systemError(errno, place.resolved);
@@ -41,6 +41,18 @@ Ownership usualOwnership(const Volume::Spot& place, const Ownership& ownership) 
 }
 
 }  // namespace
+
+Result<FileDescriptor> openNewFolder(const Volume::Spot& place, uid_t user) {
+  auto made = open(place);
+  if (!made) return made;
+  struct stat status {};
+  if (::fstat(made->get(), &status) != 0) return systemError(errno, place.resolved);
+  if (status.st_uid == user) return made;
+  const auto entries = listFolder(made->get());
+  const bool isNew = (status.st_mode & 0777U) == 0700 && entries && entries->empty();
+  if (!isNew) return systemError(EPERM, place.resolved);
+  return made;
+}
 
 Result<FileDescriptor> makeUserFolder(const Volume::Spot& place, mode_t mode, const Ownership& ownership,
                                       Elevation& elevation) {

@@ -12,6 +12,10 @@
 Result<FileDescriptor> makeUserFolder(const Volume::Spot& place, mode_t mode, const Ownership& ownership,
                                       Elevation& elevation);
 
+/// Opens a folder that this process has just created with mode 0700, for reading. Avoids a race: fails with
+/// operation_not_permitted when another folder has taken its place that is neither empty and as new nor the user's.
+Result<FileDescriptor> openNewFolder(const Volume::Spot& place, uid_t user);
+
 /// What a folder on the volume is to an item that goes there.
 enum class FolderRole { holdsItem, isAboveThat, leadsThere };
 

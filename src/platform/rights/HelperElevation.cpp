@@ -8,10 +8,10 @@
 
 #include <cerrno>
 
-#include "platform/files/FolderListing.h"
 #include "platform/files/Moves.h"
 #include "platform/files/SystemCalls.h"
 #include "platform/files/TreeRemoval.h"
+#include "platform/files/UserFolder.h"
 #include "platform/rights/OwnItems.h"
 
 namespace {
@@ -32,16 +32,11 @@ Status HelperElevation::makeFolder(const Volume::Spot& place, mode_t mode) {
     return systemStatus(::mkdirat(folder, name, 0755) != 0 ? errno : 0, place.resolved);
   }
   if (::mkdirat(folder, name, 0700) != 0) return systemError(errno, place.resolved);
-  const FileDescriptor made(::openat(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-  struct stat status {};
-  if (!made || ::fstat(made.get(), &status) != 0) return systemError(errno, place.resolved);
-  // Avoids a race: another user may have replaced the folder. Hand over only an empty folder of root's.
-  const auto entries = listFolder(made.get());
-  const bool isTheOne = status.st_uid == 0 && (status.st_mode & 0777U) == 0700 && entries && entries->empty();
-  if (!isTheOne) return refuse(place);
+  const auto made = openNewFolder(place, ownership_.user);
+  if (!made) return made.error().is(std::errc::operation_not_permitted) ? refuse(place) : Status(made.error());
   // Mode before owner: afterwards the set-group-id bit could be set only for a group of the caller.
-  if (::fchmod(made.get(), mode) != 0) return systemError(errno, place.resolved);
-  return systemStatus(::fchown(made.get(), ownership_.user, ownership_.group) != 0 ? errno : 0, place.resolved);
+  if (::fchmod(made->get(), mode) != 0) return systemError(errno, place.resolved);
+  return systemStatus(::fchown(made->get(), ownership_.user, ownership_.group) != 0 ? errno : 0, place.resolved);
 }
 
 Status HelperElevation::move(const Volume::Spot& from, const Volume::Spot& to, Move how) {

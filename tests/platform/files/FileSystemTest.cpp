@@ -153,6 +153,26 @@ TEST_F(FileSystemTest, ChangesLinksNotTheirTargets) {
   EXPECT_FALSE(files_.setAttributes("/kept/file", {.owner = "no such user"}));
 }
 
+TEST_F(FileSystemTest, GivesNobodyWhatIsRoots) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs root";
+  const Volume volume(on("").string(), "");
+  constexpr unsigned nobody = 65534;
+  const PosixUser user({.id = nobody, .group = nobody, .name = "nobody", .home = "/"}, {"en"});
+  PosixFileSystem files(volume, user, [](const std::string&) { return false; });
+  const OwnershipAndMode wanted{.owner = "nobody", .permissions = 0775};
+  writeFile(on("/secret"), "");
+  ::chmod(on("/secret").c_str(), 0600);
+  fs::create_hard_link(on("/secret"), on("/planted"));
+  for (const char* const path : {"/secret", "/planted"}) {
+    EXPECT_FALSE(files.setAttributes(path, wanted)) << path;
+    EXPECT_EQ(modeOf(on(path)), "600") << path;
+    EXPECT_EQ(files.attributesOfItem(path)->owner.user, 0U) << path;
+  }
+  EXPECT_TRUE(files.createDirectory("/made", 0755));
+  EXPECT_TRUE(files.setAttributes("/made", wanted)) << "the user's own";
+  EXPECT_EQ(modeOf(on("/made")), "775");
+}
+
 TEST_F(FileSystemTest, NeverLeavesTheVolume) {
   const fs::path outside = on("").parent_path() / "outside";
   writeFile(outside / "secret", "outside");
