@@ -72,6 +72,10 @@ std::vector<ProductFolder> Payload::productFolders(PayloadPart& part) const {
     noteUnreadable(part, entries.error(), makers);
     return folders;
   }
+  const auto noteAll = [&](const std::vector<Error>& errors) {
+    for (const Error& error : errors) noteUnreadable(part, error, makers);
+  };
+  noteAll(entries->unreadable);
   for (const WalkedItem& product : entries->visible) {
     if (product.isPackage || product.type != ItemType::folder) continue;
     auto content = platform_.files.entriesOf(product.path);
@@ -79,6 +83,7 @@ std::vector<ProductFolder> Payload::productFolders(PayloadPart& part) const {
       noteUnreadable(part, content.error(), makers);
       continue;
     }
+    noteAll(content->unreadable);
     ProductFolder folder{.path = product.path};
     for (WalkedItem& item : content->visible) {
       if (!item.isPackage) folder.items.push_back(std::move(item));

@@ -25,6 +25,8 @@ class SystemCallTrial : public Trial {
     fs::permissions(payload / "HD/Applications/Studio.app/Contents/MacOS/Studio", fs::perms(0755));
     writeFile(payload / "HD/Library/Application Support/Corvane/Dunmore 3/Presets/a", "new");
     writeFile(payload / "HD/Library/Application Support/Corvane/Dunmore 3/b", "new");
+    makeBundle(payload / "HD/Library/Application Support/Corvane/Known by its layout.filter",
+               {{"CFBundleVersion", "2"}});
     makeBundle(payload / "PHOTOSHOP_PLUGINS/Corvane/Filter.plugin", {{"CFBundleVersion", "2"}});
     layOut();
     ASSERT_TRUE(claimsSuccess(run(Who::root)));
@@ -52,7 +54,8 @@ class SystemCallTrial : public Trial {
   [[nodiscard]] Digests digests() const {
     Digests digests;
     for (const std::string path :
-         {"Applications/Studio.app", "Applications/Adobe Photoshop CS6/Plug-Ins/Corvane/Filter.plugin",
+         {"Applications/Studio.app", "Library/Application Support/Corvane/Known by its layout.filter",
+          "Applications/Adobe Photoshop CS6/Plug-Ins/Corvane/Filter.plugin",
           "Library/Application Support/Corvane/Dunmore 3/b", "Library/Application Support/Corvane/Dunmore 3/Presets",
           "Library/Application Support/Corvane/Dunmore 3 Installer.log"}) {
       digests[path] = digestOf(volume_ / path, true);

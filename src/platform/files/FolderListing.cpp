@@ -56,7 +56,11 @@ Result<std::vector<FolderEntry>> listFolder(int folder, Order order) {
     if (entry == nullptr) break;
     const std::string_view name = entry->d_name;
     if (name == "." || name == "..") continue;
-    if (const auto type = entryType(folder, *entry)) entries.push_back({std::string(name), *type});
+    if (const auto type = entryType(folder, *entry)) {
+      entries.push_back({std::string(name), *type});
+    } else if (errno != ENOENT) {
+      return systemError(errno, "");
+    }
   }
   if (errno != 0) return systemError(errno, "");
   if (order == Order::byName) std::ranges::sort(entries, {}, &FolderEntry::name);

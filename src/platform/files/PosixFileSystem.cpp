@@ -27,14 +27,17 @@ constexpr std::array<std::string_view, 20> packageExtensions = {
     "kext",   "prefpane",    "saver",   "qlgenerator", "mdimporter",  "wdgt",     "workflow",
     "action", "colorpicker", "service", "xpc",         "appex",       "8bf"};
 
-/// Whether the folder is a package: by its extension, or because it has one and is laid out as a bundle.
-bool isPackage(int parent, const std::string& name) {
+/// Whether the folder is a package: by its extension, or because it has one and is laid out as a bundle. Fails when
+/// that cannot be told.
+Result<bool> isPackage(int parent, const std::string& name) {
   const std::string_view extension = pathExtension(name);
   if (extension.empty()) return false;
   if (std::ranges::any_of(packageExtensions, [&](auto known) { return equalIgnoringCase(known, extension); })) {
     return true;
   }
-  return ::faccessat(parent, joinPath(name, "Contents/Info.plist").c_str(), F_OK, 0) == 0;
+  if (::faccessat(parent, joinPath(name, "Contents/Info.plist").c_str(), F_OK, 0) == 0) return true;
+  if (errno != ENOENT && errno != ENOTDIR) return systemError(errno, name);
+  return false;
 }
 
 bool isHidden(std::string_view name) { return name.starts_with('.'); }
@@ -55,9 +58,14 @@ Result<FolderContents> contentsOf(int folder, const std::string& path) {
       contents.hidden.push_back(joinPath(path, entry.name));
       continue;
     }
+    const Result<bool> package = entry.type == ItemType::folder ? isPackage(folder, entry.name) : false;
+    if (!package) {
+      contents.unreadable.push_back(systemError(package.error().code, joinPath(path, entry.name)));
+      continue;
+    }
     contents.visible.push_back({.path = joinPath(path, entry.name),
                                 .type = entry.type,
-                                .isPackage = entry.type == ItemType::folder && isPackage(folder, entry.name),
+                                .isPackage = *package,
                                 .size = sizeOfFile(folder, entry)});
   }
   return contents;
@@ -69,6 +77,7 @@ void walkFolder(int folder, const std::string& path, const WalkHandlers& handler
   for (const std::string& hidden : contents->hidden) {
     if (handlers.hidden) handlers.hidden(hidden);
   }
+  for (const Error& error : contents->unreadable) handlers.unreadable(error);
   for (const WalkedItem& item : contents->visible) {
     handlers.visit(item);
     if (item.type != ItemType::folder || item.isPackage) continue;
@@ -97,7 +106,7 @@ void listTree(int folder, const std::string& path, std::vector<TreeItem>& items)
     const bool isFolder = type == ItemType::folder;
     items.push_back({.path = joinPath(path, name),
                      .type = type,
-                     .isPackage = isFolder && isPackage(folder, name),
+                     .isPackage = isFolder && isPackage(folder, name).valueOr(false),
                      .size = type == ItemType::regularFile ? static_cast<std::uint64_t>(status.st_size) : 0,
                      .permissions = status.st_mode & 07777U,
                      .link = readLink(folder, name).value_or("")});
@@ -207,6 +216,7 @@ Result<FolderContents> PosixFileSystem::entriesOf(const std::string& folder) con
   if (!opened) return opened.error();
   auto contents = contentsOf(opened->get(), folder);
   if (!contents) return noted(contents.error(), folder);
+  for (const Error& error : contents->unreadable) noted(error, error.subject);
   return contents;
 }
 
