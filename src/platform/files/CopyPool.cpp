@@ -33,6 +33,7 @@ struct CopyPool::Item {
 
   Request request;
   std::atomic<bool> hasFailed = false;
+  std::atomic<bool> lacksMemory = false;
   std::atomic<std::size_t> parts = 1;  ///< jobs and folders that are not finished; the item is done at 0
   std::mutex mutex;
   Outcome outcome;
@@ -48,8 +49,12 @@ struct CopyPool::Folder {
   Folder(const Folder&) = delete;
   Folder& operator=(const Folder&) = delete;
   ~Folder() {
-    if (!item->hasFailed) {
-      item->note(copyAttributes(source.get(), target.get(), item->request.attributes), item->request.sourceName);
+    try {
+      if (!item->hasFailed) {
+        item->note(copyAttributes(source.get(), target.get(), item->request.attributes), item->request.sourceName);
+      }
+    } catch (const std::bad_alloc&) {
+      item->lacksMemory = item->hasFailed = true;  // telling of it needs memory, too
     }
     --item->parts;
   }
@@ -231,7 +236,9 @@ bool CopyPool::waitFor(std::size_t item, std::chrono::milliseconds limit) {
 
 CopyPool::Outcome CopyPool::takeOutcome(std::size_t item) {
   const std::lock_guard guard(mutex_);
-  return std::move(std::exchange(items_[item], nullptr)->outcome);
+  const std::shared_ptr<Item> finished = std::exchange(items_[item], nullptr);
+  if (finished->lacksMemory) finished->note({ENOMEM, 0}, finished->request.sourceName);
+  return std::move(finished->outcome);
 }
 
 void CopyPool::cancel() {
