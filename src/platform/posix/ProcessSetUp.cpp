@@ -14,10 +14,11 @@
 #include "foundation/Path.h"
 
 void setUpProcess() {
-  // A standard descriptor that came closed would be given to the next file that is opened.
+  // A standard descriptor that came closed would be given to the next file that is opened. Writing to an output that
+  // came closed fails.
   int descriptor = 0;
   do {
-    descriptor = ::open("/dev/null", O_RDWR);
+    descriptor = ::open("/dev/null", O_RDONLY);
   } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
   if (descriptor > STDERR_FILENO) ::close(descriptor);
   // Nobody reading our output, or a limit on the size of files, is an error like any other and not the end of an
