@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QDialogButtonBox>
+#include <QFrame>
 #include <QPainter>
 #include <QPainterPath>
 #include <QStyleOption>
@@ -132,8 +133,15 @@ void drawPieceOfRow(QPainter& painter, const QStyleOption& option) {
   if (option.state.testFlag(QStyle::State_Selected)) painter.fillRect(option.rect, selectionIn(option));
 }
 
-void drawScrollBar(QPainter& painter, const QStyleOptionSlider& bar, const QRect& slider) {
-  painter.fillRect(bar.rect, bar.palette.color(QPalette::Base));
+/// What is behind the scroll bar: a view with a quiet frame lets the window through.
+QPalette::ColorRole groundOf(const QWidget* bar) {
+  const QWidget* const holder = bar != nullptr ? bar->parentWidget() : nullptr;
+  const auto* const view = holder != nullptr ? qobject_cast<const QFrame*>(holder->parentWidget()) : nullptr;
+  return view != nullptr && view->frameShape() == QFrame::Panel ? QPalette::Window : QPalette::Base;
+}
+
+void drawScrollBar(QPainter& painter, const QStyleOptionSlider& bar, const QRect& slider, const QWidget* widget) {
+  painter.fillRect(bar.rect, bar.palette.color(groundOf(widget)));
   if (bar.minimum == bar.maximum) return;
   const bool isHeld = bar.state.testFlag(QStyle::State_Sunken) || bar.state.testFlag(QStyle::State_MouseOver);
   painter.setRenderHint(QPainter::Antialiasing);
@@ -247,7 +255,7 @@ void QtStyle::drawComplexControl(ComplexControl control, const QStyleOptionCompl
     return;
   }
   painter->save();
-  drawScrollBar(*painter, *bar, sliderOf(*bar));
+  drawScrollBar(*painter, *bar, sliderOf(*bar), widget);
   painter->restore();
 }
 
