@@ -3,6 +3,7 @@
 #include "platform/linux/LinuxPlatform.h"
 
 #include <dlfcn.h>
+#include <malloc.h>
 
 #include <utility>
 
@@ -85,6 +86,8 @@ std::string LinuxPlatform::shownPath(const std::string& path) const { return joi
 
 Result<std::unique_ptr<SystemPlatform>> makeSystemPlatform(const std::string& target, Surface surface) {
   setUpProcess();
+  // Large lists are returned to the system when they are done with: the C library would keep them from the second on.
+  static_cast<void>(::mallopt(M_MMAP_THRESHOLD, 128 * 1024));
   auto user = loggedInUser();
   if (!user) return user.error();
   const auto bundle = bundleOfOwnProgram("/proc/self/exe");
