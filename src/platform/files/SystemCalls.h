@@ -40,6 +40,16 @@
 /// thing.
 Result<std::map<std::string, std::string>> extendedAttributes(int item);
 
+// Single extended attributes of an open item, for the two above. Reading gives the length, or -1 and errno; a size of 0
+// asks for the length only.
+
+[[nodiscard]] ssize_t listAttributes(int item, char* names, std::size_t size);
+[[nodiscard]] ssize_t readAttribute(int item, const char* name, char* value, std::size_t size);
+[[nodiscard]] int writeAttribute(int item, const char* name, const char* value, std::size_t size);
+
+/// Whether the attribute belongs to the content of an item, and not to the system.
+[[nodiscard]] bool isOfContent(std::string_view attribute);
+
 /// Exchanges two items in one step. See isMissingOperation().
 [[nodiscard]] int exchangeItems(int folder, const char* name, int otherFolder, const char* otherName);
 

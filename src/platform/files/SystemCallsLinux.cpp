@@ -81,43 +81,19 @@ int copyFileRange(int source, int target, std::int64_t offset, std::int64_t leng
   return error;
 }
 
-Result<std::map<std::string, std::string>> extendedAttributes(int item) {
-  std::string names(4096, '\0');
-  ssize_t length = ::flistxattr(item, names.data(), names.size());
-  if (length < 0 && errno == ERANGE) {
-    length = ::flistxattr(item, nullptr, 0);
-    if (length < 0) return systemError(errno, "");
-    names.resize(static_cast<std::size_t>(length));
-    length = ::flistxattr(item, names.data(), names.size());
-  }
-  std::map<std::string, std::string> attributes;
-  if (length < 0 && errno == ENOTSUP) return attributes;
-  if (length < 0) return systemError(errno, "");
-  names.resize(static_cast<std::size_t>(length));
-  for (std::string_view rest = names; !rest.empty();) {
-    const std::string name(rest.substr(0, rest.find('\0')));
-    rest.remove_prefix(std::min(name.size() + 1, rest.size()));
-    // The other namespaces belong to this system (labels, access control) and not to the file's content.
-    if (!name.starts_with("user.") && !name.starts_with("com.apple.")) continue;
-    const ssize_t size = ::fgetxattr(item, name.c_str(), nullptr, 0);
-    if (size < 0) return systemError(errno, "");
-    std::string value(static_cast<std::size_t>(size), '\0');
-    const ssize_t got = ::fgetxattr(item, name.c_str(), value.data(), value.size());
-    if (got < 0) return systemError(errno, "");
-    value.resize(static_cast<std::size_t>(got));
-    attributes.emplace(name, std::move(value));
-  }
-  return attributes;
+ssize_t listAttributes(int item, char* names, std::size_t size) { return ::flistxattr(item, names, size); }
+
+ssize_t readAttribute(int item, const char* name, char* value, std::size_t size) {
+  return ::fgetxattr(item, name, value, size);
 }
 
-int copyExtendedAttributes(int source, int target, bool losesQuarantine) {
-  const auto attributes = extendedAttributes(source);
-  if (!attributes) return attributes.error().code;
-  for (const auto& [name, value] : *attributes) {
-    if (losesQuarantine && name.ends_with("com.apple.quarantine")) continue;
-    if (::fsetxattr(target, name.c_str(), value.data(), value.size(), 0) != 0) return errno == ENOTSUP ? 0 : errno;
-  }
-  return 0;
+int writeAttribute(int item, const char* name, const char* value, std::size_t size) {
+  return ::fsetxattr(item, name, value, size, 0) != 0 ? errno : 0;
+}
+
+bool isOfContent(std::string_view attribute) {
+  // The other namespaces belong to this system (labels, access control).
+  return attribute.starts_with("user.") || attribute.starts_with("com.apple.");
 }
 
 int exchangeItems(int folder, const char* name, int otherFolder, const char* otherName) {

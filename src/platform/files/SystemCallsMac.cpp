@@ -21,13 +21,6 @@ namespace {
 
 constexpr const char* quarantineMark = "com.apple.quarantine";
 
-/// Whether the system keeps the attribute itself, for each item anew.
-bool isSystemsOwn(std::string_view name) {
-  constexpr std::array<std::string_view, 4> own = {"com.apple.macl", "com.apple.provenance", "com.apple.rootless",
-                                                   "com.apple.system.Security"};
-  return std::ranges::find(own, name) != own.end();
-}
-
 bool isUnsupported(int error) { return error == ENOTSUP || error == EOPNOTSUPP; }
 
 }  // namespace
@@ -55,40 +48,21 @@ int copyFileRange(int source, int target, std::int64_t offset, std::int64_t leng
   return copyByHand(source, target, offset, length);
 }
 
-Result<std::map<std::string, std::string>> extendedAttributes(int item) {
-  std::map<std::string, std::string> attributes;
-  const ssize_t length = ::flistxattr(item, nullptr, 0, 0);
-  if (length < 0 && isUnsupported(errno)) return attributes;
-  if (length < 0) return systemError(errno, "");
-  std::string names(static_cast<std::size_t>(length), '\0');
-  const ssize_t got = ::flistxattr(item, names.data(), names.size(), 0);
-  if (got < 0) return systemError(errno, "");
-  names.resize(static_cast<std::size_t>(got));
-  for (std::string_view rest = names; !rest.empty();) {
-    const std::string name(rest.substr(0, rest.find('\0')));
-    rest.remove_prefix(std::min(name.size() + 1, rest.size()));
-    if (isSystemsOwn(name)) continue;
-    const ssize_t size = ::fgetxattr(item, name.c_str(), nullptr, 0, 0, 0);
-    if (size < 0) return systemError(errno, "");
-    std::string value(static_cast<std::size_t>(size), '\0');
-    const ssize_t read = ::fgetxattr(item, name.c_str(), value.data(), value.size(), 0, 0);
-    if (read < 0) return systemError(errno, "");
-    value.resize(static_cast<std::size_t>(read));
-    attributes.emplace(name, std::move(value));
-  }
-  return attributes;
+ssize_t listAttributes(int item, char* names, std::size_t size) { return ::flistxattr(item, names, size, 0); }
+
+ssize_t readAttribute(int item, const char* name, char* value, std::size_t size) {
+  return ::fgetxattr(item, name, value, size, 0, 0);
 }
 
-int copyExtendedAttributes(int source, int target, bool losesQuarantine) {
-  const auto attributes = extendedAttributes(source);
-  if (!attributes) return attributes.error().code;
-  for (const auto& [name, value] : *attributes) {
-    if (losesQuarantine && name == quarantineMark) continue;
-    if (::fsetxattr(target, name.c_str(), value.data(), value.size(), 0, 0) != 0) {
-      return isUnsupported(errno) ? 0 : errno;
-    }
-  }
-  return 0;
+int writeAttribute(int item, const char* name, const char* value, std::size_t size) {
+  return ::fsetxattr(item, name, value, size, 0, 0) != 0 ? errno : 0;
+}
+
+bool isOfContent(std::string_view attribute) {
+  // The system keeps these itself, for each item anew.
+  constexpr std::array<std::string_view, 4> own = {"com.apple.macl", "com.apple.provenance", "com.apple.rootless",
+                                                   "com.apple.system.Security"};
+  return std::ranges::find(own, attribute) == own.end();
 }
 
 int exchangeItems(int folder, const char* name, int otherFolder, const char* otherName) {
