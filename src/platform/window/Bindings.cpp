@@ -2,6 +2,8 @@
 
 #include "platform/window/Bindings.h"
 
+#include <algorithm>
+#include <cmath>
 #include <exception>
 #include <utility>
 
@@ -22,6 +24,40 @@ bool mayWait(std::string_view property) {
 }
 
 }  // namespace
+
+std::optional<std::string> plainText(const ShownValue& value) {
+  if (const auto* const text = std::get_if<std::string>(&value)) return *text;
+  if (const auto* const text = std::get_if<RichText>(&value)) return text->string();
+  if (std::holds_alternative<std::monostate>(value)) return std::string();
+  return std::nullopt;
+}
+
+ShowValue showFlag(std::function<void(bool)> set) {
+  return [set = std::move(set)](const ShownValue& value) {
+    const auto* const flag = std::get_if<bool>(&value);
+    if (flag != nullptr) set(*flag);
+    return flag != nullptr;
+  };
+}
+
+ShowValue showPicture(std::function<void(const Picture&)> set) {
+  return [set = std::move(set)](const ShownValue& value) {
+    const auto* const picture = std::get_if<Picture>(&value);
+    if (picture == nullptr && !std::holds_alternative<std::monostate>(value)) return false;
+    set(picture != nullptr ? *picture : nullptr);
+    return true;
+  };
+}
+
+ShowValue showProgress(std::function<void(std::optional<double>)> set) {
+  return [set = std::move(set)](const ShownValue& value) {
+    const auto* const done = std::get_if<double>(&value);
+    if (done == nullptr && !std::holds_alternative<std::monostate>(value)) return false;
+    const bool isKnown = done != nullptr && std::isfinite(*done);
+    set(isKnown ? std::optional(std::clamp(*done, 0.0, 1.0)) : std::nullopt);
+    return true;
+  };
+}
 
 Bindings::Bindings(InterfaceOwner& owner, BindingServices services) : owner_(owner), services_(std::move(services)) {
   observe(owner_);

@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -33,6 +34,18 @@ class BoundControl {
 
 /// Shows a value in one control. False for a value that the control cannot show.
 using ShowValue = std::function<bool(const ShownValue& value)>;
+
+/// The value as plain text; nothing when it is of another kind.
+[[nodiscard]] std::optional<std::string> plainText(const ShownValue& value);
+
+/// Shows flags through `set`.
+[[nodiscard]] ShowValue showFlag(std::function<void(bool)> set);
+
+/// Shows pictures through `set`, and null for no value.
+[[nodiscard]] ShowValue showPicture(std::function<void(const Picture&)> set);
+
+/// Shows how much is done, from 0 to 1, through `set`. Nothing means that nobody knows how much there is to do.
+[[nodiscard]] ShowValue showProgress(std::function<void(std::optional<double>)> set);
 
 /// What the bindings of an interface need besides its owner.
 struct BindingServices {

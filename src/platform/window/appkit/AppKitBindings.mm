@@ -3,7 +3,6 @@
 #include "platform/window/appkit/AppKitBindings.h"
 
 #include <algorithm>
-#include <cmath>
 #include <optional>
 
 #include "platform/window/appkit/AppKitControls.h"
@@ -17,14 +16,6 @@ namespace {
 template <class Class>
 bool isA(id object) {
   return [object isKindOfClass:[Class class]];
-}
-
-/// The value as plain text; nothing when it is of another kind.
-std::optional<std::string> plainText(const ShownValue& value) {
-  if (const auto* const text = std::get_if<std::string>(&value)) return *text;
-  if (const auto* const text = std::get_if<RichText>(&value)) return text->string();
-  if (std::holds_alternative<std::monostate>(value)) return std::string();
-  return std::nullopt;
 }
 
 /// For what takes plain text.
@@ -75,15 +66,6 @@ ShowValue showText(id control) {
   return {};
 }
 
-template <class Set>
-ShowValue showFlag(Set set) {
-  return [set](const ShownValue& value) {
-    const auto* const flag = std::get_if<bool>(&value);
-    if (flag != nullptr) set(*flag);
-    return flag != nullptr;
-  };
-}
-
 ShowValue showEnabled(id control) {
   if (isA<NSControl>(control) || isA<NSMenuItem>(control)) {
     return showFlag([control](bool flag) { [control setEnabled:flag]; });
@@ -109,27 +91,17 @@ ShowValue showTicked(id control) {
 
 ShowValue showImage(id control) {
   if (!isA<InstallerLabel>(control)) return {};
-  return [control](const ShownValue& value) {
-    const auto* const picture = std::get_if<Picture>(&value);
-    if (picture == nullptr && !std::holds_alternative<std::monostate>(value)) return false;
-    [control showPicture:picture != nullptr ? imageOf(*picture) : nil];
-    return true;
-  };
+  return showPicture([control](const Picture& picture) { [control showPicture:imageOf(picture)]; });
 }
 
-ShowValue showProgress(id control) {
+ShowValue showInBar(id control) {
   if (!isA<NSProgressIndicator>(control)) return {};
-  return [control](const ShownValue& value) {
-    const auto* const done = std::get_if<double>(&value);
-    if (done == nullptr && !std::holds_alternative<std::monostate>(value)) return false;
-    // Without a value nobody knows how much there is to do, and the bar only shows that something is done.
-    const bool isKnown = done != nullptr && std::isfinite(*done);
-    [control setIndeterminate:!isKnown];
-    if (isKnown) [control setDoubleValue:std::clamp(*done, 0.0, 1.0)];
-    isKnown ? [control stopAnimation:nil] : [control startAnimation:nil];
-    showProgressInDock(isKnown ? std::optional(*done) : std::nullopt);
-    return true;
-  };
+  return showProgress([control](std::optional<double> done) {
+    [control setIndeterminate:!done];
+    if (done) [control setDoubleValue:*done];
+    done ? [control stopAnimation:nil] : [control startAnimation:nil];
+    showProgressInDock(done);
+  });
 }
 
 ShowValue showTitle(id control) {
@@ -164,7 +136,7 @@ struct Kind {
   ShowValue (*make)(id control);
 };
 constexpr Kind kinds[] = {{"bindText", showText},     {"bindEnabled", showEnabled},    {"bindVisible", showVisible},
-                          {"bindTicked", showTicked}, {"bindImage", showImage},        {"bindProgress", showProgress},
+                          {"bindTicked", showTicked}, {"bindImage", showImage},        {"bindProgress", showInBar},
                           {"bindTitle", showTitle},   {"bindName", showAccessibleName}};
 
 }  // namespace

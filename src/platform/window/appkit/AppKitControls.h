@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/window/appkit/BoxLayout.h"
+#include "platform/window/BoxLayout.h"
 #include "platform/window/appkit/ObjectReference.h"
 
 /// Size of the texts of a window, in points.

@@ -11,12 +11,6 @@ class LabelView : public AppKitView, public virtual TextField, public virtual Im
  public:
   using AppKitView::AppKitView;
 
-  void setHidden(bool hidden) override { AppKitView::setHidden(hidden); }
-  [[nodiscard]] Rect frame() const override { return AppKitView::frame(); }
-  void setFrame(const Rect& frame) override { AppKitView::setFrame(frame); }
-  void addSubview(const std::shared_ptr<View>& view) override { AppKitView::addSubview(view); }
-  [[nodiscard]] std::shared_ptr<View> superview() const override { return AppKitView::superview(); }
-
   void setStringValue(const std::string& text) override {
     if (NSString* const shown = toObject(text)) [label() showText:shown];
     layOutAround(label());
@@ -38,12 +32,6 @@ class LabelView : public AppKitView, public virtual TextField, public virtual Im
 class RowsView : public AppKitView, public virtual ListView {
  public:
   using AppKitView::AppKitView;
-
-  void setHidden(bool hidden) override { AppKitView::setHidden(hidden); }
-  [[nodiscard]] Rect frame() const override { return AppKitView::frame(); }
-  void setFrame(const Rect& frame) override { AppKitView::setFrame(frame); }
-  void addSubview(const std::shared_ptr<View>& view) override { AppKitView::addSubview(view); }
-  [[nodiscard]] std::shared_ptr<View> superview() const override { return AppKitView::superview(); }
 
   void selectRow(std::size_t row) override {
     NSTableView* const table = (NSTableView*)innerView(view());

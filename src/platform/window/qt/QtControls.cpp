@@ -29,20 +29,12 @@ namespace {
 
 constexpr int progressSteps = 1000;
 
-/// The value as plain text; nothing when it is of another kind.
-std::optional<QString> plainText(const ShownValue& value) {
-  if (const auto* const text = std::get_if<std::string>(&value)) return toQt(*text);
-  if (const auto* const text = std::get_if<RichText>(&value)) return toQt(text->string());
-  if (std::holds_alternative<std::monostate>(value)) return QString();
-  return std::nullopt;
-}
-
 /// For a control that takes plain text through `set`.
 template <class Control, class Set>
 ShowValue showPlain(Control& control, Set set) {
   return [&control, set](const ShownValue& value) {
     const auto text = plainText(value);
-    if (text) std::invoke(set, control, *text);
+    if (text) std::invoke(set, control, toQt(*text));
     return text.has_value();
   };
 }
@@ -60,7 +52,7 @@ template <class Control>
 ShowValue showCaption(Control& control, void (Control::*set)(const QString&)) {
   return [&control, set](const ShownValue& value) {
     const auto text = plainText(value);
-    if (text) (control.*set)(caption(*text));
+    if (text) (control.*set)(caption(toQt(*text)));
     return text.has_value();
   };
 }
@@ -93,7 +85,7 @@ ShowValue showInTextEdit(QTextEdit& edit) {
   return [&edit, background](const ShownValue& value) {
     const auto* const rich = std::get_if<RichText>(&value);
     if (rich == nullptr && !plainText(value)) return false;
-    showRichText(*edit.document(), rich != nullptr ? *rich : RichText(fromQt(*plainText(value))),
+    showRichText(*edit.document(), rich != nullptr ? *rich : RichText(*plainText(value)),
                  edit.palette().color(background));
     edit.moveCursor(QTextCursor::Start);
     return true;
@@ -164,15 +156,6 @@ ShowValue showText(QObject& control) {
   return {};
 }
 
-template <class Set>
-ShowValue showFlag(Set set) {
-  return [set](const ShownValue& value) {
-    const auto* const flag = std::get_if<bool>(&value);
-    if (flag != nullptr) set(*flag);
-    return flag != nullptr;
-  };
-}
-
 ShowValue showEnabled(QObject& control) {
   if (auto* const action = qobject_cast<QAction*>(&control)) {
     return showFlag([action](bool flag) { action->setEnabled(flag); });
@@ -206,26 +189,16 @@ ShowValue showTicked(QObject& control) {
 ShowValue showImage(QObject& control) {
   auto* const label = qobject_cast<QLabel*>(&control);
   if (label == nullptr) return {};
-  return [label](const ShownValue& value) {
-    const auto* const picture = std::get_if<Picture>(&value);
-    if (picture == nullptr && !std::holds_alternative<std::monostate>(value)) return false;
-    showPicture(*label, picture != nullptr ? *picture : nullptr);
-    return true;
-  };
+  return showPicture([label](const Picture& picture) { showPicture(*label, picture); });
 }
 
-ShowValue showProgress(QObject& control) {
+ShowValue showInBar(QObject& control) {
   auto* const bar = qobject_cast<QProgressBar*>(&control);
   if (bar == nullptr) return {};
-  return [bar](const ShownValue& value) {
-    const auto* const done = std::get_if<double>(&value);
-    if (done == nullptr && !std::holds_alternative<std::monostate>(value)) return false;
-    // Without a value nobody knows how much there is to do, and the bar only shows that something is done.
-    const bool isKnown = done != nullptr && std::isfinite(*done);
-    bar->setRange(0, isKnown ? progressSteps : 0);
-    if (isKnown) bar->setValue(static_cast<int>(std::lround(std::clamp(*done, 0.0, 1.0) * progressSteps)));
-    return true;
-  };
+  return showProgress([bar](std::optional<double> done) {
+    bar->setRange(0, done ? progressSteps : 0);
+    if (done) bar->setValue(static_cast<int>(std::lround(*done * progressSteps)));
+  });
 }
 
 ShowValue showTitle(QObject& control) {
@@ -243,7 +216,7 @@ struct Kind {
   ShowValue (*make)(QObject& control);
 };
 constexpr Kind kinds[] = {{"bindText", showText},     {"bindEnabled", showEnabled},    {"bindVisible", showVisible},
-                          {"bindTicked", showTicked}, {"bindImage", showImage},        {"bindProgress", showProgress},
+                          {"bindTicked", showTicked}, {"bindImage", showImage},        {"bindProgress", showInBar},
                           {"bindTitle", showTitle},   {"bindName", showAccessibleName}};
 
 }  // namespace

@@ -12,8 +12,6 @@
 #include <chrono>
 #include <utility>
 
-#include "foundation/Format.h"
-#include "foundation/Path.h"
 #include "platform/window/qt/QtAlert.h"
 #include "platform/window/qt/QtInterface.h"
 #include "platform/window/qt/QtOpenPanel.h"
@@ -23,7 +21,6 @@
 
 namespace {
 
-constexpr std::size_t largestDescription = std::size_t{4} << 20U;
 constexpr std::chrono::milliseconds iconDelay(100);
 
 /// Gives every widget its place now, so that frames are right before the window is shown.
@@ -77,40 +74,25 @@ void mirrorPlaces(const QWidget& top) {
   }
 }
 
-Error unusable(const std::string& name, const std::string& why) {
-  Error error = Error::posix(std::errc::invalid_argument, name);
-  error.userInfo[std::string(Error::localizedDescriptionKey)] = formatted("Interface %@: %@", name, why);
-  return error;
-}
-
 }  // namespace
 
-QtToolkit::QtToolkit(const WindowServices& services) : services_(services) {
-  const bool isMirrored = services.bundles.mainBundle().localizedString("layout_direction") == "rightToLeft";
+QtToolkit::QtToolkit(const WindowServices& services) : WindowToolkit(services) {
+  const bool isMirrored = bundle().localizedString("layout_direction") == "rightToLeft";
   QApplication::setLayoutDirection(isMirrored ? Qt::RightToLeft : Qt::LeftToRight);
 }
 
 QtToolkit::~QtToolkit() = default;
 
-AlertAnswer QtToolkit::runAlertPanel(const Alert& alert) {
-  const char* const picture = alert.style == Alert::Style::warning ? "Caution" : "Installer";
-  const Bundle& bundle = services_.bundles.mainBundle();
-  Alert shown = alert;
-  if (shown.defaultButton.empty()) shown.defaultButton = bundle.localizedString("ok_button", "OK", "Localizable");
-  if (shown.alternateButton && shown.alternateButton->empty()) {
-    shown.alternateButton = bundle.localizedString("browse_cancel", "Cancel", "Localizable");
-  }
-  return askAlert(shown, windows_.frontWindow(), imageNamed(picture));
+AlertAnswer QtToolkit::askAlert(const Alert& alert, const Picture& picture) {
+  return ::askAlert(alert, windows_.frontWindow(), picture);
 }
 
 std::optional<std::string> QtToolkit::runOpenPanel(const OpenPanel& panel) {
-  return askForFolder(panel, {services_.files, services_.bundles.mainBundle(), services_.user, *this},
-                      windows_.frontWindow());
+  return askForFolder(panel, {services().files, bundle(), services().user, *this}, windows_.frontWindow());
 }
 
 Result<std::unique_ptr<Interface>> QtToolkit::loadInterface(const std::string& name, InterfaceOwner& owner) {
-  const Bundle& bundle = services_.bundles.mainBundle();
-  const auto description = services_.files.readFile(joinPath(bundle.resourcePath(), name + ".ui"), largestDescription);
+  const auto description = readDescription(name);
   if (!description) return description.error();
   QByteArray bytes(description->data(), static_cast<qsizetype>(description->size()));
   QBuffer buffer(&bytes);
@@ -122,31 +104,22 @@ Result<std::unique_ptr<Interface>> QtToolkit::loadInterface(const std::string& n
   finish(widgets);
   if (QApplication::isRightToLeft()) mirrorPlaces(widgets);
   auto made = std::make_unique<QtInterface>(std::move(top), views_, windows_);
-  made->connectTo(owner,
-                  {.interfaceName = name,
-                   .log = services_.log,
-                   .performOwnAction = [this](const std::string& action) { return performOwnAction(action); },
-                   .catchUpAfter = {}},
-                  {.bundle = bundle, .imageNamed = [this](const std::string& picture) { return imageNamed(picture); }});
+  made->connectTo(
+      owner,
+      {.interfaceName = name,
+       .log = services().log,
+       .performOwnAction = [this](const std::string& action) { return performOwnAction(action); },
+       .catchUpAfter = {}},
+      {.bundle = bundle(), .imageNamed = [this](const std::string& picture) { return imageNamed(picture); }});
   // With the texts in it: a menu bar without any has no height.
   fixSize(widgets);
   layOut(widgets);
   return std::unique_ptr<Interface>(std::move(made));
 }
 
-Picture QtToolkit::imageNamed(const std::string& name) {
-  const auto known = pictures_.find(name);
-  if (known != pictures_.end()) return known->second;
-  const std::string meaning = services_.bundles.mainBundle().localizedString("picture_" + name);
-  Picture picture;
-  for (const char* const type : {"icns", "tiff", "png"}) {
-    const auto path = services_.bundles.mainBundle().pathForResource(name, type);
-    if (picture == nullptr && path) picture = readPicture(services_.files, *path, meaning);
-  }
-  return pictures_[name] = picture;
+Picture QtToolkit::readPicture(const std::string& path, const std::string& meaning) {
+  return ::readPicture(services().files, path, meaning);
 }
-
-Picture QtToolkit::imageWithContentsOfFile(const std::string& path) { return readPicture(services_.files, path); }
 
 void QtToolkit::run() {
   // The first page does not wait for it.
@@ -155,28 +128,4 @@ void QtToolkit::run() {
     if (icon != nullptr) QApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon->image())));
   });
   windows_.run();
-}
-
-bool QtToolkit::performOwnAction(const std::string& action) {
-  if (action == "quit:") {
-    windows_.closeAll();
-  } else if (action == "hide:") {
-    windows_.hideAll();
-  } else if (action == "about:") {
-    showAbout();
-  } else {
-    return false;
-  }
-  return true;
-}
-
-void QtToolkit::showAbout() {
-  const Bundle& bundle = services_.bundles.mainBundle();
-  const std::string version = bundle.infoValue("CFBundleShortVersionString").text();
-  const std::string copyright = bundle.infoValue("NSHumanReadableCopyright").text();
-  runAlertPanel({.title = bundle.infoValue("CFBundleName").text(),
-                 .message = formatted(bundle.localizedString("about_version_fmt"), version) +
-                            (copyright.empty() ? "" : "\n" + copyright),
-                 .defaultButton = bundle.localizedString("ok_button"),
-                 .style = Alert::Style::informational});
 }

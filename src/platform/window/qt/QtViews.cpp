@@ -17,12 +17,6 @@ class LabelView : public QtView, public virtual TextField, public virtual ImageV
  public:
   using QtView::QtView;
 
-  void setHidden(bool hidden) override { QtView::setHidden(hidden); }
-  [[nodiscard]] Rect frame() const override { return QtView::frame(); }
-  void setFrame(const Rect& frame) override { QtView::setFrame(frame); }
-  void addSubview(const std::shared_ptr<View>& view) override { QtView::addSubview(view); }
-  [[nodiscard]] std::shared_ptr<View> superview() const override { return QtView::superview(); }
-
   void setStringValue(const std::string& text) override {
     auto* const label = qobject_cast<QLabel*>(widget());
     if (label == nullptr) return;
@@ -47,12 +41,6 @@ class LabelView : public QtView, public virtual TextField, public virtual ImageV
 class RowsView : public QtView, public virtual ListView {
  public:
   using QtView::QtView;
-
-  void setHidden(bool hidden) override { QtView::setHidden(hidden); }
-  [[nodiscard]] Rect frame() const override { return QtView::frame(); }
-  void setFrame(const Rect& frame) override { QtView::setFrame(frame); }
-  void addSubview(const std::shared_ptr<View>& view) override { QtView::addSubview(view); }
-  [[nodiscard]] std::shared_ptr<View> superview() const override { return QtView::superview(); }
 
   void selectRow(std::size_t row) override {
     auto* const list = qobject_cast<QListWidget*>(widget());

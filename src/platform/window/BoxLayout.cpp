@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "platform/window/appkit/BoxLayout.h"
+#include "platform/window/BoxLayout.h"
 
 #include <algorithm>
 #include <numeric>
