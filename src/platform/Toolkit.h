@@ -94,9 +94,15 @@ class Interface {
   virtual ~Interface() = default;
 
   [[nodiscard]] virtual std::shared_ptr<View> view(const std::string& name) const = 0;
-  [[nodiscard]] virtual std::shared_ptr<TextField> textField(const std::string& name) const = 0;
-  [[nodiscard]] virtual std::shared_ptr<ImageView> imageView(const std::string& name) const = 0;
-  [[nodiscard]] virtual std::shared_ptr<ListView> listView(const std::string& name) const = 0;
+  [[nodiscard]] virtual std::shared_ptr<TextField> textField(const std::string& name) const {
+    return std::dynamic_pointer_cast<TextField>(view(name));
+  }
+  [[nodiscard]] virtual std::shared_ptr<ImageView> imageView(const std::string& name) const {
+    return std::dynamic_pointer_cast<ImageView>(view(name));
+  }
+  [[nodiscard]] virtual std::shared_ptr<ListView> listView(const std::string& name) const {
+    return std::dynamic_pointer_cast<ListView>(view(name));
+  }
   [[nodiscard]] virtual std::shared_ptr<Window> window(const std::string& name) const = 0;
 };
 

@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr std::string_view quarantineMark = "com.apple.quarantine";
 constexpr std::size_t usualListSize = 4096;
 
 /// The names, each with a NUL behind it. Fails with an errno value.

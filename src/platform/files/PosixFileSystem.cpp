@@ -93,7 +93,7 @@ void walkFolder(int folder, const std::string& path, const WalkHandlers& handler
 bool isQuarantined(int item) {
   const auto attributes = extendedAttributes(item);
   return attributes && std::ranges::any_of(*attributes, [](const auto& attribute) {
-           return attribute.first.ends_with("com.apple.quarantine");
+           return attribute.first.ends_with(quarantineMark);
          });
 }
 

@@ -32,6 +32,9 @@
 /// The same by reading and writing, on every file system.
 [[nodiscard]] int copyByHand(int source, int target, std::int64_t offset, std::int64_t length);
 
+/// The attribute of what has been downloaded. A volume's file system may put a word and a full stop before it.
+inline constexpr std::string_view quarantineMark = "com.apple.quarantine";
+
 /// Copies the extended attributes of one open item to another, without the download-quarantine mark when
 /// `losesQuarantine`. Succeeds when either side supports none.
 [[nodiscard]] int copyExtendedAttributes(int source, int target, bool losesQuarantine);

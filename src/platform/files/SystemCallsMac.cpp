@@ -19,8 +19,6 @@
 
 namespace {
 
-constexpr const char* quarantineMark = "com.apple.quarantine";
-
 bool isUnsupported(int error) { return error == ENOTSUP || error == EOPNOTSUPP; }
 
 }  // namespace
@@ -40,7 +38,7 @@ int cloneFile(int source, int targetFolder, const char* name, bool losesQuaranti
   if (!clone || ::fstat(clone.get(), &status) != 0) return errno;
   // A clone of a locked file is locked, too.
   if (status.st_flags != 0 && ::fchflags(clone.get(), 0) != 0 && !isUnsupported(errno)) return errno;
-  if (!losesQuarantine || ::fremovexattr(clone.get(), quarantineMark, 0) == 0) return 0;
+  if (!losesQuarantine || ::fremovexattr(clone.get(), quarantineMark.data(), 0) == 0) return 0;
   return errno == ENOATTR ? 0 : errno;
 }
 

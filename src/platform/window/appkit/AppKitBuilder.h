@@ -9,8 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/window/BoxLayout.h"
-#include "platform/window/InterfaceFile.h"
+#include "platform/window/DescribedLayout.h"
 #include "platform/window/appkit/ObjectReference.h"
 
 /// What was built: a window or a view at the top, and everything that has a name.

@@ -11,8 +11,6 @@
 
 namespace {
 
-using Direction = BoxLayout::Direction;
-
 NSRect rectOf(const DescribedElement& widget) {
   auto size = widget.sizeOf("geometry");
   if (!size) size = widget.sizeOf("minimumSize");
@@ -109,23 +107,6 @@ NSView* makeView(const DescribedElement& widget) {
   return [[[InstallerView alloc] initWithFrame:rectOf(widget)] autorelease];
 }
 
-bool growsByNature(const std::string& kind) { return kind == "QTextEdit" || kind == "QListWidget"; }
-
-ViewItem::Limits limitsOf(const DescribedElement& widget, const std::string& alignment) {
-  const std::string kind = widget.attribute("class");
-  ViewItem::Limits limits;
-  limits.smallest = widget.sizeOf("minimumSize").value_or(Size{});
-  limits.largest = widget.sizeOf("maximumSize").value_or(limits.largest);
-  const DescribedElement* const policy = widget.property("sizePolicy");
-  const std::string across = policy != nullptr ? policy->attribute("hsizetype") : "";
-  const std::string down = policy != nullptr ? policy->attribute("vsizetype") : "";
-  limits.growsAcross = growsByNature(kind) || kind == "QLineEdit" || kind == "QProgressBar" || across == "Expanding";
-  limits.growsDown = growsByNature(kind) || down == "Expanding";
-  limits.isIgnored = across == "Ignored";
-  limits.isAtTop = alignment.find("AlignTop") != std::string::npos;
-  return limits;
-}
-
 class Builder {
  public:
   explicit Builder(BuiltInterface& built) : built_(built) {}
@@ -158,30 +139,19 @@ class Builder {
   void buildAtPlace(const DescribedElement& widget, NSView* holder) {
     NSView* const view = build(widget);
     [holder addSubview:view];
-    const DescribedElement* const rect = widget.property("geometry");
-    const Size size = widget.sizeOf("geometry").value_or(Size{});
-    const auto number = [&](const char* part) {
-      const DescribedElement* const found = rect != nullptr ? rect->child(part) : nullptr;
-      return found != nullptr ? std::atof(found->text.c_str()) : 0;
-    };
-    [view setFrame:NSMakeRect(number("x"), [holder bounds].size.height - number("y") - size.height, size.width,
-                              size.height)];
+    const auto [origin, size] = placeOf(widget);
+    [view setFrame:NSMakeRect(origin.x, [holder bounds].size.height - origin.y - size.height, size.width, size.height)];
   }
 
   std::unique_ptr<LayoutItem> buildLayout(const DescribedElement& layout, NSView* holder) {
-    const Direction direction = layout.attribute("class") == "QHBoxLayout" ? Direction::row : Direction::column;
-    auto made = std::make_unique<BoxLayout>(direction, layout.numberOf("spacing", 6),
-                                            BoxLayout::Margins{.left = layout.numberOf("leftMargin", 0),
-                                                               .top = layout.numberOf("topMargin", 0),
-                                                               .right = layout.numberOf("rightMargin", 0),
-                                                               .bottom = layout.numberOf("bottomMargin", 0)});
+    std::unique_ptr<BoxLayout> made = layoutOf(layout);
     for (const DescribedElement& item : layout.children) {
       if (item.name != "item" || item.children.empty()) continue;
       const DescribedElement& inner = item.children.front();
       if (inner.name == "layout") {
         made->add(buildLayout(inner, holder));
       } else if (inner.name == "spacer") {
-        made->add(makeSpace(inner));
+        made->add(spaceOf(inner));
       } else if (inner.name == "widget") {
         NSView* const view = build(inner);
         [holder addSubview:view];
@@ -189,15 +159,6 @@ class Builder {
       }
     }
     return made;
-  }
-
-  static std::unique_ptr<LayoutItem> makeSpace(const DescribedElement& spacer) {
-    const bool isFixed = spacer.textOf("sizeType") == "QSizePolicy::Fixed";
-    const bool isAcross = spacer.textOf("orientation") == "Qt::Horizontal";
-    const Size size = spacer.sizeOf("sizeHint").value_or(Size{});
-    return std::make_unique<SpaceItem>(
-        isAcross ? Size{.width = size.width, .height = 0} : Size{.width = 0, .height = size.height},
-        isAcross && !isFixed, !isAcross && !isFixed);
   }
 
   BuiltInterface& built_;

@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/window/BoxLayout.h"
+#include "platform/window/DescribedLayout.h"
 #include "platform/window/appkit/ObjectReference.h"
 
 /// Size of the texts of a window, in points.
@@ -64,15 +64,6 @@ inline constexpr double usualTextSize = 13;
 /// Its place in a layout.
 class ViewItem : public LayoutItem {
  public:
-  struct Limits {
-    Size smallest = {};
-    Size largest = {.width = anyWidth, .height = anyWidth};
-    bool growsAcross = false;
-    bool growsDown = false;
-    bool isAtTop = false;    ///< is as high as it needs, at the top of its room
-    bool isIgnored = false;  ///< is as wide as there is room, whatever it wants
-  };
-
   ViewItem(NSView* view, const Limits& limits) : view_([view retain]), limits_(limits) {}
 
   [[nodiscard]] bool isHidden() const override { return [view_.get() isHidden]; }

@@ -56,14 +56,6 @@ namespace {
 
 bool isScrolled(NSView* view) { return [view isKindOfClass:[NSScrollView class]]; }
 
-Size larger(const Size& one, const Size& other) {
-  return {.width = std::max(one.width, other.width), .height = std::max(one.height, other.height)};
-}
-
-Size smaller(const Size& one, const Size& other) {
-  return {.width = std::min(one.width, other.width), .height = std::min(one.height, other.height)};
-}
-
 /// What a control asks for, with the room that captions have around them on a Mac.
 Size sizeOfControl(NSControl* control) {
   const NSSize wanted = [[control cell] cellSize];

@@ -30,9 +30,6 @@ class AppKitInterface : public Interface {
   AppKitInterface& operator=(const AppKitInterface&) = delete;
 
   [[nodiscard]] std::shared_ptr<View> view(const std::string& name) const override;
-  [[nodiscard]] std::shared_ptr<TextField> textField(const std::string& name) const override;
-  [[nodiscard]] std::shared_ptr<ImageView> imageView(const std::string& name) const override;
-  [[nodiscard]] std::shared_ptr<ListView> listView(const std::string& name) const override;
   [[nodiscard]] std::shared_ptr<Window> window(const std::string& name) const override;
 
   [[nodiscard]] const BuiltInterface& built() const { return built_; }

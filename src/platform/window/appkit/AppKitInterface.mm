@@ -117,18 +117,6 @@ std::shared_ptr<View> AppKitInterface::view(const std::string& name) const {
   return [found isKindOfClass:[NSView class]] ? viewOf(found, events_) : nullptr;
 }
 
-std::shared_ptr<TextField> AppKitInterface::textField(const std::string& name) const {
-  return std::dynamic_pointer_cast<TextField>(view(name));
-}
-
-std::shared_ptr<ImageView> AppKitInterface::imageView(const std::string& name) const {
-  return std::dynamic_pointer_cast<ImageView>(view(name));
-}
-
-std::shared_ptr<ListView> AppKitInterface::listView(const std::string& name) const {
-  return std::dynamic_pointer_cast<ListView>(view(name));
-}
-
 std::shared_ptr<Window> AppKitInterface::window(const std::string& name) const {
   id const found = built_.find(name);
   return [found isKindOfClass:[NSWindow class]] ? windows_.windowOf(found) : nullptr;

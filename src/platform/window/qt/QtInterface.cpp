@@ -26,18 +26,6 @@ std::shared_ptr<View> QtInterface::view(const std::string& name) const {
   return found != nullptr ? views_->viewOf(*found) : nullptr;
 }
 
-std::shared_ptr<TextField> QtInterface::textField(const std::string& name) const {
-  return std::dynamic_pointer_cast<TextField>(view(name));
-}
-
-std::shared_ptr<ImageView> QtInterface::imageView(const std::string& name) const {
-  return std::dynamic_pointer_cast<ImageView>(view(name));
-}
-
-std::shared_ptr<ListView> QtInterface::listView(const std::string& name) const {
-  return std::dynamic_pointer_cast<ListView>(view(name));
-}
-
 std::shared_ptr<Window> QtInterface::window(const std::string& name) const {
   QWidget* const found = widget(name);
   return found != nullptr && found->isWindow() ? windows_.windowOf(*found) : nullptr;

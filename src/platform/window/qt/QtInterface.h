@@ -25,9 +25,6 @@ class QtInterface : public Interface {
   void connectTo(InterfaceOwner& owner, BindingServices services, BindingResources resources);
 
   [[nodiscard]] std::shared_ptr<View> view(const std::string& name) const override;
-  [[nodiscard]] std::shared_ptr<TextField> textField(const std::string& name) const override;
-  [[nodiscard]] std::shared_ptr<ImageView> imageView(const std::string& name) const override;
-  [[nodiscard]] std::shared_ptr<ListView> listView(const std::string& name) const override;
   [[nodiscard]] std::shared_ptr<Window> window(const std::string& name) const override;
 
  private:
