@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "foundation/Predicate.h"
 
@@ -13,13 +14,15 @@ TEST(Predicate, EvaluatesOperatorsByPrecedence) {
   const auto holds = [&](const char* predicate, const char* text) {
     return Predicate::parse(predicate, {&argument, 1}).evaluate(Value(text));
   };
-  EXPECT_TRUE(holds("SELF contains 'Paths' AND SELF contains 'Adobe'", "Adobe Photoshop CS6 Paths"));
-  EXPECT_FALSE(holds("SELF contains 'Paths' AND SELF contains 'Adobe'", "Adobe photoshop paths"));
-  EXPECT_TRUE(holds("SELF == 'a' OR SELF == 'b' AND SELF == 'c'", "a")) << "AND is the stronger";
-  EXPECT_FALSE(holds("(SELF == 'a' OR SELF == 'b') AND SELF == 'c'", "a"));
-  EXPECT_TRUE(holds("NOT SELF LIKE \"*.txt\" && SELF != 'it\\'s'", "a.text"));
-  EXPECT_FALSE(holds("(SELF LIKE %@)", "b")) << "an argument is a value";
-  EXPECT_TRUE(holds("(SELF LIKE %@)", "a' OR SELF == 'b"));
+  const std::tuple<const char*, const char*, bool> cases[] = {
+      {"SELF contains 'Paths' AND SELF contains 'Adobe'", "Adobe Photoshop CS6 Paths", true},
+      {"SELF contains 'Paths' AND SELF contains 'Adobe'", "Adobe photoshop paths", false},
+      {"SELF == 'a' OR SELF == 'b' AND SELF == 'c'", "a", true},  // AND is the stronger
+      {"(SELF == 'a' OR SELF == 'b') AND SELF == 'c'", "a", false},
+      {"NOT SELF LIKE \"*.txt\" && SELF != 'it\\'s'", "a.text", true},
+      {"(SELF LIKE %@)", "b", false},  // an argument is a value
+      {"(SELF LIKE %@)", "a' OR SELF == 'b", true}};
+  for (const auto& [predicate, text, isTrue] : cases) EXPECT_EQ(holds(predicate, text), isTrue) << predicate;
 }
 
 TEST(Predicate, RejectsMalformedPredicates) {

@@ -63,7 +63,8 @@ class SetupControllerTest : public MachineTest {
       const auto& label = *row->views.at("label");
       const auto& dot = dynamic_cast<const RecordingImage&>(*row->views.at("indicator")->image);
       const bool isBlue = dot.name == "DotBlue";
-      EXPECT_EQ(isBlue, label.isBold && label.colour == TextColour::black);
+      EXPECT_EQ(label.isBold, isBlue) << label.text;
+      EXPECT_EQ(label.colour, isBlue ? TextColour::black : TextColour::grey) << label.text;
       rows[row->views.at("stepIndicatorView")->place.origin.y] += label.text + (isBlue ? "* " : " ");
     }
     std::string text;

@@ -177,7 +177,9 @@ TEST_P(RandomVolumesTest, ThePlanIsWhatHappensAndVerifyAgrees) {
       EXPECT_EQ(wanting.contains(target), !inPlace.contains(target)) << target;
     }
   }
-  EXPECT_TRUE(verifyInstall(machine_.platform, /*isOnlyLogged=*/true).differences.empty() || inPlace.empty());
+  if (!inPlace.empty()) {
+    EXPECT_EQ(verifyInstall(machine_.platform, /*isOnlyLogged=*/true).differences.size(), 0U);
+  }
   if (isComplete) {
     EXPECT_EQ(makePlanReport(machine_.platform).changes, 0U) << "nothing is left to be done";
   }
@@ -208,7 +210,9 @@ TEST_P(RandomVolumesTest, RemovalTakesNothingButWhatWasInstalledAndTellsOfTheRes
       return isAtOrBelow(path, known) || (after.contains(path) && isAtOrBelow(known, path));
     });
     const bool isOwnFolder = !after.contains(path) && path.find("/Corvane") != std::string::npos;
-    EXPECT_TRUE(isKnown || isOwnFolder) << path;
+    if (!isOwnFolder) {
+      EXPECT_TRUE(isKnown) << path;
+    }
   }
 }
 

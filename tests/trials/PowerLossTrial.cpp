@@ -30,7 +30,8 @@ class PowerLossTrial : public Trial {
                " '" + store_.string() + "'")) {
       GTEST_SKIP() << "needs mkfs.xfs (xfsprogs) and loop devices";
     }
-    ASSERT_TRUE(shell("truncate -s 64M '" + image("base") + "' && mkfs.ext4 -q '" + image("base") + "'"));
+    ASSERT_TRUE(shell("truncate -s 64M '" + image("base") + "'"));
+    ASSERT_TRUE(shell("mkfs.ext4 -q '" + image("base") + "'"));
     mount("base");
     reset(disk_);
     unmount();

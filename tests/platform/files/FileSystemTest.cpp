@@ -189,10 +189,11 @@ TEST_F(FileSystemTest, NeverLeavesTheVolume) {
   }
   EXPECT_EQ(files_.readFile("/../../../secret", 10).valueOr(""), "inside");
   for (const std::string& path : {"/climbing/secret"s, "/escaping/secret"s, "/Library/../../outside/secret"s, "secret"s,
-                                  ""s, "/secret\0x"s, "/secret/x"s, "/loop/x"s, "/loop"s}) {
+                                  ""s, "/secret\0x"s, "/secret/x"s, "/loop/x"s}) {
     EXPECT_FALSE(files_.readFile(path, 10)) << path;
-    EXPECT_FALSE(path != "/loop" && files_.createFile(path, "", 0644)) << path;
+    EXPECT_FALSE(files_.createFile(path, "", 0644)) << path;
   }
+  EXPECT_FALSE(files_.readFile("/loop", 10));
   EXPECT_EQ(readFile(outside / "secret"), "outside");
 }
 

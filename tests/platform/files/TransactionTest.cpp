@@ -179,8 +179,9 @@ TEST_P(TransactionTest, ReplacesItemsOfAnyKindAndMakesFolders) {
   items.push_back({file, support + "/A/B/file"});
   items.push_back({file, support + "/A/B/C/file"});
   EXPECT_EQ(install(items), Paths(items.size(), ""));
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    EXPECT_TRUE(i == 5 || readFile(on(items[i].target)) == "new") << items[i].target;
+  for (const Asked& item : items) {
+    if (item.source != file) continue;
+    EXPECT_EQ(readFile(on(item.target)), "new") << item.target;
   }
   EXPECT_EQ(readFile(on("/outside")), "kept");
   EXPECT_EQ(modeOf(on(support)) + " " + modeOf(on(support + "/A")), "755 755");
@@ -241,7 +242,7 @@ TEST_P(TransactionTest, ContinuesAfterAFailedItem) {
   EXPECT_EQ(errors[5], "Invalid argument");
   EXPECT_EQ(errors[6], "");
   EXPECT_EQ(readFile(on("/Applications/Pipe.app/old")), "old");
-  EXPECT_TRUE(!canLock || readFile(on("/Applications/Locked.app/inside")) == "old");
+  EXPECT_EQ(readFile(on("/Applications/Locked.app/inside")), canLock ? "old" : "(no such file)");
   EXPECT_EQ(readFile(on("/Applications/File")), "in the way");
   EXPECT_EQ(namesIn(on("/Library/Application Support")), "");
 }

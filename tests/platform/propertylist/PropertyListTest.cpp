@@ -51,7 +51,8 @@ TEST(PropertyList, ReadsNumbersAsOtherProgramsWriteThem) {
   EXPECT_EQ(integer("0xFFFFFFFFFFFFFFFF"), Value(std::numeric_limits<std::uint64_t>::max()));
   for (const auto* const text : {"nan", "NaN", "+nan", "-nan"}) {
     const Value value = read("<real>" + std::string(text) + "</real>");
-    EXPECT_TRUE(value.as<double>() != nullptr && std::isnan(*value.as<double>())) << text;
+    ASSERT_NE(value.as<double>(), nullptr) << text;
+    EXPECT_TRUE(std::isnan(*value.as<double>())) << text;
     EXPECT_TRUE(readPropertyList(*writePropertyList(value))) << text;
   }
   for (const auto* const text : {"inf", "+infinity"}) {

@@ -81,7 +81,8 @@ TEST(LanguagesTest, TheProductIsNamedInOneFile) {
   const fs::path contents = INSTALLER_BUNDLE "/Contents";
   const fs::path configuration = contents / "Resources/en.lproj/installer.strings";
   const auto names = parseStringsTable(readFile(configuration)).texts;
-  ASSERT_FALSE(names.at("company_name").empty() || names.at("product_name").empty());
+  ASSERT_NE(names.at("company_name"), "");
+  ASSERT_NE(names.at("product_name"), "");
   std::vector<fs::path> files = {contents / "Info.plist"};
   for (auto entry = fs::recursive_directory_iterator(contents / "Resources"); entry != end(entry); ++entry) {
     if (entry->path().filename() == "files") entry.disable_recursion_pending();
