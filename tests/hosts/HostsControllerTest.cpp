@@ -44,8 +44,8 @@ class HostsControllerTest : public MachineTest {
   std::shared_ptr<HostsModel> model_ = std::make_shared<HostsModel>(platform_);
   std::shared_ptr<HostModel> lightroom_ = LightRoomHostModel::initWithHostName(platform_, "Lightroom");
   std::shared_ptr<HostModel> photoshop_ = PhotoshopHostModel::initWithHostName(platform_, "Photoshop CC 2019");
-  std::shared_ptr<RecordingView> parent_ = RecordingView::make();
-  std::shared_ptr<RecordingView> view_ = RecordingView::make();
+  std::shared_ptr<RecordingView> parent_ = std::make_shared<RecordingView>();
+  std::shared_ptr<RecordingView> view_ = std::make_shared<RecordingView>();
   HostsController controller_{platform_};
   KeyValueObserving::Observation observation_;
 };

@@ -106,11 +106,12 @@ TEST_F(FileInstallationTest, MakesFoldersWithToolsWhereTheUserMayNot) {
 
 TEST_F(FileInstallationTest, ReportsEachFailedFileAndContinues) {
   writeFile(on("/T/b"), "old");
-  rights_.transaction.unstageable = {{"/T/a", std::errc::io_error}, {"/T/b", std::errc::permission_denied}};
-  rights_.transaction.uncommittable = {{"/T/late", std::errc::resource_unavailable_try_again},
-                                       {"/T/lost", std::errc::no_such_file_or_directory},
-                                       {"/T/never", std::errc::read_only_file_system}};
-  rights_.transaction.without = {{"/T/c", std::errc::operation_not_permitted}};
+  rights_.transaction.faults = {{"stage /T/a", std::errc::io_error},
+                                {"stage /T/b", std::errc::permission_denied},
+                                {"attributes /T/c", std::errc::operation_not_permitted},
+                                {"commit /T/late", std::errc::resource_unavailable_try_again},
+                                {"commit /T/lost", std::errc::no_such_file_or_directory},
+                                {"commit /T/never", std::errc::read_only_file_system}};
   Paths order;
   rights_.transaction.before = [&](const std::string& step) {
     order.push_back(step + " " + std::to_string(machine_.toolkit.alerts.size()));
@@ -219,15 +220,14 @@ TEST_F(FileInstallationTest, ChangesNothingWhenItIsInterruptedInTime) {
 
 TEST_F(FileInstallationTest, DoesNotCommitWhatIsNotOnTheMedium) {
   writeFile(on("/T/a"), "old");
-  rights_.transaction.flushError = std::errc::io_error;
+  rights_.transaction.faults = {{"flush", std::errc::io_error}};
   install({source("a"), source("b")});
   EXPECT_EQ(readFile(on("/T/a")), "old");
   EXPECT_EQ(failedPaths(), (Paths{"/T/a", "/T/b"}));
   EXPECT_EQ(machine_.toolkit.alerts.size(), 1U) << "one cause, one alert";
-  rights_.transaction.flushError.reset();
-  rights_.transaction.leftBehind = {"/T/.installing"};
+  rights_.transaction.faults = {{"finish", std::errc::io_error}};
   install({source("a")});
-  EXPECT_EQ(controller_.report().leftBehind.back().path, "/T/.installing");
+  EXPECT_EQ(controller_.report().leftBehind.back().path, "/");
 }
 
 TEST_F(FileInstallationTest, WaitsForAnotherInstaller) {

@@ -43,7 +43,7 @@ class InstallSequenceTest : public MachineTest {
   RecordingMainController main_;
   std::shared_ptr<HostModel> photoshop_;
   std::shared_ptr<InstallFilesModel> model_ = std::make_shared<InstallFilesModel>(platform_);
-  std::shared_ptr<RecordingView> view_ = RecordingView::make();
+  std::shared_ptr<RecordingView> view_ = std::make_shared<RecordingView>();
   InstallFilesController controller_{platform_};
 };
 
@@ -161,7 +161,7 @@ TEST_F(InstallSequenceTest, EndsInFailureWithoutRights) {
 
 TEST_F(InstallSequenceTest, LogsItemsInstalledBeforeAFailure) {
   writeFile(on(inPhotoshop_), "old");
-  machine_.authorizations.transaction.unstageable = {{inPhotoshop_, std::errc::io_error}};
+  machine_.authorizations.transaction.faults = {{"stage " + inPhotoshop_, std::errc::io_error}};
   enter();
   EXPECT_TRUE(controller_.fileOpErrorOccurred());
   EXPECT_FALSE(controller_.successfulInstall());
@@ -172,13 +172,12 @@ TEST_F(InstallSequenceTest, LogsItemsInstalledBeforeAFailure) {
   EXPECT_EQ(failed.find(inPhotoshop_), std::string::npos) << failed;
 
   // The same for a failure that shows at the end only, in what belongs to no host.
-  machine_.authorizations.transaction.unstageable.clear();
-  machine_.authorizations.transaction.uncommittable = {{product_ + "/b", std::errc::device_or_resource_busy}};
+  machine_.authorizations.transaction.faults = {{"commit " + product_ + "/b", std::errc::device_or_resource_busy}};
   enter();
   EXPECT_EQ(readFile(on(inPhotoshop_)), "old");
   EXPECT_EQ(machine_.toolkit.alerts.size(), 2U);
 
-  machine_.authorizations.transaction.uncommittable.clear();
+  machine_.authorizations.transaction.faults.clear();
   controller_.install({photoshop_}, false);
   const std::string whole = log();
   EXPECT_TRUE(whole.ends_with("/b\n" + inPhotoshop_ + "\n")) << "replaced, not added to: " << whole;

@@ -32,7 +32,7 @@ TEST_F(AperturePageTest, ComesBetweenTheInstallationAndTheEnd) {
   EXPECT_EQ(shown(), "The end [-Back|Finish] registerView");
   EXPECT_EQ(wizard_->resultText().string().substr(0, 5), "Enjoy");
   press("nextView:");
-  EXPECT_EQ(window_->window->closed, 1) << "finished";
+  EXPECT_EQ(window_->closed, 1) << "finished";
   EXPECT_EQ(machine_.workspace.launches.size(), 2U);
 
   install();

@@ -75,5 +75,5 @@ class SetupControllerTest : public MachineTest {
   std::unique_ptr<SetupController> wizard_;
   KeyValueObserving::Observation own_;
   std::string announced_;
-  std::shared_ptr<RecordingInterface::Parts> window_;
+  std::shared_ptr<RecordingWindow> window_;
 };

@@ -14,7 +14,7 @@ using ApertureRunTest = MachineTest;
 TEST_F(ApertureRunTest, RunsTheFirstApplicationForTwoSecondsEitherWay) {
   RecordingWorkspace& workspace = machine_.workspace;
   RecordingMainController main;
-  const auto view = RecordingView::make();
+  const auto view = std::make_shared<RecordingView>();
   ApertureRunController page(platform_);
   const auto leave = [&](std::int32_t delta) {
     workspace.launches.clear();

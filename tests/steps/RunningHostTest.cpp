@@ -26,7 +26,7 @@ class RunningHostTest : public MachineTest {
   RecordingWorkspace& workspace_ = machine_.workspace;
   RecordingMainController main_;
   std::shared_ptr<RunningHostViewModel> model_ = std::make_shared<RunningHostViewModel>(platform_);
-  std::shared_ptr<RecordingView> view_ = RecordingView::make();
+  std::shared_ptr<RecordingView> view_ = std::make_shared<RecordingView>();
   RunningHostViewController page_{platform_, model_};
 };
 

@@ -9,7 +9,10 @@
 #include <string_view>
 
 #include "TestPlatform.h"  // in a folder for each system
+#include "support/FaultyFileSystem.h"
 #include "support/Recording.h"
+#include "support/RecordingAuthorizations.h"
+#include "support/RecordingToolkit.h"
 
 namespace fs = std::filesystem;
 

@@ -178,23 +178,22 @@ TEST_F(RemoveTest, IsAllOrNothingAndTellsWhatFails) {
   machine_.interruptions.signal = 15;
   EXPECT_EQ(remove().status, 143);
   machine_.interruptions.signal = std::nullopt;
-  script.flushError = std::errc::io_error;
+  script.faults = {{"flush", std::errc::io_error}};
   EXPECT_EQ(remove().status, 74);
-  script.flushError = std::nullopt;
   EXPECT_EQ(now(), installed);
 
   script.before = [&](const std::string& step) {
     EXPECT_TRUE(now().contains("/Applications/Studio.app")) << step;
     if (step.starts_with("commit")) script.before = [](const std::string&) {};
   };
-  script.unstageable[presets_] = std::errc::operation_not_permitted;
-  script.unstageable["/Library/Application Support/Corvane/Dunmore 3"] = std::errc::operation_not_permitted;
+  script.faults = {{"stage " + presets_, std::errc::operation_not_permitted},
+                   {"stage /Library/Application Support/Corvane/Dunmore 3", std::errc::operation_not_permitted}};
   const Answer answer = remove();
   EXPECT_EQ(answer.status, 1) << answer.output;
   EXPECT_NE(answer.output.find("Operation not permitted"), std::string::npos) << answer.output;
   EXPECT_FALSE(fs::exists(on("/Applications/Studio.app"))) << "the others go";
   EXPECT_TRUE(fs::exists(on(presets_ + "/night.preset")));
-  script.unstageable.clear();
+  script.faults.clear();
   EXPECT_EQ(remove().status, 0) << "the log has kept it";
   EXPECT_FALSE(fs::exists(on("/Library/Application Support/Corvane")));
 }
