@@ -60,7 +60,8 @@ void InstallFilesController::install(const HostList& hosts, bool shouldConfigure
   if (!isStopped || !installedPaths().empty()) {
     registerApplications(plan);
     if (shouldConfigureLumatraExternalEditors) configureLumatraExternalEditors();
-    runMakersTasks(hosts);
+    noteUnreadable();  // what is not known completely takes nothing away
+    if (!isStopped) runMakersTasks(hosts);
     cleanManifests();
     runLsregister();
     logInstalledPaths();

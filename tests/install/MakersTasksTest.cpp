@@ -48,6 +48,18 @@ TEST_F(MakersTasksTest, AreDoneAfterTheCopying) {
   EXPECT_EQ(controller_.installedPaths().back(), preset_);
 }
 
+TEST_F(MakersTasksTest, AreNotDoneWhenTheInstallIsStopped) {
+  writeFile(machine_.payload("PHOTOSHOP_PLUGINS/d"), "d");
+  machine_.authorizations.transaction.roomForItems = 1;
+  machine_.authorizations.transaction.before = [&](const std::string& step) {
+    if (step == "commit 0") machine_.interruptions.signal = 15;
+  };
+  install();
+  EXPECT_EQ(controller_.installedPaths().size(), 1U);
+  EXPECT_EQ(namesIn(plugIns_ / "Earlier"), "Old.plugin c");
+  EXPECT_FALSE(fs::exists(on(preset_)));
+}
+
 TEST_F(MakersTasksTest, KeepEarlierInstallsWhenTheNewOneFails) {
   makeBundle(machine_.payload("PHOTOSHOP_PLUGINS/broken.plugin"), {});
   ::mkfifo(machine_.payload("PHOTOSHOP_PLUGINS/broken.plugin/Contents/pipe").c_str(), 0600);
