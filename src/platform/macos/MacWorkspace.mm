@@ -102,8 +102,7 @@ std::unique_ptr<RunningApplication> MacWorkspace::launchHidden(const std::string
     NSArray* const given = [NSArray arrayWithObjects:texts.data() count:texts.size()];
     NSRunningApplication* const application = [[NSWorkspace sharedWorkspace]
         launchApplicationAtURL:[NSURL fileURLWithPath:location isDirectory:YES]
-                       options:NSWorkspaceLaunchNewInstance | NSWorkspaceLaunchAndHide |
-                               NSWorkspaceLaunchWithoutActivation
+                       options:NSWorkspaceLaunchNewInstance | NSWorkspaceLaunchAndHide
                  configuration:[NSDictionary dictionaryWithObject:given forKey:NSWorkspaceLaunchConfigurationArguments]
                          error:nullptr];
     if (application == nil) return nullptr;

@@ -108,8 +108,7 @@ void testLaunching(MacWorkspace& workspace, const std::string& root) {
   {
     const auto application = workspace.launchHidden("/Applications/My App.app", {"-a", "Ä ö"});
     expect(application != nullptr, "the application is launched");
-    const auto options =
-        std::to_string(NSWorkspaceLaunchNewInstance | NSWorkspaceLaunchAndHide | NSWorkspaceLaunchWithoutActivation);
+    const auto options = std::to_string(NSWorkspaceLaunchNewInstance | NSWorkspaceLaunchAndHide);
     expect(launched == root + "/Applications/My App.app " + options + " -a Ä ö", "as a new one, hidden");
     if (application != nullptr) application->terminate();
     expect(terminations == 1, "and is asked to end");

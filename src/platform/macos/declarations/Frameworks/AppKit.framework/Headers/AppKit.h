@@ -11,11 +11,7 @@ extern "C" NSString* const NSWorkspaceDidTerminateApplicationNotification;
 extern "C" NSString* const NSWorkspaceLaunchConfigurationArguments;
 
 typedef NSUInteger NSWorkspaceLaunchOptions;
-enum {
-  NSWorkspaceLaunchWithoutActivation = 0x00000200,
-  NSWorkspaceLaunchNewInstance = 0x00080000,
-  NSWorkspaceLaunchAndHide = 0x00100000
-};
+enum { NSWorkspaceLaunchNewInstance = 0x00080000, NSWorkspaceLaunchAndHide = 0x00100000 };
 
 typedef NSInteger NSApplicationActivationPolicy;
 enum { NSApplicationActivationPolicyRegular = 0 };
