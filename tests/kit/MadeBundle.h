@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,12 +46,32 @@ class MadeBundle {
   fs::path path_ = folder_.path() / "Installer.app";
 };
 
+using Change = std::function<void(const MadeBundle&)>;
+inline Change removing(const std::string& path) {
+  return [=](const MadeBundle& b) { b.remove(path); };
+}
+inline Change renaming(const std::string& from, const std::string& to) {
+  return [=](const MadeBundle& b) { b.rename(from, to); };
+}
+inline Change settingMode(const std::string& path, unsigned permissions) {
+  return [=](const MadeBundle& b) { b.mode(path, permissions); };
+}
+inline Change configuring(const std::string& key, const std::string& value) {
+  return [=](const MadeBundle& b) { configure(b.path(), key, value); };
+}
+inline Change writing(const std::string& path, const std::string& content) {
+  return [=](const MadeBundle& b) { b.write(path, content); };
+}
+inline Change editing(const std::string& path, const std::string& what, const std::string& with) {
+  return [=](const MadeBundle& b) { b.edit(path, what, with); };
+}
+
 /// A mistake, and how it is found.
 struct Mistake {
   std::string_view id;
   std::string place;
   std::string_view fix;  ///< a part of what is advised
-  void (*make)(const MadeBundle& bundle);
+  Change make;
 };
 [[nodiscard]] const std::vector<Mistake>& resourceMistakes();
 [[nodiscard]] const std::vector<Mistake>& payloadMistakes();

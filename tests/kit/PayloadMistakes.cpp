@@ -26,8 +26,8 @@ constexpr const char* help = "files/HD/Applications/Studio.app/Contents/Resource
 
 std::string inMakers(const std::string& name) { return std::string(makers) + "/" + name; }
 
-void link(Of bundle, const std::string& target, const std::string& path) {
-  fs::create_symlink(target, bundle.at(path));
+Change linking(const std::string& target, const std::string& path) {
+  return [=](Of b) { fs::create_symlink(target, b.at(path)); };
 }
 
 void mark(Of bundle, const std::string& path) {
@@ -41,77 +41,68 @@ void mark(Of bundle, const std::string& path) {
 
 const std::vector<Mistake>& payloadMistakes() {
   static const std::vector<Mistake> mistakes = {
-      {"payload.empty", "Contents/Resources/files", "HD", [](Of b) { b.remove("files"); }},
+      {"payload.empty", "Contents/Resources/files", "HD", removing("files")},
       {"payload.part", files + "PHOTOSHOP_PLUGIN", "PHOTOSHOP_PLUGINS",
-       [](Of b) { b.rename("files/PHOTOSHOP_PLUGINS", "files/PHOTOSHOP_PLUGIN"); }},
-      {"payload.part", files + "Read Me.txt", "PHOTOSHOP_PLUGINS", [](Of b) { b.write("files/Read Me.txt", ""); }},
+       renaming("files/PHOTOSHOP_PLUGINS", "files/PHOTOSHOP_PLUGIN")},
+      {"payload.part", files + "Read Me.txt", "PHOTOSHOP_PLUGINS", writing("files/Read Me.txt", "")},
       {"payload.company-folder", support + "Korvane", "\"Corvane\"",
-       [](Of b) { b.rename(makers, "files/HD/Library/Application Support/Korvane"); }},
+       renaming(makers, "files/HD/Library/Application Support/Korvane")},
       {"payload.loose", support + "Corvane/Read Me.txt", "Library/Application Support/Corvane",
-       [](Of b) { b.write(inMakers("Read Me.txt"), ""); }},
+       writing(inMakers("Read Me.txt"), "")},
       {"payload.loose", files + "HD/Applications/Read Me.txt", "package",
-       [](Of b) { b.write("files/HD/Applications/Read Me.txt", ""); }},
-      {"payload.hidden", product + ".catalogue", "full stop",
-       [](Of b) { b.write(inMakers("Dunmore 3/.catalogue"), ""); }},
-      {"payload.hidden", files + "PHOTOSHOP/.DS_Store", "Remove",
-       [](Of b) { b.write("files/PHOTOSHOP/.DS_Store", ""); }},
-      {"payload.link", files + "PHOTOSHOP/Actions", "the file itself",
-       [](Of b) { link(b, "Presets", "files/PHOTOSHOP/Actions"); }},
+       writing("files/HD/Applications/Read Me.txt", "")},
+      {"payload.hidden", product + ".catalogue", "full stop", writing(inMakers("Dunmore 3/.catalogue"), "")},
+      {"payload.hidden", files + "PHOTOSHOP/.DS_Store", "Remove", writing("files/PHOTOSHOP/.DS_Store", "")},
+      {"payload.link", files + "PHOTOSHOP/Actions", "the file itself", linking("Presets", "files/PHOTOSHOP/Actions")},
       {"payload.device", plugIn + "pipe", "Remove",
        [](Of b) { static_cast<void>(::mkfifo(b.at("files/PHOTOSHOP_PLUGINS/Dunmore.plugin/pipe").c_str(), 0644)); }},
       {"payload.misplaced", files + "LIGHTROOM/Dunmore.plugin", "to PHOTOSHOP_PLUGINS",
-       [](Of b) { b.rename("files/PHOTOSHOP_PLUGINS/Dunmore.plugin", "files/LIGHTROOM/Dunmore.plugin"); }},
+       renaming("files/PHOTOSHOP_PLUGINS/Dunmore.plugin", "files/LIGHTROOM/Dunmore.plugin")},
       {"payload.misplaced", files + "PHOTOSHOP/Studio.app", "to HD/Applications",
-       [](Of b) { b.rename("files/HD/Applications/Studio.app", "files/PHOTOSHOP/Studio.app"); }},
+       renaming("files/HD/Applications/Studio.app", "files/PHOTOSHOP/Studio.app")},
       {"payload.misplaced", files + "PHOTOSHOP_PLUGINS/Export.lrplugin", "to LIGHTROOM",
-       [](Of b) { b.write("files/PHOTOSHOP_PLUGINS/Export.lrplugin/Info.lua", ""); }},
+       writing("files/PHOTOSHOP_PLUGINS/Export.lrplugin/Info.lua", "")},
       {"payload.root-only", files + "HD/Library/Services/Studio.app", "Applications",
        [](Of b) {
          fs::create_directories(b.at("files/HD/Library/Services"));
          b.rename("files/HD/Applications/Studio.app", "files/HD/Library/Services/Studio.app");
        }},
 
-      {"programs.no-info", plugIn + "Contents/Info.plist", "property list", [](Of b) { b.write(versions, "<plist>"); }},
+      {"programs.no-info", plugIn + "Contents/Info.plist", "property list", writing(versions, "<plist>")},
       {"programs.missing", plugIn + "Contents/Info.plist (CFBundleExecutable)", "letter case",
-       [](Of b) { b.rename(program, std::string(program) + "3"); }},
+       renaming(program, std::string(program) + "3")},
       {"programs.kind", studio + "Contents/MacOS/Studio", "for Macs",
-       [](Of b) {
-         b.write("files/HD/Applications/Studio.app/Contents/MacOS/Studio",
-                 "\x7F"
-                 "ELF");
-       }},
+       writing("files/HD/Applications/Studio.app/Contents/MacOS/Studio",
+               "\x7F"
+               "ELF")},
       {"programs.architecture", plugIn + "Contents/MacOS/Dunmore", "arm64",
-       [](Of b) { b.write(program, machO({.isForApple = false})); }},
+       writing(program, machO({.isForApple = false}))},
       {"programs.architecture", plugIn + "Contents/MacOS/Dunmore", "x86_64",
-       [](Of b) { b.write(program, machO({.isForIntel = false})); }},
+       writing(program, machO({.isForIntel = false}))},
       {"programs.minimum-system", plugIn + "Contents/MacOS/Dunmore", "LSMinimumSystemVersion",
-       [](Of b) { b.write(program, machO({.minimumSystem = 14})); }},
-      {"programs.unsigned", plugIn + "Contents/MacOS/Dunmore", "Sign",
-       [](Of b) { b.write(program, machO({.isSigned = false})); }},
+       writing(program, machO({.minimumSystem = 14}))},
+      {"programs.unsigned", plugIn + "Contents/MacOS/Dunmore", "Sign", writing(program, machO({.isSigned = false}))},
       {"versions.none", plugIn + "Contents/Info.plist (CFBundleVersion)", "CFBundleVersion",
-       [](Of b) { b.edit(versions, "3.1.2", ""); }},
+       editing(versions, "3.1.2", "")},
       {"versions.part", plugIn + "Contents/Info.plist (CFBundleVersion)", "numbers",
-       [](Of b) { b.edit(versions, "3.1.2", "3.1.2b4"); }},
+       editing(versions, "3.1.2", "3.1.2b4")},
       {"versions.long", plugIn + "Contents/Info.plist (CFBundleVersion)", "10000",
-       [](Of b) { b.edit(versions, "3.1.2", "3.1.20260115"); }},
-      {"versions.parts", plugIn + "Contents/Info.plist (CFBundleVersion)", "3.2.0",
-       [](Of b) { b.edit(versions, "3.1.2", "3.2"); }},
+       editing(versions, "3.1.2", "3.1.20260115")},
+      {"versions.parts", plugIn + "Contents/Info.plist (CFBundleVersion)", "3.2.0", editing(versions, "3.1.2", "3.2")},
 
-      {"files.no-program", "Contents/MacOS/Installer", "back", [](Of b) { b.remove("../MacOS/Installer"); }},
-      {"files.not-startable", "Contents/MacOS/Installer", "a+x", [](Of b) { b.mode("../MacOS/Installer", 0644); }},
-      {"files.name", files + "PHOTOSHOP/a:b.atn", "colons", [](Of b) { b.write("files/PHOTOSHOP/a:b.atn", ""); }},
-      {"files.collision", product + "presets", "another name",
-       [](Of b) { b.write(inMakers("Dunmore 3/presets"), ""); }},
+      {"files.no-program", "Contents/MacOS/Installer", "back", removing("../MacOS/Installer")},
+      {"files.not-startable", "Contents/MacOS/Installer", "a+x", settingMode("../MacOS/Installer", 0644)},
+      {"files.name", files + "PHOTOSHOP/a:b.atn", "colons", writing("files/PHOTOSHOP/a:b.atn", "")},
+      {"files.collision", product + "presets", "another name", writing(inMakers("Dunmore 3/presets"), "")},
       {"files.not-composed", files + "PHOTOSHOP/Gru\u0308n.atn", "\"Gr\u00FCn.atn\"",
-       [](Of b) { b.write("files/PHOTOSHOP/Gru\u0308n.atn", ""); }},
-      {"files.mode", product + "Presets", "a+rX", [](Of b) { b.mode(inMakers("Dunmore 3/Presets"), 0700); }},
-      {"files.changeable", studio + "Contents/Resources/Help.txt", "o-w", [](Of b) { b.mode(help, 0666); }},
-      {"files.set-id", plugIn + "Contents/MacOS/Dunmore", "ug-s", [](Of b) { b.mode(program, 04755); }},
-      {"files.link-out", product + "Shared", "same package",
-       [](Of b) { link(b, "../Shared", inMakers("Dunmore 3/Shared")); }},
+       writing("files/PHOTOSHOP/Gru\u0308n.atn", "")},
+      {"files.mode", product + "Presets", "a+rX", settingMode(inMakers("Dunmore 3/Presets"), 0700)},
+      {"files.changeable", studio + "Contents/Resources/Help.txt", "o-w", settingMode(help, 0666)},
+      {"files.set-id", plugIn + "Contents/MacOS/Dunmore", "ug-s", settingMode(program, 04755)},
+      {"files.link-out", product + "Shared", "same package", linking("../Shared", inMakers("Dunmore 3/Shared"))},
       {"files.link-out", plugIn + "Help", "same package",
-       [](Of b) { link(b, "/usr/share/help", "files/PHOTOSHOP_PLUGINS/Dunmore.plugin/Help"); }},
-      {"files.link-dangling", studio + "Contents/Resources/Index", "Correct", [](Of b) { b.remove(help); }},
+       linking("/usr/share/help", "files/PHOTOSHOP_PLUGINS/Dunmore.plugin/Help")},
+      {"files.link-dangling", studio + "Contents/Resources/Index", "Correct", removing(help)},
       {"files.quarantine", plugIn.substr(0, plugIn.size() - 1), "xattr -dr",
        [](Of b) {
          mark(b, "files/PHOTOSHOP_PLUGINS/Dunmore.plugin");

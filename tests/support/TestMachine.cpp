@@ -8,6 +8,7 @@
 #include <fstream>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 
 TemporaryFolder::TemporaryFolder() {
   std::string pattern = fs::temp_directory_path() / "installer-test-XXXXXX";
@@ -61,6 +62,15 @@ std::string propertyListOf(const Texts& texts) {
 
 void makeBundle(const fs::path& path, const Texts& info) {
   writeFile(path / "Contents/Info.plist", propertyListOf(info));
+}
+
+void configure(const fs::path& bundle, const std::string& key, const std::string& value) {
+  const fs::path table = bundle / "Contents/Resources/en.lproj/installer.strings";
+  std::string text = readFile(table);
+  const std::size_t line = text.find("\"" + key + "\" = \"");
+  if (line == std::string::npos) throw std::logic_error(key + " is not in " + table.string());
+  text.replace(line, text.find(";\n", line) - line, "\"" + key + "\" = \"" + value + "\"");
+  writeFile(table, text);
 }
 
 bool TestMachine::layOut() {

@@ -48,6 +48,9 @@ void setOwner(const fs::path& path, unsigned owner, unsigned group);
 /// A bundle with an info dictionary of these texts.
 void makeBundle(const fs::path& path, const Texts& info);
 
+/// Changes a value of the configuration of an installer's bundle, which has one for the key.
+void configure(const fs::path& bundle, const std::string& key, const std::string& value);
+
 /// A Mac volume and an installer's bundle in a temporary folder, with the real platform of this system for them.
 /// Rights, time, log and alerts are recorded.
 class TestMachine {
