@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cstdlib>
-
 #include "foundation/Text.h"
-#include "support/TestMachine.h"
+#include "support/ProgramTest.h"
 
 namespace {
 
@@ -23,25 +18,21 @@ std::string documentedCommands() {
   return script;
 }
 
-/// In a folder like that of the sources after a build.
-TEST(WalkthroughTest, LeadsFromNothingToAnInstalledUpgradedAndRemovedProduct) {
-  if (::geteuid() != 0) GTEST_SKIP() << "needs root: the commands install";
-  const TemporaryFolder folder;
-  fs::create_symlink(BUILD_FOLDER, folder.path() / "build");
-  fs::create_symlink(SOURCE_FOLDER "/sample", folder.path() / "sample");
-  writeFile(folder.path() / "script", documentedCommands());
-  const std::string command = "cd '" + folder.path().string() +
-                              "' && env -u SUDO_UID -u DISPLAY -u WAYLAND_DISPLAY LANG=C bash script >output 2>&1";
-  const int status = std::system(command.c_str());
-  ASSERT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, 0) << readFile(folder.path() / "output");
+using WalkthroughTest = ProgramTest;
 
-  const std::string output = readFile(folder.path() / "output");
-  EXPECT_NE(output.find("Installer.app: nothing is wrong"), std::string::npos) << output;
-  EXPECT_NE(output.find("Nordlys 2 was installed on"), std::string::npos) << output;
-  EXPECT_NE(namesIn(folder.path() / "Nordlys/Pages").find("completion.png"), std::string::npos) << output;
-  const fs::path volume = folder.path() / "Nordlys/Volume";
-  EXPECT_FALSE(fs::exists(volume / "Library/Application Support/Halvard")) << "removed: " << output;
-  EXPECT_FALSE(fs::exists(volume / "Applications/Adobe Photoshop CS6/Presets/Actions/Nordlys 2.atn")) << output;
+/// In a folder like that of the sources after a build.
+TEST_F(WalkthroughTest, LeadsFromNothingToAnInstalledUpgradedAndRemovedProduct) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs root: the commands install";
+  fs::create_symlink(BUILD_FOLDER, folder_.path() / "build");
+  fs::create_symlink(SOURCE_FOLDER "/sample", folder_.path() / "sample");
+  writeFile(folder_.path() / "script", documentedCommands());
+  ASSERT_EQ(shell("env -u SUDO_UID -u DISPLAY -u WAYLAND_DISPLAY LANG=C bash script"), 0) << output();
+  EXPECT_TRUE(says("Installer.app: nothing is wrong")) << output();
+  EXPECT_TRUE(says("Nordlys 2 was installed on")) << output();
+  EXPECT_NE(namesIn(folder_.path() / "Nordlys/Pages").find("completion.png"), std::string::npos) << output();
+  const fs::path volume = folder_.path() / "Nordlys/Volume";
+  EXPECT_FALSE(fs::exists(volume / "Library/Application Support/Halvard")) << "removed: " << output();
+  EXPECT_FALSE(fs::exists(volume / "Applications/Adobe Photoshop CS6/Presets/Actions/Nordlys 2.atn")) << output();
 }
 
 }  // namespace
