@@ -69,6 +69,7 @@ TEST_P(WizardInEveryLanguageTest, LeadsFromTheLicenceToTheEndByMouse) {
     });
     press("forwardButton");
     lookAtPage("registerView", "success");
+    EXPECT_NE(textIn("registerTextView").find("Dunmore 3"), std::string::npos);
     success_ = outcome();
     waitUntil("the icon", [] { return !window().windowIcon().isNull(); });
     press("forwardButton");
