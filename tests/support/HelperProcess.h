@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/Transaction.h"
 #include "platform/rights/HelperConnection.h"
 #include "support/TestMachine.h"
 
@@ -18,6 +19,13 @@ inline constexpr uid_t nobody = 65534;
 /// Who makes a privileged change: root in the test's process, or the helper for a user.
 enum class Way { byRoot, byHelper };
 inline void PrintTo(Way way, std::ostream* out) { *out << (way == Way::byRoot ? "ByRoot" : "ByHelper"); }
+
+/// Lets a transaction go on.
+struct PatientObserver : TransactionObserver {
+  void willStage(std::size_t /*item*/) override {}
+  bool didStage(std::size_t /*item*/, const ItemResult& /*result*/) override { return true; }
+  bool whileBusy(const CopiedAmount& /*copied*/) override { return true; }
+};
 
 /// Owner and group of the item itself, as numbers: "0:0".
 [[nodiscard]] std::string ownerOf(const fs::path& path);

@@ -42,11 +42,7 @@ class RightsAttackTest : public HelperTest {
   bool install(const std::string& source, const std::string& target) {
     const auto lock = *machine_.volume().tryLock();
     const auto transaction = HelperTransaction::begin(connection_, lock->get());
-    struct Observer : TransactionObserver {
-      void willStage(std::size_t /*item*/) override {}
-      bool didStage(std::size_t /*item*/, const ItemResult& /*result*/) override { return true; }
-      bool whileBusy(const CopiedAmount& /*copied*/) override { return true; }
-    } observer;
+    PatientObserver observer;
     return transaction && (*transaction)->stage({{{source, target}}}, observer) &&
            (*transaction)->commit({{0}}).front();
   }
@@ -80,7 +76,7 @@ TEST_F(RightsAttackTest, UsesOnlyTheUsersRightsOutsideThePlaces) {
   EXPECT_FALSE(fs::exists(on("/System")));
   EXPECT_FALSE(fs::exists(on("/none")));
   makeOwnFolder("/elsewhere");
-  run("/bin/mkdir", {"-m775", "-p", "/elsewhere/a"});
+  EXPECT_EQ(run("/bin/mkdir", {"-m775", "-p", "/elsewhere/a"}), "");
   EXPECT_EQ(ownerOf(on("/elsewhere/a")), "65534:65534") << "and those it has";
 }
 
