@@ -16,6 +16,7 @@ TEST_P(TransactionTest, KeepsEverythingOfABundle) {
   const bool hasMark = ::setxattr(source.c_str(), "user.com.apple.quarantine", "0083;x", 6, 0) == 0;
   ::setxattr(source.c_str(), "user.other", "1", 1, 0);
   constexpr off_t far = off_t{3} << 30U;
+  const std::string outside = ownerOf("/etc/passwd") + modeOf("/etc/passwd");
   const std::string sparse = makeFile("sparse", "start");
   fs::resize_file(sparse, far);
   std::ofstream(sparse, std::ios::app) << "end";
@@ -25,6 +26,7 @@ TEST_P(TransactionTest, KeepsEverythingOfABundle) {
             (Paths{"", "", ""}));
   EXPECT_EQ(describe(on("/Applications/X.app")), describe(source));
   expectHandedOver("/Applications/X.app");
+  EXPECT_EQ(ownerOf("/etc/passwd") + modeOf("/etc/passwd"), outside) << "a link is handed over, not where it leads";
   const auto hasAttribute = [&](const char* item, const char* name) {
     return ::getxattr(on(item).c_str(), name, nullptr, 0) > 0;
   };
