@@ -216,30 +216,6 @@ TEST_P(RandomVolumesTest, RemovalTakesNothingButWhatWasInstalledAndTellsOfTheRes
   }
 }
 
-TEST_P(RandomVolumesTest, SoItIsWhereNewerItemsAreKept) {
-  Paths sources;
-  InstallPlanner planner(machine_.platform, {.isDetailed = true});
-  for (const std::string part : {"HD/Applications", "PHOTOSHOP_PLUGINS", "PHOTOSHOP_PLUGINS/Corvane"}) {
-    for (const WalkedItem& item : machine_.files.visibleEntries(machine_.payload(part).string())) {
-      sources.push_back(item.path);
-    }
-  }
-  for (const bool isBundle : {false, true}) {
-    const std::string folder = isBundle ? "/Bundles" : "/Files";
-    volume_.disturb(planner.planSourceFiles(sources, folder, isBundle, /*alwaysInstall=*/false));
-    std::vector<std::string> planned;
-    forEachItem(InstallPlanner(machine_.platform, {.isDetailed = true})
-                    .planSourceFiles(sources, folder, isBundle, /*alwaysInstall=*/false),
-                [&](const PlannedItem& item, const PlannedGroup&) {
-                  if (item.fate != Fate::kept) planned.push_back(item.target);
-                });
-    InstallFilesController controller(machine_.platform);
-    EXPECT_TRUE(controller.obtainAuthorization());
-    controller.installSourceFiles(sources, folder, isBundle, /*alwaysInstall=*/false);
-    EXPECT_EQ(controller.installedPaths(), planned);
-  }
-}
-
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomVolumesTest, testing::Range(1U, 21U));
 
 }  // namespace

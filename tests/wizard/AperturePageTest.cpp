@@ -10,10 +10,8 @@ class WizardWithApertureTest : public WizardTest, public testing::WithParamInter
   void SetUp() override {
     WizardTest::SetUp();
     if (IsSkipped()) return;
-    bundle_ = folder_.path() / "Installer.app";
-    fs::copy(INSTALLER_BUNDLE, bundle_, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
-    const fs::path table = bundle_ / "Contents/Resources/en.lproj/installer.strings";
-    writeFile(table, replacingOccurrences(readFile(table), R"("aperture_page" = "no")", R"("aperture_page" = "yes")"));
+    useOwnBundle();
+    configure(bundle_, "aperture_page", "yes");
     makeBundle(volume_ / "Applications/Aperture.app", {{"CFBundleIconFile", "Icon"}});
     fs::create_directories(volume_ / "Applications/Aperture.app/Contents/Resources");
     fs::copy(bundle_ / "Contents/Resources/Installer.icns",
@@ -32,19 +30,14 @@ TEST_P(WizardWithApertureTest, ShowsThePageAndStartsTheApplication) {
     EXPECT_TRUE(isEnabled("backwardButton"));
     EXPECT_NE(textIn("apertureTextView").find("Dunmore 3"), std::string::npos);
     EXPECT_FALSE(shownWidget<QLabel>("aperturePicture")->pixmap().isNull());
-    const std::string steps = ::steps();
-    EXPECT_EQ(std::ranges::count(steps, '*'), 1) << steps;
     const auto rows = window().findChildren<QLabel*>("label");
     EXPECT_EQ(rows.size(), 6);
     for (QLabel* const label : rows) {
       const QWidget* const row = label->parentWidget();
       EXPECT_TRUE(row->parentWidget()->rect().contains(row->geometry())) << fromQt(label->text()) << " is cut off";
     }
-    const std::string forward = fromQt(shownWidget<QAbstractButton>("forwardButton")->text());
     press("forwardButton");
     waitForPage("registerView");
-    look(window(), "after-aperture");
-    EXPECT_NE(fromQt(shownWidget<QAbstractButton>("forwardButton")->text()), forward) << "this one finishes";
     press("forwardButton");
   });
   expectWholeInstall();

@@ -29,7 +29,7 @@
 #include "platform/window/qt/QtText.h"
 #include "platform/window/qt/QtUserInterface.h"
 #include "shell/Wizard.h"
-#include "support/TestMachine.h"
+#include "support/ProgramTest.h"
 
 inline QWidget& window() { return *shownWidget<QWidget>("mainWindow"); }
 inline bool isEnabled(const char* button) { return shownWidget<QAbstractButton>(button)->isEnabled(); }
@@ -109,6 +109,11 @@ class WizardTest : public testing::Test {
   }
   void TearDown() override {
     if (host_ > 0) endHost();
+  }
+  /// Starts a copy of the program from now on, which a test may change.
+  void useOwnBundle() {
+    bundle_ = folder_.path() / "Installer.app";
+    copyInstaller(bundle_);
   }
 
   /// Starts the program, and the walk in its event loop; returns when the program has ended by itself.
