@@ -10,19 +10,11 @@
 
 namespace {
 
-std::string words(std::initializer_list<unsigned> values, bool isBig) {
-  std::string bytes;
-  for (const unsigned value : values) {
-    for (unsigned i = 0; i < 4; ++i) bytes += static_cast<char>(value >> 8 * (isBig ? 3 - i : i));
-  }
-  return bytes;
-}
-
 std::string thin(unsigned processor, const MadeMachO& made) {
-  std::string commands = words({0x32, 24, 1, made.minimumSystem << 16, made.minimumSystem << 16, 0}, false);
-  if (made.isSigned) commands += words({0x1D, 16, 4096, 0}, false);
+  std::string commands = bytesOf({0x32, 24, 1, made.minimumSystem << 16, made.minimumSystem << 16, 0}, false);
+  if (made.isSigned) commands += bytesOf({0x1D, 16, 4096, 0}, false);
   const auto size = static_cast<unsigned>(commands.size());
-  return words({0xFEEDFACF, processor, 0, 8, made.isSigned ? 2U : 1U, size, 0, 0}, false) + commands;
+  return bytesOf({0xFEEDFACF, processor, 0, 8, made.isSigned ? 2U : 1U, size, 0, 0}, false) + commands;
 }
 
 }  // namespace
@@ -32,12 +24,12 @@ std::string machO(const MadeMachO& made) {
   if (made.isForIntel) parts.emplace_back(0x01000007, thin(0x01000007, made));
   if (made.isForApple) parts.emplace_back(0x0100000C, thin(0x0100000C, made));
   if (parts.size() == 1) return parts.front().second;
-  std::string head = words({0xCAFEBABE, static_cast<unsigned>(parts.size())}, true);
+  std::string head = bytesOf({0xCAFEBABE, static_cast<unsigned>(parts.size())}, true);
   std::string body;
   constexpr unsigned start = 64;
   for (const auto& [processor, part] : parts) {
     const auto offset = static_cast<unsigned>(start + body.size());
-    head += words({processor, 0, offset, static_cast<unsigned>(part.size()), 0}, true);
+    head += bytesOf({processor, 0, offset, static_cast<unsigned>(part.size()), 0}, true);
     body += part;
   }
   head.resize(start);

@@ -8,19 +8,6 @@
 
 namespace {
 
-TEST_F(SetupControllerTest, ListsItsStepsAndMarksTheCurrentOne) {
-  machine_.addPhotoshop("Adobe Photoshop CS6");
-  machine_.toolkit.frames["stepIndicatorView"] = {{7, 7}, {180, 24}};
-  start();
-  EXPECT_EQ(steps(), "0 Licence* -24 Applications -48 Running -72 Installation -96 End ");
-  EXPECT_EQ(window_->view("stepIndicatorView")->subviews.size(), 5U);
-  EXPECT_EQ(window_->view("dynamicView")->subviews.size(), 5U);
-  press("nextView:");
-  EXPECT_EQ(steps(), "0 Licence -24 Applications* -48 Running -72 Installation -96 End ");
-  press("nextView:");
-  EXPECT_EQ(steps(), "0 Licence -24 Applications -48 Running -72 Installation -96 End* ");
-}
-
 TEST_F(SetupControllerTest, LeavesAPageBeforeItEntersTheNext) {
   struct NotingPage : PageController {
     NotingPage(std::string ownName, std::string& noted) : name(std::move(ownName)), order(noted) {}

@@ -55,23 +55,6 @@ class SetupControllerTest : public MachineTest {
     return text;
   }
 
-  /// The step list from its top: labels, with "*" for one that is highlighted.
-  [[nodiscard]] std::string steps() const {
-    std::map<double, std::string, std::greater<>> rows;
-    for (const auto& row : machine_.toolkit.interfaces) {
-      if (row->name != "Step Indicator") continue;
-      const auto& label = *row->views.at("label");
-      const auto& dot = dynamic_cast<const RecordingImage&>(*row->views.at("indicator")->image);
-      const bool isBlue = dot.name == "DotBlue";
-      EXPECT_EQ(label.isBold, isBlue) << label.text;
-      EXPECT_EQ(label.colour, isBlue ? TextColour::black : TextColour::grey) << label.text;
-      rows[row->views.at("stepIndicatorView")->place.origin.y] += label.text + (isBlue ? "* " : " ");
-    }
-    std::string text;
-    for (const auto& [y, row] : rows) text += std::to_string(static_cast<int>(y)) + " " + row;
-    return text;
-  }
-
   std::unique_ptr<SetupController> wizard_;
   KeyValueObserving::Observation own_;
   std::string announced_;

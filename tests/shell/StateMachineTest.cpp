@@ -4,24 +4,19 @@
 
 #include <string>
 
-#include "contract/SetupStepController.h"
 #include "shell/InstallStateController.h"
+#include "steps/PageController.h"
 
 namespace {
 
-struct Page : SetupStepController {
+struct Page : PageController {
   bool agrees = true;
   std::string asked;
 
-  [[nodiscard]] bool enableForward() const override { return true; }
-  [[nodiscard]] bool enableBackward() const override { return true; }
   [[nodiscard]] bool canProceed(std::int32_t direction) override {
     asked += direction > 0 ? "+" : "-";
     return agrees;
   }
-  void didProceed(std::int32_t /*delta*/) override {}
-  void didEnterWithModel(std::shared_ptr<SetupStepModel> /*model*/, std::shared_ptr<View> /*view*/,
-                         SetupMainController* /*mainController*/, std::int32_t /*direction*/) override {}
 };
 
 class StateMachineTest : public testing::Test {
@@ -78,17 +73,6 @@ TEST_F(StateMachineTest, StaysWhenThePageRefuses) {
   state_->retreatStateWithStepController(nullptr, nullptr);
   EXPECT_EQ(moves_, "");
   EXPECT_EQ(page_.asked, "+-");
-}
-
-TEST_F(StateMachineTest, MayMoveOnWhileItTells) {
-  const auto skipping = center_.addObserver(stateDidChangeNotification, nullptr, [this](const Notification&) {
-    if (state_->currentState() == 2) advance();
-  });
-  state_->gotoStartingState(nullptr);
-  advance();
-  advance();
-  EXPECT_EQ(state_->currentState(), 3);
-  EXPECT_EQ(moves_, "-1>0 0>1 1>2 2>3 ");
 }
 
 }  // namespace

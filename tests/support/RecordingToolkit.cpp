@@ -31,18 +31,10 @@ void RecordingView::addSubview(const std::shared_ptr<View>& view) {
   if (auto* const recording = dynamic_cast<RecordingView*>(view.get())) recording->superview_ = weak_from_this();
 }
 
-void RecordingView::setFont(bool bold, TextColour textColour) {
-  isBold = bold;
-  colour = textColour;
-}
-
 std::shared_ptr<RecordingView> RecordingWindow::view(const std::string& viewName) {
   if (missing.contains(viewName)) return nullptr;
   auto& found = views[viewName];
-  if (found == nullptr) {
-    found = std::make_shared<RecordingView>();
-    if (frames.contains(viewName)) found->place = frames.at(viewName);
-  }
+  if (found == nullptr) found = std::make_shared<RecordingView>();
   return found;
 }
 
@@ -60,7 +52,6 @@ Result<std::unique_ptr<Interface>> RecordingToolkit::loadInterface(const std::st
   if (missingInterfaces.contains(name)) return Error::posix(std::errc::no_such_file_or_directory, name);
   auto& window = interfaces.emplace_back(std::make_shared<RecordingWindow>());
   window->name = name;
-  window->frames = frames;
   window->missing = missingViews;
   return std::unique_ptr<Interface>(std::make_unique<RecordingInterface>(window));
 }

@@ -19,10 +19,6 @@ class RecordingView : public virtual TextField,
  public:
   bool isHidden = true;
   Rect place;
-  std::string text;
-  bool isBold = false;
-  TextColour colour = TextColour::black;
-  Picture image;
   std::optional<std::size_t> selectedRow;
   std::vector<std::shared_ptr<View>> subviews;
 
@@ -31,10 +27,10 @@ class RecordingView : public virtual TextField,
   void setFrame(const Rect& frame) override { place = frame; }
   void addSubview(const std::shared_ptr<View>& view) override;
   [[nodiscard]] std::shared_ptr<View> superview() const override { return superview_.lock(); }
-  void setStringValue(const std::string& value) override { text = value; }
-  void setFont(bool bold, TextColour textColour) override;
+  void setStringValue(const std::string& /*value*/) override {}
+  void setFont(bool /*isBold*/, TextColour /*colour*/) override {}
   void setDescription(const std::string& /*description*/) override {}
-  void setImage(const Picture& picture) override { image = picture; }
+  void setImage(const Picture& /*picture*/) override {}
   void selectRow(std::size_t row) override { selectedRow = row; }
 
  private:
@@ -44,7 +40,6 @@ class RecordingView : public virtual TextField,
 /// What was made of an interface description. Has every view that it is asked for, but the missing ones.
 struct RecordingWindow : Window {
   std::string name;
-  std::map<std::string, Rect> frames;  ///< of views that are going to be made
   std::set<std::string> missing;
   std::map<std::string, std::shared_ptr<RecordingView>> views = {};
   int closed = 0;
@@ -55,12 +50,6 @@ struct RecordingWindow : Window {
   void close() override { ++closed; }
 };
 
-/// A picture that is known by its name.
-struct RecordingImage : Image {
-  explicit RecordingImage(std::string imageName) : name(std::move(imageName)) {}
-  std::string name;
-};
-
 /// A toolkit without windows, whose person answers as a test wants.
 class RecordingToolkit : public Toolkit {
  public:
@@ -69,14 +58,13 @@ class RecordingToolkit : public Toolkit {
   std::vector<OpenPanel> panels;
   std::optional<std::string> chosenFolder = std::nullopt;
   std::vector<std::shared_ptr<RecordingWindow>> interfaces;  ///< in the order in which they were made
-  std::map<std::string, Rect> frames;
   std::set<std::string> missingViews;
   std::set<std::string> missingInterfaces;
 
   AlertAnswer runAlertPanel(const Alert& alert) override;
   std::optional<std::string> runOpenPanel(const OpenPanel& panel) override;
   Result<std::unique_ptr<Interface>> loadInterface(const std::string& name, InterfaceOwner& owner) override;
-  Picture imageNamed(const std::string& name) override { return std::make_shared<RecordingImage>(name); }
+  Picture imageNamed(const std::string& /*name*/) override { return nullptr; }
   Picture imageWithContentsOfFile(const std::string& /*path*/) override { return nullptr; }
   void setApplicationDelegate(ApplicationDelegate* /*delegate*/) override {}
   void run() override {}

@@ -54,6 +54,14 @@ std::string namesIn(const fs::path& folder) {
   return text;
 }
 
+std::string bytesOf(std::initializer_list<std::uint32_t> numbers, bool isBigEndian) {
+  std::string bytes;
+  for (const std::uint32_t number : numbers) {
+    for (unsigned i = 0; i < 4; ++i) bytes += static_cast<char>(number >> (8 * (isBigEndian ? 3 - i : i)));
+  }
+  return bytes;
+}
+
 std::string propertyListOf(const Texts& texts) {
   std::string list = "<plist version=\"1.0\"><dict>";
   for (const auto& [key, value] : texts) list += "<key>" + key + "</key><string>" + value + "</string>";

@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <filesystem>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -43,6 +45,8 @@ void setOwner(const fs::path& path, unsigned owner, unsigned group);
 [[nodiscard]] std::string modeOf(const fs::path& path);
 /// Names in the folder in ascending order, hidden ones included, joined by blanks.
 [[nodiscard]] std::string namesIn(const fs::path& folder);
+/// Numbers of four bytes.
+[[nodiscard]] std::string bytesOf(std::initializer_list<std::uint32_t> numbers, bool isBigEndian);
 /// A property list that is a dictionary of these texts.
 [[nodiscard]] std::string propertyListOf(const Texts& texts);
 /// A bundle with an info dictionary of these texts.

@@ -113,28 +113,20 @@ TEST_F(InstalledTest, VerifyLeavesPeopleTheirOwnFilesAndTrustsTheLogInWhatItList
   EXPECT_EQ(differences().back().second, log);
 }
 
-std::string header(std::initializer_list<std::uint32_t> words, bool isBigEndian) {
-  std::string bytes;
-  for (const std::uint32_t word : words) {
-    for (unsigned i = 0; i < 4; ++i) bytes += static_cast<char>(word >> (8 * (isBigEndian ? 3 - i : i)));
-  }
-  return bytes;
-}
-
 constexpr std::uint32_t intel = 0x01000007;
 constexpr std::uint32_t apple = 0x0100000C;
 
 TEST(MachOTest, TellsTheArchitecturesOfAllFormsInBothByteOrders) {
   using Names = std::vector<std::string>;
   for (const bool isBig : {false, true}) {
-    EXPECT_EQ(architecturesOfMachO(header({0xFEEDFACF, apple, 0x80000002, 2, 0, 0, 0, 0}, isBig)), Names{"arm64e"});
-    EXPECT_EQ(architecturesOfMachO(header({0xFEEDFACE, 18, 0, 2, 0, 0, 0}, isBig)), Names{"ppc"});
-    EXPECT_EQ(architecturesOfMachO(header({0xCAFEBABE, 2, intel, 3, 0, 0, 0, apple, 0, 0, 0, 0}, isBig)),
+    EXPECT_EQ(architecturesOfMachO(bytesOf({0xFEEDFACF, apple, 0x80000002, 2, 0, 0, 0, 0}, isBig)), Names{"arm64e"});
+    EXPECT_EQ(architecturesOfMachO(bytesOf({0xFEEDFACE, 18, 0, 2, 0, 0, 0}, isBig)), Names{"ppc"});
+    EXPECT_EQ(architecturesOfMachO(bytesOf({0xCAFEBABE, 2, intel, 3, 0, 0, 0, apple, 0, 0, 0, 0}, isBig)),
               (Names{"x86_64", "arm64"}));
-    EXPECT_EQ(architecturesOfMachO(header({0xCAFEBABF, 2, 7, 3, 0, 0, 0, 0, 0, 0, 99, 0, 0, 0, 0, 0, 0, 0}, isBig)),
+    EXPECT_EQ(architecturesOfMachO(bytesOf({0xCAFEBABF, 2, 7, 3, 0, 0, 0, 0, 0, 0, 99, 0, 0, 0, 0, 0, 0, 0}, isBig)),
               (Names{"i386", "cpu 99"}));
-    EXPECT_EQ(architecturesOfMachO(header({0xCAFEBABE, 52, 1, 2, 3}, isBig)), std::nullopt) << "a class file";
-    EXPECT_EQ(architecturesOfMachO(header({0xCAFEBABE, 2, intel, 3, 0, 0, 0, apple}, isBig)), std::nullopt);
+    EXPECT_EQ(architecturesOfMachO(bytesOf({0xCAFEBABE, 52, 1, 2, 3}, isBig)), std::nullopt) << "a class file";
+    EXPECT_EQ(architecturesOfMachO(bytesOf({0xCAFEBABE, 2, intel, 3, 0, 0, 0, apple}, isBig)), std::nullopt);
   }
   for (const std::string bytes : {"", "\xCF", "#!/bin/sh\n", "\xCF\xFA\xED\xFE\x07"}) {
     EXPECT_EQ(architecturesOfMachO(bytes), std::nullopt);
@@ -149,7 +141,7 @@ TEST_F(InstalledTest, HostsTellWhoCanLoadThePlugIn) {
   };
   EXPECT_EQ(facts().canLoad, std::nullopt) << "nobody knows";
   const auto write = [&](const fs::path& path, std::initializer_list<std::uint32_t> words) {
-    writeFile(path, header(words, /*isBigEndian=*/true));
+    writeFile(path, bytesOf(words, /*isBigEndian=*/true));
   };
   const fs::path offered = machine_.payload("PHOTOSHOP_PLUGINS/Corvane/Grain.plugin/Contents/MacOS/Grain");
   const std::string application = "/Applications/Adobe Photoshop CS6/Adobe Photoshop CS6.app";

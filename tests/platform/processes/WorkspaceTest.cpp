@@ -66,6 +66,16 @@ class WorkspaceTest : public MachineTest {
     return isSo();
   }
 
+  /// What an application writes that is a shell's commands.
+  std::string writtenBy(LinuxWorkspace& workspace, const std::string& commands) {
+    fs::create_directories(on("/out"));
+    ::chmod(on("/out").c_str(), 0777);
+    makeApplication("Writer", "#!/bin/sh\n{ " + commands + "; } >\"$1/writing\"\nmv \"$1/writing\" \"$1/written\"\n");
+    EXPECT_NE(workspace.launchHidden(pathOf("Writer"), {on("/out"), "-no-ui $HOME *"}), nullptr);
+    EXPECT_TRUE(eventually([&] { return fs::exists(on("/out/written")); }));
+    return readFile(on("/out/written"));
+  }
+
   const std::string own_ = "T" + std::to_string(::getpid()) + "-";
   /// Runs until it is killed, as what it is.
   const std::string waitingScript_ = "#!/bin/sh -e\nkill -STOP $$\n";
@@ -131,16 +141,10 @@ TEST_F(WorkspaceTest, ReportsEachTerminationOnce) {
 }
 
 TEST_F(WorkspaceTest, LaunchesAsTheUserInASessionOfItsOwn) {
-  fs::create_directories(on("/out"));
-  ::chmod(on("/out").c_str(), 0777);
-  makeApplication("Writer",
-                  "#!/bin/sh\nexec >\"$1/writing\"\ngrep -E '^(Uid|Gid|CapPrm|NSsid)' /proc/self/status\n"
-                  "env\npwd\necho \"<$2>\"\nmv \"$1/writing\" \"$1/written\"\n");
   ::setenv("SECRET", "of ours", 1);
-  EXPECT_NE(workspace_.launchHidden(pathOf("Writer"), {on("/out"), "-no-ui $HOME *"}), nullptr);
+  const std::string written =
+      writtenBy(workspace_, "grep -E '^(Uid|Gid|CapPrm|NSsid)' /proc/self/status; env; pwd; echo \"<$2>\"");
   ::unsetenv("SECRET");
-  ASSERT_TRUE(eventually([&] { return fs::exists(on("/out/written")); }));
-  const std::string written = readFile(on("/out/written"));
   const auto says = [&](const std::string& text) { return written.find(text) != std::string::npos; };
   const std::string user = std::to_string(user_.account().id);
   EXPECT_TRUE(says("Uid:\t" + user + "\t" + user + "\t" + user + "\t" + user)) << written;
@@ -162,12 +166,7 @@ TEST_F(WorkspaceTest, LaunchesInAllGroupsOfTheUser) {
   const uid_t id = *userNumber("installer-trial");
   const PosixUser user{{id, *groupNumber("installer-trial"), "installer-trial", "/nonexistent"}, {"en"}};
   LinuxWorkspace workspace{volume_, files_, platform_.bundles, user, log_, runLoop_, UserSession(user, HELPERS_FOLDER)};
-  fs::create_directories(on("/out"));
-  ::chmod(on("/out").c_str(), 0777);
-  makeApplication("Groups", "#!/bin/sh\nid -Gn >\"$1/writing\"\nmv \"$1/writing\" \"$1/written\"\n");
-  EXPECT_NE(workspace.launchHidden(pathOf("Groups"), {on("/out")}), nullptr);
-  ASSERT_TRUE(eventually([&] { return fs::exists(on("/out/written")); }));
-  EXPECT_EQ(readFile(on("/out/written")), "installer-trial games users\n");
+  EXPECT_EQ(writtenBy(workspace, "id -Gn"), "installer-trial games users\n");
 }
 
 TEST_F(WorkspaceTest, TerminatesLaunchedApplications) {
