@@ -106,16 +106,8 @@ class RandomVolume {
   std::vector<fs::path> mounted_;
 };
 
-/// What is known of an item in advance, to be compared with what the install says of it.
-struct Outcome {
-  std::string target;
-  bool isInstalled = false;
-  [[nodiscard]] bool operator==(const Outcome&) const = default;
-};
-
-std::ostream& operator<<(std::ostream& output, const Outcome& outcome) {
-  return output << (outcome.isInstalled ? "+ " : "- ") << outcome.target << '\n';
-}
+/// Targets, and whether they are installed.
+using Outcomes = std::vector<std::pair<std::string, bool>>;
 
 class RandomVolumesTest : public testing::TestWithParam<unsigned> {
  protected:
@@ -130,10 +122,9 @@ class RandomVolumesTest : public testing::TestWithParam<unsigned> {
 TEST_P(RandomVolumesTest, ThePlanIsWhatHappensAndVerifyAgrees) {
   volume_.disturb(plan());
   const PlanReport report = makePlanReport(machine_.platform);
-  std::vector<Outcome> planned;
-  std::set<std::string> there;
+  Outcomes planned;
   forEachItem(report.plan, [&](const PlannedItem& item, const PlannedGroup&) {
-    planned.push_back({item.target, item.fate != Fate::kept});
+    planned.emplace_back(item.target, item.fate != Fate::kept);
     const bool isThere = fs::exists(fs::symlink_status(machine_.onVolume(item.target)));
     if (item.fate != Fate::kept) {
       EXPECT_EQ(item.fate == Fate::replaced, isThere) << item.target;
@@ -147,10 +138,10 @@ TEST_P(RandomVolumesTest, ThePlanIsWhatHappensAndVerifyAgrees) {
     if (path.ends_with(".log")) continue;
     EXPECT_EQ(installed.erase(path), 1U) << path;
   }
-  std::vector<Outcome> happened;
-  for (const Outcome& outcome : planned) {
-    const auto found = installed.find(outcome.target);
-    happened.push_back({outcome.target, found != installed.end()});
+  Outcomes happened;
+  for (const auto& [target, isPlanned] : planned) {
+    const auto found = installed.find(target);
+    happened.emplace_back(target, found != installed.end());
     if (found != installed.end()) installed.erase(found);
   }
   EXPECT_EQ(happened, planned);
@@ -160,19 +151,18 @@ TEST_P(RandomVolumesTest, ThePlanIsWhatHappensAndVerifyAgrees) {
   std::set<std::string> wanting;
   for (const ItemDifference& difference : verifyInstall(machine_.platform, /*isOnlyLogged=*/false).differences) {
     std::string place = difference.path;
-    while (place.size() > 1 && std::ranges::find(planned, place, &Outcome::target) == planned.end()) {
+    while (place.size() > 1 && std::ranges::find(planned, place, &Outcomes::value_type::first) == planned.end()) {
       place = deletingLastPathComponent(place);
     }
     EXPECT_FALSE(inPlace.contains(place)) << difference.path;
     wanting.insert(place);
   }
   bool isComplete = true;
-  for (const Outcome& outcome : planned) {
-    const std::string& target = outcome.target;
-    isComplete = isComplete && outcome.isInstalled;
+  for (const auto& [target, isPlanned] : planned) {
+    isComplete = isComplete && isPlanned;
     // A folder that is installed later brings it, or is itself what is missing.
     const bool isInFolder = std::ranges::any_of(
-        planned, [&](const Outcome& other) { return other.target != target && isAtOrBelow(target, other.target); });
+        planned, [&, &own = target](const auto& other) { return other.first != own && isAtOrBelow(own, other.first); });
     if (!isInFolder) {
       EXPECT_EQ(wanting.contains(target), !inPlace.contains(target)) << target;
     }
