@@ -2,6 +2,9 @@
 
 #include "support/RecordingAuthorizations.h"
 
+#include <span>
+#include <utility>
+
 #include "platform/Transaction.h"
 
 namespace {

@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "platform/Authorization.h"
