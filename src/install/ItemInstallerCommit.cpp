@@ -71,12 +71,12 @@ void ItemInstaller::dropUnwanted() {
   const PlannedBatch* batch = nullptr;
   bool copiesNewFiles = true;
   std::erase_if(staged_, [&](const Member& member) {
-    if (std::exchange(batch, member.batch) != member.batch) copiesNewFiles = true;
+    const PlannedBatch& current = *member.batch;
+    if (std::exchange(batch, &current) != &current) copiesNewFiles = true;
     const PlannedItem& item = *member.item;
-    if (!member.batch->alwaysInstall && platform_.files.isTaken(item.target)) {
-      copiesNewFiles = member.batch->isBundle
-                           ? isFileOkToInstallByBundleVersion(platform_, item.source, item.target)
-                           : isFileOkToInstallByModificationTime(platform_, item.source, item.target);
+    if (!current.alwaysInstall && platform_.files.isTaken(item.target)) {
+      copiesNewFiles = current.isBundle ? isFileOkToInstallByBundleVersion(platform_, item.source, item.target)
+                                        : isFileOkToInstallByModificationTime(platform_, item.source, item.target);
     }
     return !copiesNewFiles;
   });
