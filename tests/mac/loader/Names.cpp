@@ -99,8 +99,9 @@ std::map<std::string, std::uint64_t> makeNames() {
       names[name] = functionThatCounts(name, reinterpret_cast<std::uint64_t>(found));
     }
   }
-  for (const auto& subject : {namesOfCopying(), namesOfErrors(), namesOfFiles(), namesOfFrameworks(), namesOfPrograms(),
-                              namesOfProcesses(), namesOfText(), namesOfThreads()}) {
+  for (const auto& subject :
+       {namesOfCopying(), namesOfErrors(), namesOfFileRecords(), namesOfFiles(), namesOfFrameworks(), namesOfPrograms(),
+        namesOfProcesses(), namesOfText(), namesOfThreads()}) {
     for (const Name& name : subject) {
       const auto address = reinterpret_cast<std::uint64_t>(name.address);
       names[name.name] = name.isFunction ? functionThatCounts(name.name, address) : address;

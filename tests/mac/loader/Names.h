@@ -24,6 +24,7 @@ Name function(const char* name, Function* address) {
 // What differs between the two systems, by subject. The names have the underscore that a C compiler puts there.
 std::vector<Name> namesOfCopying();
 std::vector<Name> namesOfErrors();
+std::vector<Name> namesOfFileRecords();
 std::vector<Name> namesOfFiles();
 std::vector<Name> namesOfFrameworks();
 std::vector<Name> namesOfPrograms();
@@ -52,6 +53,9 @@ void setThreadLocals(std::uint64_t address, std::uint64_t initialized, std::uint
 
 /// AT_FDCWD of this system for a Mac's, any other folder as it is.
 int folderFromMac(int folder);
+
+/// The flags of this system's calls that take an open folder and a name.
+int atFlagsFromMac(int flags);
 
 /// Gives a new item the group of its folder, as every new item has it on a Mac, if this process may.
 void giveGroupOfFolder(int folder, const char* name);
