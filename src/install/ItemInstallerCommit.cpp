@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <utility>
 
 #include "foundation/Format.h"
@@ -68,15 +69,14 @@ bool ItemInstaller::appearsInTime(const PlannedItem& item) {
 }
 
 void ItemInstaller::dropUnwanted() {
-  const PlannedBatch* batch = nullptr;
-  bool copiesNewFiles = true;
+  std::map<const PlannedBatch*, bool> copiesNewFilesOf;  // carried over from item to item of a batch
   std::erase_if(staged_, [&](const Member& member) {
-    const PlannedBatch& current = *member.batch;
-    if (std::exchange(batch, &current) != &current) copiesNewFiles = true;
+    bool& copiesNewFiles = copiesNewFilesOf.try_emplace(member.batch, true).first->second;
     const PlannedItem& item = *member.item;
-    if (!current.alwaysInstall && platform_.files.isTaken(item.target)) {
-      copiesNewFiles = current.isBundle ? isFileOkToInstallByBundleVersion(platform_, item.source, item.target)
-                                        : isFileOkToInstallByModificationTime(platform_, item.source, item.target);
+    if (!member.batch->alwaysInstall && platform_.files.isTaken(item.target)) {
+      copiesNewFiles = member.batch->isBundle
+                           ? isFileOkToInstallByBundleVersion(platform_, item.source, item.target)
+                           : isFileOkToInstallByModificationTime(platform_, item.source, item.target);
     }
     return !copiesNewFiles;
   });
