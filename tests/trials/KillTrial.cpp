@@ -49,7 +49,8 @@ class KillTrial : public Trial {
     say(title + ": " + counted(figures.runs, "runs, ") + counted(figures.broken, "with a lost or incomplete item, ") +
         counted(figures.mixed, "partly old and partly new, ") + counted(figures.leftovers, "staging items left over"));
     EXPECT_EQ(figures.broken, 0);
-    EXPECT_LE(figures.mixed, std::max(figures.runs / 100, 1));
+    // The aim is 1 %. A short trial cannot tell 1 % from 2 %, so it fails only for far more.
+    EXPECT_LE(figures.mixed, figures.runs >= 1000 ? figures.runs / 100 : 2 + figures.runs / 25);
     EXPECT_EQ(figures.brokenAfterNextRun, 0);
     EXPECT_EQ(figures.leftovers, 0);
   }
