@@ -162,9 +162,10 @@ void InstallFilesController::itemFailed(const std::string& path, const Error& re
 void InstallFilesController::progressed(const InstallProgress& progress) {
   if (mainController_ == nullptr) return;
   announce({"installProgress", "installStatus"}, [&] {
-    shownProgress_ = std::max(shownProgress_, progress.fraction());
+    const auto now = std::chrono::steady_clock::now();
+    shownProgress_ = std::max(shownProgress_, progress.fraction(now));
     progress_ = progress;
-    pace_.note(shownProgress_, std::chrono::steady_clock::now());
+    pace_.note(shownProgress_, now);
   });
   platform_.runLoop.runUntilDate(RunLoop::Clock::now());
 }

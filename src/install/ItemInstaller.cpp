@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "install/ItemInstallerObserver.h"
@@ -9,7 +10,7 @@
 
 void ItemInstaller::install(const InstallPlan& plan) {
   staged_.clear();
-  progress_ = {.planned = plan.totalSize()};
+  progress_ = {.planned = plan.totalSize(), .begun = std::chrono::steady_clock::now()};
   isOutOfRoom_ = std::ranges::any_of(
       plan.space(), [](const SpaceNeed& need) { return need.required > need.available && !need.mayShareBlocks; });
   isOneAtATime_ = false;
@@ -134,16 +135,15 @@ void ItemInstaller::discard() {
 
 void ItemInstaller::finish() {
   if (transaction_ != nullptr) {
-    progress_.phase = InstallProgress::Phase::flushing;
+    progress_.enter(InstallProgress::Phase::cleaningUp, std::chrono::steady_clock::now());
     listener_.progressed(progress_);
     if (const Status flushed = flush(); !flushed) fail(flushed.error().subject, flushed.error());
-    progress_.phase = InstallProgress::Phase::cleaningUp;
     discard();
   }
   if (report_.shortage || report_.wasCutShort() || tools_.isDenied()) return;
   if (const auto signal = platform_.interruptions.requested()) {
     report_.interruption = {*signal, Interruption::Moment::tooLate};
   }
-  progress_.phase = InstallProgress::Phase::done;
+  progress_.enter(InstallProgress::Phase::done, std::chrono::steady_clock::now());
   listener_.progressed(progress_);
 }

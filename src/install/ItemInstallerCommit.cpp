@@ -18,6 +18,8 @@ Status notThere(const std::string& path) { return Error::posix(std::errc::no_suc
 
 void ItemInstaller::commit() {
   if (transaction_ == nullptr) return;
+  if (!isOneAtATime_) progress_.enter(InstallProgress::Phase::flushing, std::chrono::steady_clock::now());
+  listener_.progressed(progress_);
   if (const Status flushed = flush(); !flushed) {
     failAll(staged_, flushed.error());
     return discard();

@@ -105,4 +105,25 @@ TEST_F(InstallTextsTest, TellBeforehandWhatIsReplacedAndHowLargeItIs) {
   EXPECT_EQ(progressText(platform_, progress, std::chrono::seconds(1)), "flushing");
 }
 
+TEST(InstallProgressTest, GoesOnInEachPhase) {
+  using Phase = InstallProgress::Phase;
+  const InstallProgress::Time start;
+  const auto after = [&](int seconds) { return start + std::chrono::seconds(seconds); };
+  std::vector<double> course;
+  InstallProgress progress{.planned = {.bytes = 10'000'000, .files = 400}, .begun = start};
+  for (std::uint64_t part = 0; part < 10; ++part) {
+    progress.copied = {.bytes = 1'000'000 * part, .files = 40 * part};
+    course.push_back(progress.fraction(after(0)));
+  }
+  progress.enter(Phase::flushing, after(2));
+  for (const int time : {2, 3, 4, 6, 10}) course.push_back(progress.fraction(after(time)));
+  progress.enter(Phase::cleaningUp, after(20));
+  for (const int time : {20, 21, 22, 25, 30}) course.push_back(progress.fraction(after(time)));
+  progress.enter(Phase::done, after(40));
+  course.push_back(progress.fraction(after(40)));
+  for (std::size_t i = 1; i < course.size(); ++i) EXPECT_GT(course[i], course[i - 1]) << i;
+  EXPECT_EQ(course.front(), 0);
+  EXPECT_EQ(course.back(), 1);
+}
+
 }  // namespace
