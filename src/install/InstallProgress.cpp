@@ -5,15 +5,6 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
-
-// As measured by bench/progress-benchmark, between a volume in memory and a slow disk.
-constexpr double bytesOfAFile = 50'000;
-constexpr double staged = 0.7;
-constexpr double flushed = 0.85;
-
-}  // namespace
-
 void InstallProgress::enter(Phase next, Time now) {
   if (phase == Phase::staging) staging = now - begun;
   phase = next;
@@ -21,6 +12,10 @@ void InstallProgress::enter(Phase next, Time now) {
 }
 
 double InstallProgress::fraction(Time now) const {
+  // As measured by bench/progress-benchmark, between a volume in memory and a slow disk.
+  constexpr double bytesOfAFile = 50'000;
+  constexpr double staged = 0.7;
+  constexpr double flushed = 0.85;
   const auto approach = [&](double from, double to) {
     return staging.count() > 0 ? to - (to - from) * std::exp(-(now - begun) / staging) : from;
   };
