@@ -14,6 +14,13 @@ constexpr std::uint32_t magicOf64Bits = 0xFEEDFACF;
 constexpr std::uint32_t magicOfSeveral = 0xCAFEBABE;
 constexpr std::uint32_t magicOfSeveralLarge = 0xCAFEBABF;
 
+// Load commands.
+constexpr std::uint32_t segment = 0x1;
+constexpr std::uint32_t largeSegment = 0x19;
+constexpr std::uint32_t signature = 0x1D;
+constexpr std::uint32_t minimumOfMac = 0x24;
+constexpr std::uint32_t buildVersion = 0x32;
+
 /// Classes of another language's programs start alike; the number of their version follows and is greater.
 constexpr std::uint32_t mostArchitectures = 42;
 
@@ -104,11 +111,29 @@ std::string versionFrom(std::uint32_t packed) {
   return (packed & 0xFFU) == 0 ? version : version + "." + std::to_string(packed & 0xFFU);
 }
 
+/// Whether so many bytes from an offset on are there. The numbers have 32 bits.
+bool isThere(std::string_view bytes, std::uint64_t offset, std::uint64_t length) {
+  return offset + length <= bytes.size();
+}
+
+/// Whether the segment or the signature that a whole load command speaks of is there. `bytes` begin with the header.
+bool holdsContent(std::string_view bytes, std::size_t at, ByteOrder order) {
+  constexpr std::size_t signatureSize = 16;
+  constexpr std::size_t segmentSize = 56;
+  constexpr std::size_t largeSegmentSize = 72;
+  const auto word = [&](std::size_t number) { return wordAt(bytes, at + number * wordSize, order); };
+  const std::uint32_t command = word(0);
+  if (command == signature) return word(1) >= signatureSize && isThere(bytes, word(2), word(3));
+  if (command == segment) return word(1) >= segmentSize && isThere(bytes, word(8), word(9));
+  if (command != largeSegment) return true;
+  // Upper words first or last; what needs them is beyond the bytes of any program.
+  const std::size_t low = order == ByteOrder::big ? 1 : 0;
+  return word(1) >= largeSegmentSize && word(11 - low) == 0 && word(13 - low) == 0 &&
+         isThere(bytes, word(10 + low), word(12 + low));
+}
+
 /// Reads the load commands of what is for one architecture.
 void readCommands(std::string_view bytes, MachOPart& part) {
-  constexpr std::uint32_t signature = 0x1D;
-  constexpr std::uint32_t minimumOfMac = 0x24;
-  constexpr std::uint32_t buildVersion = 0x32;
   constexpr std::size_t header32 = 28;
   constexpr std::size_t header64 = 32;
   if (bytes.size() < header32) return;
@@ -116,15 +141,19 @@ void readCommands(std::string_view bytes, MachOPart& part) {
   const auto order = asLittle == magicOf32Bits || asLittle == magicOf64Bits ? ByteOrder::little : ByteOrder::big;
   const std::uint32_t count = wordAt(bytes, 4 * wordSize, order);
   std::size_t at = wordAt(bytes, 0, order) == magicOf64Bits ? header64 : header32;
-  for (std::uint32_t i = 0; i < count && at + 4 * wordSize <= bytes.size(); ++i) {
-    const std::uint32_t command = wordAt(bytes, at, order);
-    if (command == signature) part.isSigned = true;
-    if (command == minimumOfMac) part.minimumSystem = versionFrom(wordAt(bytes, at + 2 * wordSize, order));
-    if (command == buildVersion) part.minimumSystem = versionFrom(wordAt(bytes, at + 3 * wordSize, order));
+  for (std::uint32_t i = 0; i < count; ++i) {
+    if (!isThere(bytes, at, 2 * wordSize)) return;
     const std::uint32_t size = wordAt(bytes, at + wordSize, order);
-    if (size < 2 * wordSize) return;
+    if (size < 2 * wordSize || !isThere(bytes, at, size)) return;
+    const std::uint32_t command = wordAt(bytes, at, order);
+    const bool hasValues = size >= 4 * wordSize;
+    if (hasValues && command == signature) part.isSigned = true;
+    if (hasValues && command == minimumOfMac) part.minimumSystem = versionFrom(wordAt(bytes, at + 2 * wordSize, order));
+    if (hasValues && command == buildVersion) part.minimumSystem = versionFrom(wordAt(bytes, at + 3 * wordSize, order));
+    if (!holdsContent(bytes, at, order)) return;
     at += size;
   }
+  part.isWhole = true;
 }
 
 }  // namespace

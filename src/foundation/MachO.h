@@ -20,8 +20,9 @@ struct MachOPart {
   std::string architecture;
   std::string minimumSystem = {};  ///< "11.0"; empty where the file does not say
   bool isSigned = false;           ///< holds a signature, be it one that names nobody
+  bool isWhole = false;            ///< everything that its load commands speak of is there
 };
 
 /// The parts of a Mac executable, from all of its bytes; nothing when they are not those of one. Damage inside a part
-/// leaves its last two fields empty.
+/// leaves its other fields empty.
 [[nodiscard]] std::optional<std::vector<MachOPart>> partsOfMachO(std::string_view bytes);

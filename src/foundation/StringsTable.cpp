@@ -180,6 +180,6 @@ class TableParser {
 StringsTable parseStringsTable(std::string_view bytes) {
   const DecodedText decoded = decodeTextFile(bytes);
   StringsTable table = TableParser(decoded.text).parse();
-  if (table.problem.empty() && !decoded.lossless) table.problem = "some of it is neither UTF-8 nor UTF-16";
+  if (table.problem.empty() && !decoded.lossless) table.problem = wrongEncoding;
   return table;
 }

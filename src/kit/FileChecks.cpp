@@ -2,6 +2,7 @@
 
 // Names, modes, links and marks of all that is in the bundle.
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,7 +19,8 @@ constexpr const char* programFolder = "Contents/MacOS";
 constexpr const char* helperFolder = "Contents/Helpers";
 
 bool canBeNamed(std::string_view name) {
-  return isValidUtf8(name) && name.find_first_of(":\n\r\t") == std::string_view::npos;
+  constexpr std::string_view iconOfFolder = "Icon\r";
+  return name == iconOfFolder || (isValidUtf8(name) && name.find_first_of(":\n\r\t") == std::string_view::npos);
 }
 
 void checkName(const TreeItem& item, std::map<std::string, std::string>& known, Findings& findings) {
@@ -62,8 +64,9 @@ std::string outermostHolder(const InspectedBundle& bundle, const std::string& pa
   return holder;
 }
 
-/// Where a link leads, with ".." worked out by the names alone; empty for a place above the bundle.
-std::string destination(const TreeItem& link) {
+/// Where a link leads, with ".." worked out by the names alone; nothing for a place outside the bundle.
+std::optional<std::string> destination(const TreeItem& link) {
+  if (link.link.starts_with('/')) return std::nullopt;
   std::vector<std::string_view> parts = split(link.path, '/');
   parts.pop_back();
   for (const std::string_view part : split(link.link, '/')) {
@@ -71,7 +74,7 @@ std::string destination(const TreeItem& link) {
     if (part != "..") {
       parts.push_back(part);
     } else if (parts.empty()) {
-      return {};
+      return std::nullopt;
     } else {
       parts.pop_back();
     }
@@ -82,12 +85,13 @@ std::string destination(const TreeItem& link) {
 }
 
 void checkLink(const InspectedBundle& bundle, const TreeItem& item, Findings& findings) {
-  if (item.type != ItemType::symbolicLink || !isAtOrBelow(item.path, bundle.payloadFolder())) return;
-  const std::string holder = outermostHolder(bundle, item.path);
+  if (item.type != ItemType::symbolicLink) return;
+  const bool isPayload = isAtOrBelow(item.path, bundle.payloadFolder());
+  const std::string holder = isPayload ? outermostHolder(bundle, item.path) : "";
   const Place place{.file = item.path};
-  if (holder.empty()) return;  // it is not installed
-  const std::string leadsTo = destination(item);
-  if (item.link.starts_with('/') || !isAtOrBelow(leadsTo, holder)) {
+  if (isPayload && holder.empty()) return;  // it is not installed
+  const auto leadsTo = destination(item);
+  if (!leadsTo || (isPayload && !isAtOrBelow(*leadsTo, holder))) {
     findings.add("files.link-out", place, {item.link});
   } else if (!bundle.platform().files.exists(bundle.fullPath(item.path))) {
     findings.add("files.link-dangling", place, {item.link});

@@ -19,7 +19,7 @@ InspectedBundle::InspectedBundle(Platform& platform)
     : platform_(platform),
       items_(platform.files.everythingBelow(platform.bundles.mainBundle().bundlePath()).valueOr({})),
       payloadFolder_(ownPayloadFolder) {
-  if (const auto bytes = read(std::string(settingsTable))) settings_ = parseStringsTable(*bytes);
+  settings_ = table(std::string(settingsTable));
   if (const std::string beside = setting("payload"); !beside.empty()) {
     payloadFolder_ = joinPath("..", beside);
     for (TreeItem& item : platform.files.everythingBelow(fullPath(payloadFolder_)).valueOr({})) {
@@ -66,6 +66,31 @@ std::optional<std::string> InspectedBundle::read(const std::string& path) const 
   auto bytes = platform_.files.readFile(fullPath(path), largestInspectedFile);
   if (!bytes) return std::nullopt;
   return std::move(*bytes);
+}
+
+bool InspectedBundle::hasWholeSettings() const {
+  return item(std::string(settingsTable)) != nullptr && settings_.problem.empty();
+}
+
+StringsTable InspectedBundle::table(const std::string& path) const {
+  const auto bytes = read(path);
+  if (!bytes) return {};
+  if (!bytes->starts_with("bplist") && !bytes->starts_with("<?xml")) return parseStringsTable(*bytes);
+  const auto list = readPropertyList(*bytes);
+  StringsTable table;
+  if (!list) table.problem = list.error().reason();
+  const auto* const entries = list ? list->as<Value::Dictionary>() : nullptr;
+  if (entries == nullptr) return table;
+  for (const auto& [key, text] : *entries) table.texts.emplace(key, text.text());
+  return table;
+}
+
+std::string InspectedBundle::fallbackLanguage() const {
+  const std::string& offered = setting("languages");
+  const auto words = split(offered, ' ');
+  if (std::ranges::find(words, "en") != words.end()) return "en";
+  const auto first = std::ranges::find_if_not(words, &std::string_view::empty);
+  return first == words.end() ? "en" : std::string(*first);
 }
 
 std::string InspectedBundle::localized(std::string_view language, std::string_view file) {

@@ -29,15 +29,24 @@ class InspectedBundle {
   /// The whole file; nothing when it cannot be read.
   [[nodiscard]] std::optional<std::string> read(const std::string& path) const;
 
+  /// A table of texts, as it was written or as a build has compiled it. Empty when there is none.
+  [[nodiscard]] StringsTable table(const std::string& path) const;
+
   /// Names of the languages that have a folder and are offered; English always is, as what others lack.
   [[nodiscard]] const std::vector<std::string>& languages() const { return languages_; }
   [[nodiscard]] bool hasLanguage(std::string_view language) const;
+  /// The language of whoever's own is not offered.
+  [[nodiscard]] std::string fallbackLanguage() const;
   /// Path of a file of a language.
   [[nodiscard]] static std::string localized(std::string_view language, std::string_view file);
 
   /// Path of the folder with the payload: in the bundle, or beside it where it waits for being packed.
   [[nodiscard]] const std::string& payloadFolder() const { return payloadFolder_; }
+  [[nodiscard]] bool hasPayloadFolder() const { return platform_.files.exists(fullPath(payloadFolder_)); }
 
+  /// The table that says what the installer installs. Half a table makes wrong findings.
+  [[nodiscard]] const StringsTable& settings() const { return settings_; }
+  [[nodiscard]] bool hasWholeSettings() const;
   /// A text of the table that says what the installer installs; empty when it is missing.
   [[nodiscard]] const std::string& setting(std::string_view key) const;
 

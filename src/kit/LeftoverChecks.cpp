@@ -55,8 +55,8 @@ class LeftoverSearch {
     for (const std::string_view content : split(text, '\n')) searchIn(content, {.file = file, .line = ++line});
   }
 
-  void searchTable(std::string_view bytes, const std::string& file) const {
-    for (const auto& [key, text] : parseStringsTable(bytes).texts) searchIn(text, {.file = file, .key = key});
+  void searchTable(const StringsTable& table, const std::string& file) const {
+    for (const auto& [key, text] : table.texts) searchIn(text, {.file = file, .key = key});
   }
 
   void searchPage(std::string_view bytes, const std::string& file) const {
@@ -88,7 +88,7 @@ void checkLeftovers(const InspectedBundle& bundle, Findings& findings) {
     const std::string_view type = pathExtension(item.path);
     const std::string bytes = bundle.read(item.path).value_or("");
     if (type == "strings") {
-      search.searchTable(bytes, item.path);
+      search.searchTable(bundle.table(item.path), item.path);
     } else if (type == "rtf") {
       search.searchPage(bytes, item.path);
     } else if (type == "txt" || type == "ui" || item.path == ownInfoList) {

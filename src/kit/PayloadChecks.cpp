@@ -49,7 +49,7 @@ class PayloadCheck {
       reportSkipped(part);
       for (const WalkedItem& item : part.items) checkPlace(item, name);
     }
-    if (count == 0) findings_.add("payload.empty", {.file = folder_});
+    if (count == 0 && !isMisplaced_) findings_.add("payload.empty", {.file = folder_});
     for (const TreeItem& item : bundle_.items()) {
       const bool isPart = isAtOrBelow(item.path, folder_) && item.type == ItemType::other;
       if (isPart) findings_.add("payload.device", {.file = item.path});
@@ -63,7 +63,9 @@ class PayloadCheck {
       const std::string name = lastPathComponent(item.path);
       if (deletingLastPathComponent(item.path) != folder_) continue;
       const bool isPart = item.type == ItemType::folder && std::ranges::find(payloadParts, name) != payloadParts.end();
-      if (!isPart) findings_.add("payload.part", {.file = item.path}, {name});
+      if (isPart) continue;
+      findings_.add("payload.part", {.file = item.path}, {name});
+      isMisplaced_ |= item.type == ItemType::folder;
     }
   }
 
@@ -74,6 +76,7 @@ class PayloadCheck {
         const std::string path = bundle_.relativePath(entry.path);
         // Without a company's name, which is a mistake by itself, everybody's folder is a stranger's.
         const bool isUnclear = company_.empty() && isAtOrBelow(path, support_);
+        isMisplaced_ |= isUnclear || entry.reason == SkippedEntry::Reason::notPartOfProduct;
         if (entry.reason == reason && !isUnclear) reportSkipped(reason, path);
       }
     }
@@ -142,8 +145,11 @@ class PayloadCheck {
   std::string support_;              ///< the maker's folders lie in it
   std::string company_;              ///< as its folders are called
   std::set<std::string> strangers_;  ///< folders that should have this name, perhaps
+  bool isMisplaced_ = false;         ///< there is a product, and another mistake keeps it from being installed
 };
 
 }  // namespace
 
-void checkPayload(const InspectedBundle& bundle, Findings& findings) { PayloadCheck(bundle, findings).run(); }
+void checkPayload(const InspectedBundle& bundle, Findings& findings) {
+  if (bundle.hasPayloadFolder() || bundle.payloadFolder() == ownPayloadFolder) PayloadCheck(bundle, findings).run();
+}

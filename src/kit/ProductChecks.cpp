@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The configuration: what the product and the installer are called, and what the maker has chosen.
+// What the product and the installer are called.
 #include <algorithm>
 #include <array>
 #include <string>
@@ -18,18 +18,13 @@ namespace {
 
 constexpr const char* ownInfo = "Contents/Info.plist";
 
-/// A place in the table of all languages.
-Place inSettings(std::string_view key) { return {.file = std::string(settingsTable), .key = std::string(key)}; }
-
 bool isForFiles(std::string_view name) {
   return name != "." && name != ".." && name.find('/') == std::string_view::npos;
 }
 
 /// The keys of a table, which may be that of one language.
 void checkKeys(const InspectedBundle& bundle, const std::string& file, Findings& findings) {
-  const auto bytes = bundle.read(file);
-  if (!bytes) return;
-  for (const auto& [key, text] : parseStringsTable(*bytes).texts) {
+  for (const auto& [key, text] : bundle.table(file).texts) {
     const bool isKnown = std::ranges::find(configurationKeys, key, &ConfigurationKey::name) != configurationKeys.end();
     if (!isKnown) findings.add("product.unknown-key", {.file = file, .key = key}, {key});
     const bool isForAll = key == "company_name" || key == "product_name" || key == "languages";
@@ -43,8 +38,9 @@ void checkNames(const InspectedBundle& bundle, Findings& findings) {
   for (const char* const key : {"company_name", "product_name", "app_plist"}) {
     if (bundle.setting(key).empty()) findings.add("product.missing", inSettings(key), {key});
   }
-  for (const char* const key : {"company_name", "external_editors"}) {
-    const std::string& name = bundle.setting(key);
+  for (const char* const key : {"company_name", "product_name", "external_editors"}) {
+    std::string name = bundle.setting(key);
+    if (std::string_view(key) == "product_name") name = replacingOccurrences(name, "/", ":");
     if (!isForFiles(name)) findings.add("product.folder-name", inSettings(key), {name});
   }
   const std::string& domain = bundle.setting("app_plist");
@@ -54,58 +50,13 @@ void checkNames(const InspectedBundle& bundle, Findings& findings) {
 }
 
 /// A key that is missing means the sample's editor, as it did when there was no key for it.
-void checkEditors(const InspectedBundle& bundle, const StringsTable& settings, Findings& findings) {
+void checkEditors(const InspectedBundle& bundle, Findings& findings) {
   const auto& sample = referenceSettings().texts;
   const std::string& company = bundle.setting("company_name");
   const bool isSample = company.empty() || company == sample.at("company_name");
-  const bool isNamed = settings.texts.contains("external_editors");
+  const bool isNamed = bundle.settings().texts.contains("external_editors");
   const bool isOfSample = !isNamed || bundle.setting("external_editors") == sample.at("external_editors");
   if (!isSample && isOfSample) findings.add("product.editors", inSettings("external_editors"));
-}
-
-void checkChoices(const InspectedBundle& bundle, Findings& findings) {
-  for (const std::string_view language : split(bundle.setting("languages"), ' ')) {
-    if (language.empty() || bundle.hasLanguage(language)) continue;
-    findings.add("product.language", inSettings("languages"), {language});
-  }
-  for (const std::string_view host : split(bundle.setting("hosts"), ' ')) {
-    if (host.empty() || std::ranges::find(hostKinds, host) != hostKinds.end()) continue;
-    findings.add("product.host", inSettings("hosts"), {host});
-  }
-  for (const std::string_view path : split(bundle.setting("external_editor_applications"), ';')) {
-    const std::string_view application = trimmed(path);
-    if (application.empty() || application.starts_with('/')) continue;
-    findings.add("product.path", inSettings("external_editor_applications"), {application});
-  }
-  if (bundle.payloadFolder() != ownPayloadFolder && bundle.item(std::string(ownPayloadFolder)) != nullptr) {
-    findings.add("product.two-payloads", inSettings("payload"), {bundle.payloadFolder()});
-  }
-}
-
-/// What the install does besides copying, and what it needs for that.
-void checkExtras(const InspectedBundle& bundle, Findings& findings) {
-  for (const ConfigurationKey& key : configurationKeys) {
-    const std::string& text = bundle.setting(key.name);
-    if (key.kind != ConfigurationKey::Kind::flag || text.empty() || text == "yes" || text == "no") continue;
-    findings.add("product.flag", inSettings(key.name), {text});
-  }
-  const auto isInFolder = [&](std::string_view folder) {
-    return std::ranges::any_of(bundle.items(), [&](const TreeItem& item) {
-      return deletingLastPathComponent(item.path) == folder && item.isPackage;
-    });
-  };
-  if (bundle.setting("aperture_page") == "yes" && !isInFolder("Contents/SharedSupport/Standalone")) {
-    findings.add("product.stand-alone", inSettings("aperture_page"));
-  }
-  const bool hasEarlier = isInFolder("Contents/SharedSupport/PlugIn") || isInFolder("Contents/SharedSupport/AutoLayer");
-  if (bundle.setting("remove_earlier") == "yes" && !hasEarlier) {
-    findings.add("product.earlier", inSettings("remove_earlier"));
-  }
-  const std::string& preset = bundle.setting("lightroom_preset");
-  const std::string application = joinPath({bundle.payloadFolder(), "HD/Applications", preset});
-  if (!preset.empty() && bundle.item(application) == nullptr) {
-    findings.add("product.preset", inSettings("lightroom_preset"), {preset});
-  }
 }
 
 bool isIdentifier(std::string_view text) {
@@ -147,16 +98,14 @@ void checkIdentity(const InspectedBundle& bundle, const Value& info, Findings& f
 
 void checkProduct(const InspectedBundle& bundle, Findings& findings) {
   const Value info = readOwnInfo(bundle, findings);
+  if (bundle.item(std::string(settingsTable)) == nullptr) {
+    findings.add("product.no-table", {.file = std::string(settingsTable)});
+  }
+  if (!bundle.hasWholeSettings()) return;
   for (const std::string& language : bundle.languages()) {
     checkKeys(bundle, InspectedBundle::localized(language, "installer.strings"), findings);
   }
-  const auto bytes = bundle.read(std::string(settingsTable));
-  if (!bytes) return findings.add("product.no-table", {.file = std::string(settingsTable)});
-  const StringsTable settings = parseStringsTable(*bytes);
-  if (!settings.problem.empty()) return;  // what is missing is so because of that
   checkIdentity(bundle, info, findings);
   checkNames(bundle, findings);
-  checkEditors(bundle, settings, findings);
-  checkChoices(bundle, findings);
-  checkExtras(bundle, findings);
+  checkEditors(bundle, findings);
 }

@@ -6,7 +6,6 @@
 #include <set>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "foundation/MachO.h"
 #include "foundation/Path.h"
@@ -19,14 +18,12 @@ namespace {
 /// Processors of the Macs that the host applications run on.
 constexpr std::array<std::string_view, 2> hostArchitectures = {"arm64", "x86_64"};
 
-constexpr std::array<std::string_view, 6> bundlesOfCode = {"app", "plugin", "bundle", "component", "appex", "xpc"};
+constexpr std::array<std::string_view, 6> bundlesOfCode = {"app", "plugin", "8bf", "component", "appex", "xpc"};
+constexpr std::array<std::string_view, 2> bundlesOfScripts = {"lrplugin", "lrdevplugin"};
 
-/// A bundle of the payload with the version that upgrades go by.
-struct VersionedBundle {
-  std::string path;
-  std::vector<std::string_view> parts;
-  std::string version;
-};
+bool isOfTypes(const auto& types, std::string_view type) {
+  return std::ranges::any_of(types, [&](std::string_view known) { return equalIgnoringCase(known, type); });
+}
 
 bool isNumber(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
@@ -35,7 +32,12 @@ bool isNumber(std::string_view text) {
 class ProgramCheck {
  public:
   ProgramCheck(const InspectedBundle& bundle, Findings& findings)
-      : bundle_(bundle), findings_(findings), minimum_(entryOf(bundle.info(""), "LSMinimumSystemVersion").text()) {}
+      : bundle_(bundle),
+        findings_(findings),
+        minimum_(entryOf(bundle.info(""), "LSMinimumSystemVersion").text()),
+        product_(bundle.setting("product_version").empty()
+                     ? entryOf(bundle.info(""), "CFBundleShortVersionString").text()
+                     : bundle.setting("product_version")) {}
 
   void run() {
     for (const TreeItem& item : bundle_.items()) {
@@ -43,21 +45,32 @@ class ProgramCheck {
       if (item.isPackage) checkBundle(item);
       if (item.type == ItemType::regularFile) checkCode(item);
     }
-    checkVersionParts();
   }
 
  private:
   void checkBundle(const TreeItem& item) {
     const std::string_view type = pathExtension(item.path);
-    const bool isCode = std::ranges::find(bundlesOfCode, type) != bundlesOfCode.end();
+    if (isOfTypes(bundlesOfScripts, type)) return checkScripts(item);
+    const bool isCode = isOfTypes(bundlesOfCode, type);
+    const std::string list = joinPath(item.path, "Contents/Info.plist");
     const Value info = bundle_.info(item.path);
     if (info.as<Value::Dictionary>() == nullptr) {
-      if (isCode) findings_.add("programs.no-info", {.file = joinPath(item.path, "Contents/Info.plist")});
+      if (isCode || equalIgnoringCase(type, "bundle")) {
+        findings_.add("programs.no-info", {.file = list},
+                      {"Info.plist", "Write a property list that is a dictionary."});
+      }
       return;
     }
-    const std::string list = joinPath(item.path, "Contents/Info.plist");
-    checkExecutable(item, info, type == "app");
+    checkExecutable(item, info, isCode);
     if (!isPartOfOther(item.path)) checkVersion(list, entryOf(info, "CFBundleVersion").text());
+  }
+
+  /// Lightroom reads its plug-ins in either place.
+  void checkScripts(const TreeItem& item) {
+    const std::string list = joinPath(item.path, "Info.lua");
+    if (bundle_.item(list) != nullptr) return;
+    if (bundle_.item(joinPath(item.path, "Contents/Resources/Info.lua")) != nullptr) return;
+    findings_.add("programs.no-info", {.file = list}, {"Info.lua", "Put the description of the plug-in there."});
   }
 
   /// Whether the bundle lies in another one, with which it is replaced.
@@ -103,28 +116,21 @@ class ProgramCheck {
   void checkVersion(const std::string& list, const std::string& version) {
     const Place place{.file = list, .key = "CFBundleVersion"};
     if (version.empty()) return findings_.add("versions.none", place);
-    VersionedBundle versioned{.path = list, .parts = {}, .version = version};
-    for (const std::string_view part : split(version, '.')) {
+    const auto parts = split(version, '.');
+    for (const std::string_view part : parts) {
       if (!isNumber(part))
         return findings_.add("versions.part", place, {version, part, BundleVersion::parse(version).digits()});
       constexpr std::size_t mostDigits = 4;
-      const bool isFirst = versioned.parts.empty();
+      const bool isFirst = part.data() == version.data();
       if (!isFirst && part.size() > mostDigits) return findings_.add("versions.long", place, {version, part});
-      versioned.parts.push_back(part);
     }
-    versions_.push_back(std::move(versioned));
-  }
-
-  /// A version with fewer parts counts as older than any with more, whatever they say.
-  void checkVersionParts() {
-    std::size_t most = 0;
-    for (const VersionedBundle& versioned : versions_) most = std::max(most, versioned.parts.size());
-    for (const VersionedBundle& versioned : versions_) {
-      if (versioned.parts.size() == most) continue;
-      std::string longer = versioned.version;
-      for (std::size_t i = versioned.parts.size(); i < most; ++i) longer += ".0";
-      findings_.add("versions.parts", {.file = versioned.path, .key = "CFBundleVersion"}, {versioned.version, longer});
-    }
+    // A version with fewer parts counts as older than any with more, whatever they say. The product's own tells how
+    // many there were, and bundles that go by it begin like it.
+    const auto wanted = split(product_, '.');
+    if (parts.size() >= wanted.size() || parts.front() != wanted.front()) return;
+    std::string longer = version;
+    for (std::size_t i = parts.size(); i < wanted.size(); ++i) longer += ".0";
+    findings_.add("versions.parts", place, {version, product_, longer});
   }
 
   void checkCode(const TreeItem& item) {
@@ -136,6 +142,7 @@ class ProgramCheck {
     for (const MachOPart& part : *parts) {
       architectures.insert(part.architecture);
       all += (all.empty() ? "" : ", ") + part.architecture;
+      if (!part.isWhole) return findings_.add("programs.damaged", {.file = item.path}, {part.architecture});
       if (isNewer(part.minimumSystem)) {
         findings_.add("programs.minimum-system", {.file = item.path}, {part.minimumSystem, minimum_});
       }
@@ -165,8 +172,8 @@ class ProgramCheck {
 
   const InspectedBundle& bundle_;
   Findings& findings_;
-  std::string minimum_;
-  std::vector<VersionedBundle> versions_;
+  std::string minimum_;  ///< system that the installer needs
+  std::string product_;  ///< version of the product
 };
 
 }  // namespace

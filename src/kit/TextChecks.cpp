@@ -17,12 +17,14 @@ namespace {
 
 constexpr std::string_view replacementCharacter = "\uFFFD";
 
+constexpr std::string_view aperturePage = "aperture.rtf";
+
 struct Page {
   std::string_view name;
   std::string_view placeholder;  ///< without which the page makes no sense; may be empty
 };
 constexpr std::array<Page, 4> pages = {
-    {{"host_running.rtf", "%HOSTNAME%"}, {"proceed.rtf", "%PRODUCTNAME%"}, {"register.rtf", ""}, {"aperture.rtf", ""}}};
+    {{"host_running.rtf", "%HOSTNAME%"}, {"proceed.rtf", "%PRODUCTNAME%"}, {"register.rtf", ""}, {aperturePage, ""}}};
 constexpr std::array<std::string_view, 3> placeholders = {"%HOSTNAME%", "%PRODUCTNAME%", "%COMPANYNAME%"};
 
 /// Words in capitals between two per-cent signs.
@@ -65,39 +67,56 @@ void checkLicence(const std::string& file, const std::string& bytes, Findings& f
   }
 }
 
-/// Where a resource of a language is looked for after the language's own folder.
-bool hasFallback(const InspectedBundle& bundle, std::string_view name) {
-  return bundle.item(InspectedBundle::localized("en", name)) != nullptr ||
-         bundle.item(InspectedBundle::localized("Base", name)) != nullptr ||
-         bundle.item(joinPath(resourcesFolder, name)) != nullptr;
-}
-
 /// Reads the resource in every language and reports where there is none.
 template <class Check>
 void checkEach(const InspectedBundle& bundle, std::string_view name, std::string_view idWhenMissing, Findings& findings,
                const Check& check) {
   const std::string id(idWhenMissing);
-  const bool isAnywhere = hasFallback(bundle, name);
+  const std::string fallback = bundle.fallbackLanguage();
   const bool isForAll = bundle.item(joinPath(resourcesFolder, name)) != nullptr;
-  if (!isAnywhere) findings.add(id + "-missing", {.file = InspectedBundle::localized("en", name)}, {name});
+  const bool hasFallback =
+      std::ranges::any_of(std::array<std::string_view, 3>{fallback, "en", "Base"},
+                          [&](auto other) { return bundle.item(InspectedBundle::localized(other, name)) != nullptr; });
   for (const std::string& language : bundle.languages()) {
     const std::string file = InspectedBundle::localized(language, name);
+    const bool isOffered = language != "en" || fallback == "en";
     const auto bytes = bundle.read(file);
     if (bytes) {
       check(file, *bytes);
-    } else if (isAnywhere && !isForAll && language != "en") {
+    } else if (isOffered && !isForAll && !hasFallback) {
+      findings.add(id + "-missing", {.file = InspectedBundle::localized(fallback, name)}, {name});
+    } else if (isOffered && !isForAll && language != "en") {
       findings.add(id + "-untranslated", {.file = file}, {name, language});
     }
+  }
+}
+
+/// Of a text with no placeholders but those of the names.
+void checkPlaceholders(std::string_view text, const Place& place, Findings& findings) {
+  for (const std::string& placeholder : placeholdersIn(text)) {
+    if (placeholder == "%PRODUCTNAME%" || placeholder == "%COMPANYNAME%") continue;
+    findings.add("texts.placeholder", place, {placeholder});
   }
 }
 
 }  // namespace
 
 void checkTexts(const InspectedBundle& bundle, Findings& findings) {
-  checkEach(bundle, "license.txt", "texts.licence", findings,
-            [&](const std::string& file, const std::string& bytes) { checkLicence(file, bytes, findings); });
+  checkEach(bundle, "license.txt", "texts.licence", findings, [&](const std::string& file, const std::string& bytes) {
+    checkLicence(file, bytes, findings);
+    checkPlaceholders(bytes, {.file = file}, findings);
+  });
   for (const Page& page : pages) {
+    if (page.name == aperturePage && bundle.setting("aperture_page") != "yes") continue;
     checkEach(bundle, page.name, "texts.page", findings,
               [&](const std::string& file, const std::string& bytes) { checkPage(page, file, bytes, findings); });
+  }
+  for (const std::string& language : bundle.languages()) {
+    for (const char* const table : {"Localizable.strings", "installer.strings"}) {
+      const std::string file = InspectedBundle::localized(language, table);
+      for (const auto& [key, text] : bundle.table(file).texts) {
+        checkPlaceholders(text, {.file = file, .key = key}, findings);
+      }
+    }
   }
 }

@@ -11,7 +11,6 @@
 
 #include "foundation/Path.h"
 #include "kit/Checks.h"
-#include "kit/Reference.h"
 #include "kit/WindowNames.h"
 #include "platform/window/InterfaceFile.h"
 
@@ -21,10 +20,24 @@ bool isOneOf(std::span<const std::string_view> names, std::string_view name) {
   return std::ranges::find(names, name) != names.end();
 }
 
+bool isTextKey(std::string_view property) { return property == "textKey" || property == "nameKey"; }
+
+void addTextKeys(const DescribedElement& element, std::set<std::string, std::less<>>& keys) {
+  for (const auto& [property, value] : element.connections()) {
+    if (isTextKey(property)) keys.insert(value);
+  }
+  for (const DescribedElement& child : element.children) addTextKeys(child, keys);
+}
+
 class DescriptionCheck {
  public:
-  DescriptionCheck(const InspectedBundle& bundle, const DescriptionNames& names, std::string file, Findings& findings)
-      : bundle_(bundle), names_(names), file_(std::move(file)), findings_(findings) {}
+  /// `texts` is null when a table is damaged, which may have any.
+  DescriptionCheck(const InspectedBundle& bundle, const DescriptionNames& names, const Texts* texts, Findings& findings)
+      : bundle_(bundle),
+        names_(names),
+        texts_(texts),
+        file_(joinPath(resourcesFolder, names.file)),
+        findings_(findings) {}
 
   void visit(const DescribedElement& element) {
     const std::string name = element.attribute("name");
@@ -51,8 +64,8 @@ class DescriptionCheck {
       }
     } else if (property == "imageName") {
       if (!hasPicture(bundle_, value)) findings_.add("window.picture", place, {value});
-    } else if (property == "textKey" || property == "nameKey") {
-      if (!referenceTexts().texts.contains(value)) findings_.add("window.text", place, {value});
+    } else if (isTextKey(property)) {
+      if (texts_ != nullptr && !texts_->contains(value)) findings_.add("window.text", place, {value});
     } else if (property.starts_with("bind") || property == "sets") {
       if (!isOneOf(bindingNames, property)) return findings_.add("window.binding", place, {property});
       const std::string_view key = value.substr(value.starts_with('!') ? 1 : 0);
@@ -64,6 +77,7 @@ class DescriptionCheck {
 
   const InspectedBundle& bundle_;
   const DescriptionNames& names_;
+  const Texts* texts_;
   std::string file_;
   Findings& findings_;
   std::set<std::string, std::less<>> objects_;
@@ -71,7 +85,20 @@ class DescriptionCheck {
 
 }  // namespace
 
+std::set<std::string, std::less<>> textKeysOfWindow(const InspectedBundle& bundle) {
+  std::set<std::string, std::less<>> keys;
+  for (const DescriptionNames& names : descriptions()) {
+    const auto description = parseInterfaceFile(bundle.read(joinPath(resourcesFolder, names.file)).value_or(""));
+    if (description) addTextKeys(*description, keys);
+  }
+  return keys;
+}
+
 void checkWindow(const InspectedBundle& bundle, Findings& findings) {
+  const Texts texts = wantedTexts(bundle);
+  const bool isAnyDamaged = std::ranges::any_of(bundle.languages(), [&](const std::string& language) {
+    return !bundle.table(InspectedBundle::localized(language, "Localizable.strings")).problem.empty();
+  });
   for (const DescriptionNames& names : descriptions()) {
     const std::string file = joinPath(resourcesFolder, names.file);
     const auto bytes = bundle.read(file);
@@ -84,7 +111,7 @@ void checkWindow(const InspectedBundle& bundle, Findings& findings) {
       findings.add("window.damaged", {.file = file}, {description ? "it is no window" : description.error().reason()});
       continue;
     }
-    DescriptionCheck check(bundle, names, file, findings);
+    DescriptionCheck check(bundle, names, isAnyDamaged ? nullptr : &texts, findings);
     check.visit(*description);
     check.reportMissingObjects();
   }

@@ -58,7 +58,23 @@ TEST(CheckTest, LeavesDeliberateChoicesAlone) {
   makeBundle(bundle.payload("PHOTOSHOP_PLUGINS/Tools/Helper.app/Contents/PlugIns/Other.bundle"),
              {{"CFBundleVersion", "1.4b"}});
   bundle.write("files/HD/Applications/Studio.app/Contents/Resources/.hidden", "");
+  bundle.write("files/HD/Library/Application Support/Corvane/Dunmore 3/Icon\r", "");
+  bundle.edit("files/HD/Applications/Studio.app/Contents/Info.plist", "3.1.2", "7.0");
   bundle.write("de.lproj/installer.strings", "copyright = '2026';");
+  bundle.edit("en.lproj/installer.strings", "\"remove_earlier\" = \"no\"", "\"remove_earlier\" = \"yes\"");
+  bundle.write("../SharedSupport/PlugIn/Dunmore", "");
+  bundle.edit("MainWindow.ui", "name_steps", "own_label");
+  for (const std::string table : {"de.lproj/Localizable.strings", "en.lproj/Localizable.strings"}) {
+    bundle.write(table, bundle.read(table) + "own_label = Hello;");
+  }
+  EXPECT_EQ(shown(bundle.findings()), "");
+}
+
+TEST(CheckTest, WantsTextsInTheLanguagesThatAreOffered) {
+  const MadeBundle bundle;
+  bundle.edit("en.lproj/installer.strings", "\"languages\" = \"\"", "\"languages\" = \"de\"");
+  for (const char* const text : {"license.txt", "proceed.rtf"}) bundle.remove(std::string("en.lproj/") + text);
+  for (const char* const language : {"de", "en"}) bundle.remove(std::string(language) + ".lproj/aperture.rtf");
   EXPECT_EQ(shown(bundle.findings()), "");
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 std::string thin(unsigned processor, const MadeMachO& made) {
   std::string commands = bytesOf({0x32, 24, 1, made.minimumSystem << 16, made.minimumSystem << 16, 0}, false);
-  if (made.isSigned) commands += bytesOf({0x1D, 16, 4096, 0}, false);
+  if (made.isSigned) commands += bytesOf({0x1D, 16, 32, 16}, false);
   const auto size = static_cast<unsigned>(commands.size());
   return bytesOf({0xFEEDFACF, processor, 0, 8, made.isSigned ? 2U : 1U, size, 0, 0}, false) + commands;
 }
@@ -61,7 +61,9 @@ void MadeBundle::makePayload() const {
   writeFile(payload("HD/Library/Application Support/Corvane/Dunmore 3/Presets/.order"), "Wei\u00DF");
   writeFile(payload("HD/Library/Application Support/Adobe/Lightroom/Modules/Dunmore.lrplugin/Info.lua"), "return {}");
   writeFile(payload("PHOTOSHOP/Presets/Actions/Dunmore.atn"), "actions");
-  makeBundle(payload("PHOTOSHOP/Plug-ins/Extra.plugin"), {{"CFBundleVersion", "3.1.0"}});
+  makeBundle(payload("PHOTOSHOP/Plug-ins/Extra.plugin"),
+             {{"CFBundleExecutable", "Extra"}, {"CFBundleVersion", "3.1.0"}});
+  writeFile(payload("PHOTOSHOP/Plug-ins/Extra.plugin/Contents/MacOS/Extra"), machO({}));
   makeBundle(payload("PHOTOSHOP_PLUGINS/Dunmore.plugin"),
              {{"CFBundleExecutable", "Dunmore"}, {"CFBundleVersion", "3.1.2"}});
   writeFile(payload("PHOTOSHOP_PLUGINS/Dunmore.plugin/Contents/MacOS/Dunmore"), machO({}));

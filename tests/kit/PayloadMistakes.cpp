@@ -47,6 +47,14 @@ const std::vector<Mistake>& payloadMistakes() {
       {"payload.part", files + "Read Me.txt", "PHOTOSHOP_PLUGINS", writing("files/Read Me.txt", "")},
       {"payload.company-folder", support + "Korvane", "\"Corvane\"",
        renaming(makers, "files/HD/Library/Application Support/Korvane")},
+      {"payload.company-folder", support + "Korvane", "\"Corvane\"",
+       [](Of b) {
+         b.rename(makers, "files/HD/Library/Application Support/Korvane");
+         for (const char* const part : {"PHOTOSHOP", "PHOTOSHOP_PLUGINS", "LIGHTROOM", "HD/Applications",
+                                        "HD/Library/Application Support/Adobe"}) {
+           b.remove(std::string("files/") + part);
+         }
+       }},
       {"payload.loose", support + "Corvane/Read Me.txt", "Library/Application Support/Corvane",
        writing(inMakers("Read Me.txt"), "")},
       {"payload.loose", files + "HD/Applications/Read Me.txt", "package",
@@ -69,12 +77,24 @@ const std::vector<Mistake>& payloadMistakes() {
        }},
 
       {"programs.no-info", plugIn + "Contents/Info.plist", "property list", writing(versions, "<plist>")},
+      {"programs.no-info", support + "Adobe/Lightroom/Modules/Dunmore.lrplugin/Info.lua", "description of the plug-in",
+       [](Of b) {
+         b.rename("files/HD/Library/Application Support/Adobe/Lightroom/Modules/Dunmore.lrplugin/Info.lua",
+                  "files/HD/Library/Application Support/Adobe/Lightroom/Modules/Dunmore.lrplugin/Infos.lua");
+       }},
+      {"programs.missing", plugIn + "Contents/Info.plist (CFBundleExecutable)", "CFBundleExecutable",
+       [](Of b) {
+         b.edit(versions, "CFBundleExecutable", "CFExecutable");
+         b.remove(program);
+       }},
       {"programs.missing", plugIn + "Contents/Info.plist (CFBundleExecutable)", "letter case",
        renaming(program, std::string(program) + "3")},
       {"programs.kind", studio + "Contents/MacOS/Studio", "for Macs",
        writing("files/HD/Applications/Studio.app/Contents/MacOS/Studio",
                "\x7F"
                "ELF")},
+      {"programs.damaged", plugIn + "Contents/MacOS/Dunmore", "whole file",
+       [](Of b) { b.write(program, b.read(program).substr(0, b.read(program).size() - 8)); }},
       {"programs.architecture", plugIn + "Contents/MacOS/Dunmore", "arm64",
        writing(program, machO({.isForApple = false}))},
       {"programs.architecture", plugIn + "Contents/MacOS/Dunmore", "x86_64",
@@ -102,6 +122,12 @@ const std::vector<Mistake>& payloadMistakes() {
       {"files.link-out", product + "Shared", "same package", linking("../Shared", inMakers("Dunmore 3/Shared"))},
       {"files.link-out", plugIn + "Help", "same package",
        linking("/usr/share/help", "files/PHOTOSHOP_PLUGINS/Dunmore.plugin/Help")},
+      {"files.link-out", "Contents/Resources/de.lproj/license.txt", "file itself",
+       [](Of b) {
+         writeFile(b.path().parent_path() / "license.txt", "Lizenz");
+         b.remove("de.lproj/license.txt");
+         linking("../../../../license.txt", "de.lproj/license.txt")(b);
+       }},
       {"files.link-dangling", studio + "Contents/Resources/Index", "Correct", removing(help)},
       {"files.quarantine", plugIn.substr(0, plugIn.size() - 1), "xattr -dr",
        [](Of b) {

@@ -12,6 +12,7 @@ const std::string germanTable = german + "Localizable.strings";
 const std::string names = resources + "en.lproj/installer.strings";
 const std::string mainWindow = resources + "MainWindow.ui";
 
+constexpr const char* englishTexts = "en.lproj/Localizable.strings";
 constexpr const char* germanTexts = "de.lproj/Localizable.strings";
 constexpr const char* productNames = "en.lproj/installer.strings";
 constexpr const char* window = "MainWindow.ui";
@@ -68,10 +69,58 @@ const std::vector<Mistake>& resourceMistakes() {
          configure(b.path(), "company_name", "Corvane/West");
          configure(b.path(), "external_editors", "");
        }},
+      {"product.folder-name", names + " (product_name)", "full stops",
+       editing(productNames, "\"Dunmore 3\"", "\"..\"")},
       {"product.domain", names + " (app_plist)", "com.company.product", configuring("app_plist", "dunmore3.plist")},
       {"product.flag", names + " (identifier_file)", "yes or no", configuring("identifier_file", "true")},
       {"product.stand-alone", names + " (aperture_page)", "Standalone", configuring("aperture_page", "yes")},
       {"product.earlier", names + " (remove_earlier)", "PlugIn", configuring("remove_earlier", "yes")},
+      {"product.earlier", names + " (remove_earlier)", "PlugIn",
+       [](Of b) {
+         configure(b.path(), "remove_earlier", "yes");
+         fs::create_directories(b.at("../SharedSupport/PlugIn"));
+       }},
+      {"product.hidden", "Contents/SharedSupport/PlugIn/.DS_Store", "Remove",
+       [](Of b) {
+         configure(b.path(), "remove_earlier", "yes");
+         b.write("../SharedSupport/PlugIn/.DS_Store", "");
+         b.write("../SharedSupport/AutoLayer/Old.8bf", "");
+       }},
+      {"product.hidden", "Contents/SharedSupport/Standalone/.DS_Store", "Remove",
+       [](Of b) {
+         configure(b.path(), "aperture_page", "yes");
+         b.write("../SharedSupport/Standalone/.DS_Store", "");
+         b.write("../SharedSupport/Standalone/Studio.app/PkgInfo", "");
+       }},
+      {"product.not-installed", "Contents/SharedSupport/Standalone/Editor.app", "HD/Applications",
+       [](Of b) {
+         configure(b.path(), "aperture_page", "yes");
+         b.write("../SharedSupport/Standalone/Editor.app/PkgInfo", "");
+       }},
+      {"product.no-host", names + " (hosts)", "Add lightroom",
+       [](Of b) {
+         configure(b.path(), "hosts", "photoshop");
+         b.remove("files/HD/Library/Application Support/Adobe");
+       }},
+      {"product.no-host", names + " (hosts)", "Add photoshop",
+       [](Of b) {
+         configure(b.path(), "hosts", "lightroom");
+         b.remove("files/PHOTOSHOP_PLUGINS");
+       }},
+      {"product.no-host", names + " (hosts)", "Add lightroom",
+       [](Of b) {
+         configure(b.path(), "hosts", "aperture");
+         configure(b.path(), "lightroom_preset", "Studio.app");
+         for (const char* const part :
+              {"PHOTOSHOP", "PHOTOSHOP_PLUGINS", "LIGHTROOM", "HD/Library/Application Support/Adobe"}) {
+           b.remove(std::string("files/") + part);
+         }
+       }},
+      {"product.no-payload", names + " (payload)", "Correct the name",
+       [](Of b) {
+         configure(b.path(), "payload", "Nowhere");
+         b.remove("files");
+       }},
       {"product.preset", names + " (lightroom_preset)", "HD/Applications",
        configuring("lightroom_preset", "Editor.app")},
       {"product.info", "Contents/Info.plist", "dictionary", editing("../Info.plist", "</dict>", "")},
@@ -90,6 +139,12 @@ const std::vector<Mistake>& resourceMistakes() {
        editing("en.lproj/Localizable.strings", "\"Continue\";", "\"Continue\"")},
       {"tables.encoding", germanTable, "UTF-8", addingToTable("// caf\xE9")},
       {"tables.repeated", germanTable + " (quit)", "all but one", addingToTable("quit = Ende;")},
+      {"tables.damaged", names + ":7", "Correct the line", editing(productNames, "\"Dunmore 3\";", "\"Dunmore 3\"")},
+      {"tables.missing-key", germanTable + " (own_label)", "\"Hello\"",
+       [](Of b) {
+         b.edit(window, "name_steps", "own_label");
+         addingToTable("own_label = Hello;", englishTexts)(b);
+       }},
       {"tables.missing-key", germanTable + " (go_back)", "\"Go Back\"", editing(germanTexts, "\"go_back\" =", "//")},
       {"tables.unknown-key", germanTable + " (go_bakc)", "name of the key", addingToTable("go_bakc = zur;")},
       {"tables.empty", germanTable + " (finish)", "Write the text",
@@ -100,6 +155,11 @@ const std::vector<Mistake>& resourceMistakes() {
        editing(germanTexts, "\"done\" = \"", "$&%@ ")},
 
       {"texts.licence-missing", resources + "en.lproj/license.txt", "UTF-8", removing("en.lproj/license.txt")},
+      {"texts.licence-missing", german + "license.txt", "UTF-8",
+       [](Of b) {
+         configure(b.path(), "languages", "de");
+         for (const char* const language : {"de", "en"}) b.remove(std::string(language) + ".lproj/license.txt");
+       }},
       {"texts.licence-untranslated", german + "license.txt", "in this language", removing("de.lproj/license.txt")},
       {"texts.licence-encoding", german + "license.txt", "UTF-8",
        writing("de.lproj/license.txt",
@@ -115,6 +175,10 @@ const std::vector<Mistake>& resourceMistakes() {
        writing("de.lproj/register.rtf", "{\\rtf1\\ansi\\ansicpg1251 gr\\'fcn}")},
       {"texts.page-placeholder", german + "proceed.rtf", "%PRODUCTNAME%",
        writing("de.lproj/proceed.rtf", rtf("%PRODUKT%"))},
+      {"texts.placeholder", german + "license.txt", "%PRODUCTNAME%",
+       writing("de.lproj/license.txt", "Lizenz von %PRODUKTNAME%")},
+      {"texts.placeholder", germanTable + " (done)", "%COMPANYNAME%",
+       editing(germanTexts, "\"done\" = \"", "$&%FIRMA% ")},
       {"texts.page-lacks", german + "host_running.rtf", "%HOSTNAME%",
        writing("de.lproj/host_running.rtf", rtf("Beenden"))},
 
