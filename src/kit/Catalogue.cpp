@@ -128,6 +128,8 @@ const std::vector<CatalogueEntry>& catalogueOfResources() {
        "Give %1$@ the pixels of this file, and remove this one."},
       {"pictures.hidden-by", warning, "the file is never read, because %1$@ comes first", "Users see %1$@.",
        "Remove one of the two."},
+      {"pictures.template", warning, "the picture is still that of the template",
+       "Users see a grey sign for a picture that is missing.", "Put a picture of your own there."},
       // The window.
       {"window.missing", error, "there is no %1$@", "The installer has no such page, or does not start.",
        "Put the file back."},

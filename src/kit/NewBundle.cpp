@@ -2,6 +2,7 @@
 
 #include "kit/NewBundle.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <system_error>
@@ -9,6 +10,7 @@
 #include "foundation/Path.h"
 #include "kit/InspectedBundle.h"
 #include "kit/NewTexts.h"
+#include "kit/TemplatePictures.h"
 
 namespace {
 
@@ -20,9 +22,18 @@ constexpr std::uint32_t anybodyStarts = 0111;
 constexpr std::array<std::string_view, 5> emptyParts = {"HD/Applications", "HD/Library/Application Support",
                                                         "PHOTOSHOP", "PHOTOSHOP_PLUGINS", "LIGHTROOM"};
 
+/// Whether the file is the product's picture, of whichever type.
+bool isOwnPicture(std::string_view path) {
+  if (!isAtOrBelow(path, resourcesFolder)) return false;
+  const std::string name = lastPathComponent(path);
+  return std::ranges::any_of(templatePictures(), [&](const TemplatePicture& picture) {
+    return name.substr(0, name.find('.')) == picture.name.substr(0, picture.name.find('.'));
+  });
+}
+
 /// What is the product's and not the installer's.
 bool isOfProduct(std::string_view path) {
-  return isAtOrBelow(path, ownPayloadFolder) || isAtOrBelow(path, "Contents/SharedSupport") ||
+  return isOwnPicture(path) || isAtOrBelow(path, ownPayloadFolder) || isAtOrBelow(path, "Contents/SharedSupport") ||
          isAtOrBelow(path, "Contents/_CodeSignature");
 }
 
@@ -62,6 +73,10 @@ Status makeNewBundle(Platform& platform, const std::string& folder) {
   }
   for (const std::string_view part : emptyParts) {
     if (Status made = files.createDirectory(joinPath({app, ownPayloadFolder, part}), folderMode); !made) return made;
+  }
+  for (const TemplatePicture& picture : templatePictures()) {
+    const std::string file = joinPath({app, resourcesFolder, picture.name});
+    if (Status made = files.createFile(file, picture.bytes, fileMode); !made) return made;
   }
   return files.createFile(joinPath(folder, "Read Me.txt"), instructions(), fileMode);
 }

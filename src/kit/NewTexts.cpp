@@ -89,9 +89,10 @@ std::string instructions() {
    Remove the folders of languages that you do not offer.
 
 3. Installer.app/Contents/Resources
-   Product.png       the picture beside the steps, 196 by 460 points, twice as many pixels
-   Installer.icns    the installer's icon
-   The other pictures can stay.
+   Product.png       the picture beside the steps, 392 by 920 pixels
+   Installer.icns    the installer's icon, up to 1024 by 1024 pixels
+   These two are grey until you replace them; the other pictures can stay. One file serves every screen: it has two
+   pixels a point, and is scaled down where the screen has one. There is no second file for it; NAME@2x.png is not read.
 
 4. Installer.app/Contents/Resources/files
    Put your product into these folders, and remove those that you do not need:

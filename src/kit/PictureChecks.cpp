@@ -12,6 +12,7 @@
 #include "foundation/Path.h"
 #include "kit/Checks.h"
 #include "kit/PictureFile.h"
+#include "kit/TemplatePictures.h"
 
 namespace {
 
@@ -45,7 +46,11 @@ std::string sizeText(double width, double height) {
 void checkPictureFile(const InspectedBundle& bundle, const TreeItem& item, const WantedPicture* wanted,
                       Findings& findings) {
   const Place place{.file = item.path};
-  const PictureFile file = inspectPicture(bundle.read(item.path).value_or(""));
+  const std::string bytes = bundle.read(item.path).value_or("");
+  if (std::ranges::find(templatePictures(), bytes, &TemplatePicture::bytes) != templatePictures().end()) {
+    return findings.add("pictures.template", place);
+  }
+  const PictureFile file = inspectPicture(bytes);
   const double width = file.width;
   const double height = file.height;
   if (file.format.empty()) return findings.add("pictures.format", place);

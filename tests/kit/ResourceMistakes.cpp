@@ -202,6 +202,8 @@ const std::vector<Mistake>& resourceMistakes() {
        [](Of b) { b.write("de.lproj/Installer.png", b.read("Caution.png")); }},
       {"pictures.hidden-by", resources + "Caution.png", "one of the two",
        [](Of b) { b.write("Caution.icns", b.read("Installer.icns")); }},
+      {"pictures.template", resources + "Product.png", "of your own",
+       [](Of b) { b.write("Product.png", readFile(SOURCE_FOLDER "/src/kit/template/Product.png")); }},
 
       {"window.missing", resources + "CustomInstall.ui", "back", removing("CustomInstall.ui")},
       {"window.damaged", mainWindow, "Designer", editing(window, "</ui>", "")},

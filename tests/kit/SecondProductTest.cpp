@@ -30,6 +30,9 @@ class SecondProductTest : public ProgramTest {
       writeFile(bundle_ / "Contents/Resources" / (language + ".lproj") / "license.txt",
                 "%PRODUCTNAME% \u00A9 %COMPANYNAME%\n");
     }
+    for (const char* const picture : {"Product.png", "Installer.icns"}) {
+      writeFile(bundle_ / "Contents/Resources" / picture, readFile(fs::path(SOURCE_FOLDER "/resources") / picture));
+    }
     for (const char* const unused : {"HD", "PHOTOSHOP", "PHOTOSHOP_PLUGINS"}) fs::remove_all(payload_ / unused);
     writeFile(payload_ / "LIGHTROOM/Modules/Licht.lrplugin/Info.lua", "return { VERSION = { major = 7 } }\n");
     writeFile(payload_ / "LIGHTROOM/Develop Presets/Gr\u00FCn.lrtemplate", "s = {}\n");

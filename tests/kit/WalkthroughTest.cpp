@@ -24,6 +24,7 @@ using WalkthroughTest = ProgramTest;
 TEST_F(WalkthroughTest, LeadsFromNothingToAnInstalledUpgradedAndRemovedProduct) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs root: the commands install";
   fs::create_symlink(BUILD_FOLDER, folder_.path() / "build");
+  fs::create_symlink(SOURCE_FOLDER "/resources", folder_.path() / "resources");
   fs::create_symlink(SOURCE_FOLDER "/sample", folder_.path() / "sample");
   writeFile(folder_.path() / "script", documentedCommands());
   ASSERT_EQ(shell("env -u SUDO_UID -u DISPLAY -u WAYLAND_DISPLAY LANG=C bash script"), 0) << output();

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Draws the installer's pictures and the icons of the sample volume's applications:
+// Draws the installer's pictures, the icons of the sample volume's applications, and what a new bundle has in place of
+// its maker's pictures:
 //
-//   make-pictures resources sample/icons
+//   make-pictures resources sample/icons src/kit/template
 //
 // They are checked in; `ninja make-pictures` builds this, for whom wants to change them. Each has several pixels a
 // point, and is scaled down to where it is shown.
@@ -21,6 +22,7 @@
 
 #include "HostTiles.h"
 #include "IconFile.h"
+#include "TemplatePictures.h"
 
 namespace {
 
@@ -209,12 +211,13 @@ bool save(const QByteArray& bytes, const QString& path) {
 
 int main(int argc, char** argv) {
   const QCoreApplication application_(argc, argv);
-  if (argc != 3) {
-    std::cerr << "make-pictures FOLDER ICONS\n";
+  if (argc != 4) {
+    std::cerr << "make-pictures FOLDER ICONS TEMPLATE\n";
     return 64;
   }
   const QString folder = QString::fromLocal8Bit(argv[1]) + '/';
   const QString icons = QString::fromLocal8Bit(argv[2]) + '/';
+  const QString ofTemplate = QString::fromLocal8Bit(argv[3]) + '/';
   const bool isDone = save(product(), folder + "Product.png") && save(iconFile(installer), folder + "Installer.icns") &&
                       save(application(), folder + "GenericApplication.png") &&
                       save(dot(QColor(0x4c, 0x9b, 0xff), QColor(0x0b, 0x5f, 0xd6)), folder + "DotBlue.tiff") &&
@@ -224,6 +227,8 @@ int main(int argc, char** argv) {
                       save(hostTile("PH", QColor(0x1c, 0x8c, 0x7c)), icons + "Photoshop.icns") &&
                       save(hostTile("EL", QColor(0xa8, 0x4a, 0x78)), icons + "Elements.icns") &&
                       save(hostTile("LI", QColor(0xc4, 0x7a, 0x1a)), icons + "Lightroom.icns") &&
-                      save(hostTile("PE", QColor(0x5b, 0x64, 0x76)), icons + "Pelloria.icns");
+                      save(hostTile("PE", QColor(0x5b, 0x64, 0x76)), icons + "Pelloria.icns") &&
+                      save(templateProduct(), ofTemplate + "Product.png") &&
+                      save(iconFile(templateInstaller), ofTemplate + "Installer.icns");
   return isDone ? 0 : 1;
 }
