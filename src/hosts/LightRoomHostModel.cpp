@@ -7,6 +7,20 @@
 #include "payload/InstallerTexts.h"
 #include "payload/PlugInFilesModel.h"
 
+namespace {
+
+/// As it stands between quotes.
+std::string quotable(std::string_view text) {
+  std::string result;
+  for (const char character : text) {
+    if (character == '"' || character == '\\') result += '\\';
+    result += character;
+  }
+  return result;
+}
+
+}  // namespace
+
 std::shared_ptr<LightRoomHostModel> LightRoomHostModel::initWithHostName(Platform& platform, std::string name) {
   auto model = std::shared_ptr<LightRoomHostModel>(new LightRoomHostModel(platform, std::move(name)));
   model->hostIsInstalled_ = platform.files.exists(PlugInFilesModel(platform).lightRoomPresetDir());
@@ -27,7 +41,7 @@ std::string LightRoomHostModel::templateFileTextWithAppName(std::string_view app
       "  },\n"
       "  version = 0,\n"
       "  }\n";
-  const std::string product = shownProductName(platform_);
+  const std::string product = quotable(shownProductName(platform_));
   return formatted(format, platform_.identifiers.makeUuid(), product, product, "TIFF_None_16_ProPhotoRGB",
-                   joinPath(PlugInFilesModel(platform_).standAloneAppsInstallPath(), appName));
+                   quotable(joinPath(PlugInFilesModel(platform_).standAloneAppsInstallPath(), appName)));
 }

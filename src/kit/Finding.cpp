@@ -30,11 +30,8 @@ void Findings::add(std::string_view id, Place place, std::initializer_list<std::
                   .what = formatted(entry->what, arguments),
                   .consequence = formatted(entry->consequence, arguments),
                   .fix = formatted(entry->fix, arguments)};
-  const bool isKnown = std::ranges::any_of(findings_, [&](const Finding& known) {
-    return known.id == finding.id && known.what == finding.what && known.place.file == finding.place.file &&
-           known.place.key == finding.place.key && known.place.line == finding.place.line;
-  });
-  if (!isKnown) findings_.push_back(std::move(finding));
+  const std::string identity = finding.id + "\n" + finding.what + "\n" + shownPlace(finding.place);
+  if (known_.insert(identity).second) findings_.push_back(std::move(finding));
 }
 
 std::vector<Finding> Findings::sorted() const {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <initializer_list>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,6 +49,7 @@ class Findings {
 
  private:
   std::vector<Finding> findings_;
+  std::set<std::string> known_;  ///< what each says and where, on a line of its own
 };
 
 /// What the catalogue says of one kind of mistake.

@@ -63,6 +63,7 @@ std::string InspectedBundle::relativePath(const std::string& fullPath) const {
 }
 
 std::optional<std::string> InspectedBundle::read(const std::string& path) const {
+  if (platform_.interruptions.requested()) return std::nullopt;
   auto bytes = platform_.files.readFile(fullPath(path), largestInspectedFile);
   if (!bytes) return std::nullopt;
   return std::move(*bytes);

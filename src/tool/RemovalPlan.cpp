@@ -27,14 +27,24 @@ bool isFolder(const Platform& platform, const std::string& path) {
   return attributes && attributes->type == ItemType::folder;
 }
 
+/// Whether the name has the product's words in it, one after the other: "Light" is no word of "Lightroom".
+bool namesProduct(std::string_view name, const std::string& product) {
+  const auto isBoundary = [&](std::size_t place) {
+    return place == 0 || place >= name.size() || name[place] == ' ' || name[place] == '.' || name[place - 1] == ' ';
+  };
+  for (std::size_t at = name.find(product); at != std::string_view::npos; at = name.find(product, at + 1)) {
+    if (isBoundary(at) && isBoundary(at + product.size())) return true;
+  }
+  return false;
+}
+
 /// Whether the folder, or one above it, has the maker's or the product's name.
 bool hasMakersName(const Platform& platform, const std::string& folder) {
   const std::string company = companyName(platform);
   const std::string product = productName(platform);
   const auto components = split(folder, '/');
   return std::ranges::any_of(components, [&](std::string_view component) {
-    const bool isProducts = !product.empty() && component.find(product) != std::string_view::npos;
-    return isProducts || (!company.empty() && component == company);
+    return (!product.empty() && namesProduct(component, product)) || (!company.empty() && component == company);
   });
 }
 

@@ -111,6 +111,7 @@ class Tool {
       return ToolStatus::noInput;
     }
     const std::vector<Finding> findings = checkBundle(platform_);
+    if (platform_.interruptions.requested()) return ToolStatus::differences;  // run() gives the signal's
     if (request_.isJson) {
       streams_.output << findingsJson(findings, request_.kit.bundle);
     } else {

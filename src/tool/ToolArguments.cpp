@@ -10,6 +10,8 @@
 
 namespace {
 
+std::string isNotEmpty(const std::string& path) { return path.empty() ? "the path is empty" : ""; }
+
 /// The command line, and what it fills in.
 class CommandLine {
  public:
@@ -75,7 +77,10 @@ class CommandLine {
     CLI::App* const added = add(command, name, description);
     added->remove_option(added->get_option("--target"));
     added->remove_option(added->get_option("--json"));
-    added->add_option("BUNDLE", request_.kit.bundle, "The installer's bundle")->required()->type_name("");
+    added->add_option("BUNDLE", request_.kit.bundle, "The installer's bundle")
+        ->required()
+        ->type_name("")
+        ->check(isNotEmpty);
     return added;
   }
 
@@ -83,7 +88,10 @@ class CommandLine {
     CLI::App* const make = add(ToolRequest::Command::make, "new", "Make an installer's bundle for another product");
     make->remove_option(make->get_option("--target"));
     make->remove_option(make->get_option("--json"));
-    make->add_option("FOLDER", request_.kit.newFolder, "The folder to make")->required()->type_name("");
+    make->add_option("FOLDER", request_.kit.newFolder, "The folder to make")
+        ->required()
+        ->type_name("")
+        ->check(isNotEmpty);
   }
 
   void addCheck() {

@@ -95,6 +95,7 @@ TEST_F(HostsModelTest, WritesALightroomPreset) {
                       "  externalEditingFormat_dpi = 240,\n"
                       "  externalEditorFullPath  = \"/Applications/Studio.app\",\n  },\n  version = 0,\n  }\n");
   EXPECT_NE(host->templateFileTextWithAppName("Studio.app"), text) << "a new identifier every time";
+  EXPECT_NE(host->templateFileTextWithAppName("6\"\\9.app").find("/Applications/6\\\"\\\\9.app\""), std::string::npos);
 }
 
 }  // namespace

@@ -26,6 +26,7 @@ class RemoveTest : public MachineTest {
     writeFile(machine_.payload("HD/Library/Application Support/Corvane/Dunmore 3/Presets/night.preset"), "night");
     writeFile(machine_.payload("HD/Library/Application Support/Corvane/Dunmore 3/Presets/Old/day.preset"), "day");
     makeBundle(machine_.payload("PHOTOSHOP_PLUGINS/Corvane/Grain.plugin"), {{"CFBundleVersion", "3.1"}});
+    writeFile(machine_.payload("PHOTOSHOP_PLUGINS/Dunmore 30/bridge.js"), "bridge");
     writeFile(machine_.payload("PHOTOSHOP_PLUGINS/Panels/panel.js"), "panel");
     writeFile(on("/Applications/Other.app/Contents/MacOS/Other"), "somebody else's");
     before_ = stateOf(on(""));
@@ -74,7 +75,8 @@ TEST_F(RemoveTest, RestoresTheVolumeButForWhatItTellsOf) {
   steps.clear();
   const Answer answer = remove();
   EXPECT_EQ(answer.status, 0) << answer.output << answer.errors;
-  EXPECT_EQ(differences(before_, now()), Paths{plugIns_ + "/Panels"});
+  EXPECT_EQ(differences(before_, now()), (Paths{plugIns_ + "/Dunmore 30", plugIns_ + "/Panels"}))
+      << "neither folder has the product's name";
   EXPECT_NE(answer.output.find("kept: " + plugIns_ + "/Panels: an empty folder"), std::string::npos) << answer.output;
   EXPECT_FALSE(fs::exists(machine_.inLibrary("../.local/share/applications/com.corvane.studio.desktop")));
   EXPECT_EQ(remove().status, 0) << "nothing is left";

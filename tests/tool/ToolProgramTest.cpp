@@ -40,6 +40,7 @@ TEST_F(ToolProgramTest, EndsWithTheStatusesThatScriptsRelyOn) {
 
 TEST_F(ToolProgramTest, ChecksBundlesForTheirMakers) {
   EXPECT_EQ(tool("check"), 64);
+  EXPECT_EQ(tool("check ''"), 64);
   EXPECT_EQ(tool("check /nowhere"), 66);
   EXPECT_EQ(tool("check '" + folder_.path().string() + "'"), 66) << "no bundle";
   fs::remove(bundle_ / "Contents/Resources/fr.lproj/license.txt");
