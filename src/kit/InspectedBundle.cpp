@@ -20,8 +20,11 @@ InspectedBundle::InspectedBundle(Platform& platform)
       items_(platform.files.everythingBelow(platform.bundles.mainBundle().bundlePath()).valueOr({})),
       payloadFolder_(ownPayloadFolder) {
   settings_ = table(std::string(settingsTable));
-  if (const std::string beside = setting("payload"); !beside.empty()) {
-    payloadFolder_ = joinPath("..", beside);
+  const std::string& beside = setting("payload");
+  if (!beside.empty()) payloadFolder_ = joinPath("..", beside);
+  const bool isName = beside.find('/') == std::string::npos && beside != "." && beside != "..";
+  hasPayloadFolder_ = isName && platform.files.exists(fullPath(payloadFolder_));
+  if (!beside.empty() && hasPayloadFolder_) {
     for (TreeItem& item : platform.files.everythingBelow(fullPath(payloadFolder_)).valueOr({})) {
       item.path = joinPath(payloadFolder_, item.path);
       items_.push_back(std::move(item));

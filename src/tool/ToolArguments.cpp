@@ -153,7 +153,8 @@ class CommandLine {
 }  // namespace
 
 std::vector<std::string> ToolRequest::scriptArguments() const {
-  if (command == Command::preview) return {kit.bundle, kit.language, kit.appearance, kit.hosts, kit.pictures};
+  if (command == Command::preview)
+    return {kit.bundle, kit.language, kit.appearance, kit.hosts, kit.pictures, kit.payload};
   std::vector<std::string> arguments = {kit.bundle};
   if (!kit.identity.empty()) arguments.insert(arguments.end(), {"--sign", kit.identity});
   if (!kit.profile.empty()) arguments.insert(arguments.end(), {"--notarize", kit.profile});

@@ -42,6 +42,7 @@ struct ToolRequest {
     std::string appearance = {};  ///< preview: "light" or "dark"
     std::string hosts = "3";      ///< preview: number of applications to install into
     std::string pictures = {};    ///< preview: folder for pictures; empty: a window
+    std::string payload = {};     ///< preview: a folder beside the bundle; empty: it is in the bundle
   };
   Kit kit = {};
 };

@@ -6,6 +6,7 @@
 
 #include "foundation/Path.h"
 #include "foundation/Text.h"
+#include "kit/InspectedBundle.h"
 #include "platform/SystemPlatform.h"
 #include "tool/Tool.h"
 
@@ -22,6 +23,25 @@ std::string folderOf(const std::string& path) {
   return folder.empty() ? "." : folder;
 }
 
+int become(const std::string& script, const ToolRequest& request) {
+  return complain(becomeHelper(script, request.scriptArguments()).description(), ToolStatus::unavailable);
+}
+
+int preview(ToolRequest request) {
+  if (const auto system = makePlatformForMaker(request.kit.bundle)) {
+    const InspectedBundle bundle((*system)->platform());
+    if (!request.kit.language.empty() && !bundle.hasLanguage(request.kit.language)) {
+      return complain(request.kit.bundle + " has no language " + request.kit.language, ToolStatus::usage);
+    }
+    request.kit.payload = bundle.setting("payload");
+    if (!request.kit.payload.empty() && !bundle.hasPayloadFolder()) {
+      const std::string reason = " is no folder beside " + request.kit.bundle;
+      return complain("the payload \"" + request.kit.payload + "\"" + reason, ToolStatus::noInput);
+    }
+  }
+  return become("preview", request);
+}
+
 int run(int count, const char* const* words) {
   auto system = makeSystemPlatform(targetAmong(count, words), Surface::console);
   const ToolTexts texts(system ? &(*system)->platform() : nullptr);
@@ -34,10 +54,8 @@ int run(int count, const char* const* words) {
   using Command = ToolRequest::Command;
   const ToolRequest& request = arguments.request;
   const Command command = request.command;
-  if (command == Command::pack || command == Command::preview) {
-    const std::string script = command == Command::pack ? "pack" : "preview";
-    return complain(becomeHelper(script, request.scriptArguments()).description(), ToolStatus::unavailable);
-  }
+  if (command == Command::preview) return preview(request);
+  if (command == Command::pack) return become("pack", request);
   if (command == Command::make) system = makePlatformForMaker("", folderOf(request.kit.newFolder));
   if (command == Command::check) system = makePlatformForMaker(request.kit.bundle);
   if (!system) return complain(system.error().description(), ToolStatus::noInput);

@@ -65,7 +65,9 @@ TEST_F(MakersCommandsTest, PreviewTellsWhatItLacks) {
   EXPECT_EQ(namesIn(folder_.path() / "tmp"), "");
   configure({{"payload", "nowhere"}});
   EXPECT_EQ(tool("preview 'My Installer.app'"), 66);
-  EXPECT_TRUE(says("the payload nowhere is not beside")) << output();
+  EXPECT_TRUE(says("the payload \"nowhere\" is no folder beside")) << output();
+  EXPECT_EQ(tool("preview 'My Installer.app' --language xx"), 64);
+  configure({{"payload", ""}});
   fs::remove(bundle_ / "Contents/MacOS/Installer");
   EXPECT_EQ(tool("preview 'My Installer.app'"), 66);
   EXPECT_TRUE(says("no program for this system")) << output();
@@ -108,6 +110,9 @@ TEST_F(AssemblingTest, TakesNamesAndPayloadFromTheConfiguration) {
   EXPECT_EQ(output(), "builds/Grün-Blau 5 Installer.dmg\n");
   const fs::path app = folder_.path() / "builds/Installer.app/Contents";
   EXPECT_EQ(namesIn(app / "Resources/files"), "HD LIGHTROOM PHOTOSHOP PHOTOSHOP_PLUGINS");
+  EXPECT_FALSE(fs::exists(app / "Resources/fr.lproj")) << "not offered";
+  EXPECT_EQ(shell("find builds/Installer.app ! -type l ! -perm 755 ! -perm 644 | grep ."), 1) << output();
+  EXPECT_EQ(tool("check builds/Installer.app | grep payload"), 1) << output();
   EXPECT_EQ(namesIn(app), "Info.plist MacOS Resources SharedSupport") << "nothing of this system";
   const auto info = readPropertyList(readFile(app / "Info.plist"));
   ASSERT_TRUE(info);
@@ -126,10 +131,21 @@ TEST_F(AssemblingTest, RefusesWhatIsUnclear) {
   EXPECT_TRUE(says("installer.strings lacks \"product_version\"")) << output();
   configure({{"product_version", "1"}, {"payload", "nowhere"}});
   EXPECT_EQ(assemble(), 1);
-  EXPECT_TRUE(says("nowhere is no folder")) << output();
+  EXPECT_TRUE(says("the payload \"nowhere\" is no folder beside")) << output();
+  configure({{"payload", ".."}});
+  EXPECT_EQ(assemble(), 1);
+  configure({{"payload", "nowhere"}});
   fs::create_directory(folder_.path() / "nowhere");
   EXPECT_EQ(assemble(), 1);
   EXPECT_TRUE(says("there are two payloads")) << output();
+  configure({{"payload", ""}});
+  fs::create_symlink("/etc", bundle_ / "Contents/Resources/help");
+  EXPECT_EQ(assemble(), 1);
+  EXPECT_TRUE(says("Resources/help leads out of")) << output();
+  fs::remove(bundle_ / "Contents/Resources/help");
+  writeFile(bundle_ / "Contents/Info.plist", "<plist><dict>");
+  EXPECT_EQ(assemble(), 1);
+  EXPECT_TRUE(says("Info.plist is damaged")) << output();
 }
 
 }  // namespace
