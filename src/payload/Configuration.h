@@ -47,6 +47,9 @@ class Configuration {
  public:
   explicit Configuration(const Platform& platform) : bundle_(platform.bundles.mainBundle()) {}
 
+  /// Name of the folder beside the bundle with the payload that packing puts into it; empty when it is there already.
+  [[nodiscard]] std::string payloadBeside() const { return text("payload"); }
+
   /// Whether hosts of this kind are looked for. Aperture only is when it is named.
   [[nodiscard]] bool offersHost(std::string_view kind) const;
 

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "foundation/Text.h"
+#include "payload/Configuration.h"
+#include "payload/Payload.h"
 #include "platform/SystemPlatform.h"
 #include "shell/CommandLine.h"
 #include "shell/QuietInstall.h"
@@ -32,6 +34,12 @@ int complainOfWindow(const Error& error) {
   return complain("no window: " + error.description() + "; -quiet installs without one", statusUnavailable);
 }
 
+/// Whether the payload waits beside the bundle for being packed.
+bool lacksPayload(Platform& platform) {
+  const bool isBeside = !Configuration(platform).payloadBeside().empty();
+  return isBeside && !platform.files.exists(Payload(platform).folder(""));
+}
+
 int run(const std::vector<std::string_view>& arguments) {
   const CommandLine line = parseCommandLine(arguments);
   if (!line.problem.empty()) return complain(line.problem, statusUsage);
@@ -40,6 +48,12 @@ int run(const std::vector<std::string_view>& arguments) {
   if (!system) {
     const bool isWindowMissing = system.error().domain == noWindowDomain;
     return isWindowMissing ? complainOfWindow(system.error()) : complain(system.error().description(), statusNoInput);
+  }
+  if (lacksPayload((*system)->platform())) {
+    return complain(
+        "the payload is not in the bundle yet: move its folder to Contents/Resources/files and leave "
+        "\"payload\" in installer.strings empty, or have InstallerTool preview or pack put it there",
+        statusNoInput);
   }
 
   if (line.isQuiet) {

@@ -70,6 +70,16 @@ TEST_F(QuietInstallAsRootTest, NamesNoLogThatWasNotWritten) {
   EXPECT_FALSE(outcome.says("Items installed: 0")) << outcome.output;
 }
 
+TEST_F(QuietInstallAsRootTest, NeedsThePayloadInTheBundle) {
+  configure(bundle_, "payload", "Payload");
+  EXPECT_EQ(installForNobody().status, 0) << "as packing leaves it";
+  fs::rename(payload_, folder_.path() / "Payload");
+  const Outcome outcome = installForNobody();
+  EXPECT_EQ(outcome.status, 66);
+  EXPECT_NE(outcome.errors.find("the payload is not in the bundle yet"), std::string::npos) << outcome.errors;
+  EXPECT_EQ(outcome.output, "");
+}
+
 TEST_F(QuietInstallAsRootTest, NeedsTheDescriptionOfItsWindow) {
   fs::remove(bundle_ / "Contents/Resources/MainWindow.ui");
   EXPECT_EQ(
