@@ -23,10 +23,10 @@ class SecondProductTest : public ProgramTest {
                           {"product_version", "7.0.0"},
                           {"app_plist", "de.boehm.licht"},
                           {"installer_identifier", "de.boehm.licht.installer"},
-                          {"languages", "ar de en"},
+                          {"languages", "ar de en fr ja ko pl zh-Hans"},
                           {"hosts", "lightroom"}};
     for (const auto& [key, value] : values) configure(bundle_, key, value);
-    for (const std::string language : {"ar", "de", "en"}) {
+    for (const std::string language : {"ar", "de", "en", "fr", "ja", "ko", "pl", "zh-Hans"}) {
       writeFile(bundle_ / "Contents/Resources" / (language + ".lproj") / "license.txt",
                 "%PRODUCTNAME% \u00A9 %COMPANYNAME%\n");
     }
@@ -45,7 +45,7 @@ class SecondProductTest : public ProgramTest {
   const fs::path payload_ = bundle_ / "Contents/Resources/files";
 };
 
-TEST_F(SecondProductTest, IsMadeCheckedInstalledAndRemovedWithoutACompiler) {
+TEST_F(SecondProductTest, IsMadeInstalledUpgradedAndRemovedWithoutACompiler) {
   EXPECT_EQ(shell(INSTALLER_BUNDLE "/Contents/MacOS/InstallerTool new Kit"), 73) << "it is there already";
   EXPECT_EQ(shell(INSTALLER_BUNDLE "/Contents/MacOS/InstallerTool new nowhere/Kit"), 66);
   EXPECT_EQ(shell("grep -rliE 'corvane|dunmore|pelloria' Kit/*.txt Kit/Installer.app/Contents/Info.plist "
@@ -66,8 +66,22 @@ TEST_F(SecondProductTest, IsMadeCheckedInstalledAndRemovedWithoutACompiler) {
   EXPECT_NE(readFile(log).find("/Modules/Licht.lrplugin\n"), std::string::npos) << readFile(log);
   EXPECT_EQ(program("InstallerTool verify -" + target_), 0) << output();
   EXPECT_TRUE(says("Licht/Schatten")) << output();
+
+  configure(bundle_, "product_version", "7.1.0");
+  writeFile(payload_ / "LIGHTROOM/Modules/Licht.lrplugin/Info.lua", "return { VERSION = { major = 7, minor = 1 } }\n");
+  EXPECT_EQ(program("InstallerTool verify -" + target_), 1) << "another version";
+  EXPECT_EQ(program("Installer -quiet " + target_), 0) << output();
+  EXPECT_EQ(program("InstallerTool verify -" + target_), 0) << output();
   EXPECT_EQ(program("InstallerTool remove --yes -" + target_), 0) << output();
   EXPECT_EQ(allFiles(), before);
+}
+
+TEST_F(SecondProductTest, IsInstalledThroughItsWindow) {
+  fillIn();
+  ASSERT_EQ(program("InstallerTool preview Kit/Installer.app --pictures pages --hosts 2 --language ar"), 0) << output();
+  EXPECT_EQ(namesIn(folder_.path() / "pages"),
+            "completion.png custom-folder.png failure.png hosts.png installing.png licence.png ready.png "
+            "running-host.png");
 }
 
 TEST_F(SecondProductTest, IsPackedForMacs) {
