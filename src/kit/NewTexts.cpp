@@ -111,5 +111,7 @@ std::string instructions() {
    Installer.app/Contents/MacOS/InstallerTool check Installer.app
    Installer.app/Contents/MacOS/InstallerTool preview Installer.app
    Installer.app/Contents/MacOS/InstallerTool pack Installer.app
+
+   Packing needs the installer's sources: call it in their folder when the tool comes from elsewhere.
 )";
 }
