@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -41,6 +42,14 @@ ssize_t readFully(int file, std::vector<char>& buffer) {
     filled += static_cast<std::size_t>(got);
   }
   return static_cast<ssize_t>(filled);
+}
+
+bool isSameItem(int folder, const std::string& name, const std::string& otherName) {
+  struct stat one {};
+  struct stat other {};
+  return ::fstatat(folder, name.c_str(), &one, AT_SYMLINK_NOFOLLOW) == 0 &&
+         ::fstatat(folder, otherName.c_str(), &other, AT_SYMLINK_NOFOLLOW) == 0 && one.st_dev == other.st_dev &&
+         one.st_ino == other.st_ino;
 }
 
 /// A name in an open folder.
@@ -138,10 +147,17 @@ class TreeComparison {
     if (!expected) return fail(path);
     const auto found = listFolder(installed);
     if (!found) return differs({Difference::unreadable, path});
+    // Volumes of Macs find an item by other letters, too: upper or lower case, composed or not.
+    const auto isExpected = [&](const std::string& name) {
+      return std::ranges::any_of(*expected, [&](const FolderEntry& entry) {
+        const bool isListed = std::ranges::binary_search(*found, entry.name, {}, &FolderEntry::name);
+        return !isListed && isSameItem(installed, entry.name, name);
+      });
+    };
     auto next = found->begin();
     const auto tellOfExtras = [&](const std::string* before) {
       for (; next != found->end() && (before == nullptr || next->name < *before); ++next) {
-        if (!differs({Difference::extra, joinPath(path, next->name)})) return false;
+        if (!isExpected(next->name) && !differs({Difference::extra, joinPath(path, next->name)})) return false;
       }
       return true;
     };
