@@ -37,13 +37,16 @@ class RemoveCommand {
     if (const Status locked = lock(); !locked) {
       return complain(locked.error().description(), ToolStatus::unavailable);
     }
+    Remover remover(platform_, tools_);
+    const Status begun = remover.begin();
     // Only what was shown goes, as it was shown.
     const RemovalPlan plan = planRemoval(platform_, request_.keepsChanged);
+    if (!begun) return finish(plan, {.kept = plan.kept, .isDenied = tools_.isDenied(), .problem = begun.error()});
     if (!request_.isConfirmed && !(plan == shown)) {
       return complain(texts_("tool_remove_meanwhile", "The volume has changed meanwhile. Nothing was removed."),
                       ToolStatus::differences);
     }
-    return finish(plan, Remover(platform_, tools_).remove(plan));
+    return finish(plan, remover.remove(plan));
   }
 
  private:

@@ -36,16 +36,15 @@ class Remover::Observer : public TransactionObserver {
   std::size_t next_ = 0;
 };
 
-RemovalOutcome Remover::remove(const RemovalPlan& plan) {
-  outcome_ = {.kept = plan.kept};
+Status Remover::begin() {
   auto begun = tools_.beginTransaction();
-  if (!begun) {
-    outcome_.isDenied = tools_.isDenied();
-    outcome_.problem = begun.error();
-    return std::move(outcome_);
-  }
+  if (!begun) return begun.error();
   transaction_ = std::move(*begun);
-  outcome_.isBegun = true;
+  return {};
+}
+
+RemovalOutcome Remover::remove(const RemovalPlan& plan) {
+  outcome_ = {.kept = plan.kept, .isBegun = true};
   Observer observer(*this, plan.removed);
   const bool isStaged = stage(plan.removed);
   const Status flushed = isStaged ? transaction_->flush(observer) : Status();

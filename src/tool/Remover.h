@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/Result.h"
 #include "install/PrivilegedTools.h"
 #include "tool/RemovalPlan.h"
 
@@ -26,6 +27,10 @@ class Remover {
  public:
   Remover(Platform& platform, PrivilegedTools& tools) : platform_(platform), tools_(tools) {}
 
+  /// Puts back what a removal that was cut short had taken. The plan is made after that.
+  Status begin();
+
+  /// Once, after begin() succeeded.
   RemovalOutcome remove(const RemovalPlan& plan);
 
  private:

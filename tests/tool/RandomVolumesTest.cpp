@@ -189,7 +189,9 @@ TEST_P(RandomVolumesTest, RemovalTakesNothingButWhatWasInstalledAndTellsOfTheRes
     EXPECT_EQ(kept.reason, KeptPath::Reason::empty) << kept.path;
     expected.push_back(kept.path);
   }
-  const RemovalOutcome outcome = Remover(machine_.platform, tools).remove(removal);
+  Remover remover(machine_.platform, tools);
+  ASSERT_TRUE(remover.begin());
+  const RemovalOutcome outcome = remover.remove(removal);
   EXPECT_EQ(outcome.kept, removal.kept);
   for (const std::string& path : controller.installedPaths()) {
     EXPECT_FALSE(machine_.files.isTaken(path)) << path;

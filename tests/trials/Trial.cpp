@@ -20,6 +20,8 @@
 
 namespace {
 
+const std::string digestOfNothing = "none";
+
 std::uint64_t hashOf(std::string_view text) {
   std::uint64_t hash = 14695981039346656037U;  // FNV-1a
   for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
@@ -37,7 +39,7 @@ void chownAll(const fs::path& path, uid_t user) {
 
 std::string digestOf(const fs::path& path, bool withOwners) {
   struct stat status {};
-  if (::lstat(path.c_str(), &status) != 0) return "none";
+  if (::lstat(path.c_str(), &status) != 0) return digestOfNothing;
   std::string text = std::to_string(status.st_mode);
   if (withOwners) text += " " + std::to_string(status.st_uid) + ":" + std::to_string(status.st_gid);
   if (S_ISLNK(status.st_mode)) return text + fs::read_symlink(path).string();
@@ -106,10 +108,14 @@ Trial::Process Trial::start(Who who, const std::vector<std::string>& wrapper) co
 }
 
 Trial::Process Trial::start(Who who, const fs::path& volume, const std::vector<std::string>& wrapper) const {
-  static int number = 0;
-  Process process{.output = folder_.path() / ("output" + std::to_string(++number))};
   std::vector<std::string> words = wrapper;
   words.insert(words.end(), {bundle_ / "Contents/MacOS/Installer", "-quiet", "-target", volume});
+  return startProgram(who, std::move(words));
+}
+
+Trial::Process Trial::startProgram(Who who, std::vector<std::string> words) const {
+  static int number = 0;
+  Process process{.output = folder_.path() / ("output" + std::to_string(++number))};
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
@@ -166,6 +172,7 @@ Trial::State Trial::look(const fs::path& volume) const {
       ++state.old;
     } else {
       ++state.broken;
+      state.gone += digest == digestOfNothing ? 1 : 0;
     }
   }
   return state;

@@ -46,6 +46,8 @@ class Trial : public testing::Test {
   };
   [[nodiscard]] Process start(Who who, const std::vector<std::string>& wrapper = {}) const;
   [[nodiscard]] Process start(Who who, const fs::path& volume, const std::vector<std::string>& wrapper) const;
+  /// Starts another program, with its arguments.
+  [[nodiscard]] Process startProgram(Who who, std::vector<std::string> words) const;
   /// Waits for its end.
   [[nodiscard]] Run finish(const Process& process) const;
   [[nodiscard]] Run run(Who who, const std::vector<std::string>& wrapper = {}) const {
@@ -60,6 +62,7 @@ class Trial : public testing::Test {
     int old = 0;
     int fresh = 0;
     int broken = 0;  ///< bundles that are neither
+    int gone = 0;    ///< those of them of which nothing is there
 
     [[nodiscard]] bool isMixed() const { return old > 0 && fresh > 0; }
   };
