@@ -22,9 +22,7 @@ InspectedBundle::InspectedBundle(Platform& platform)
   settings_ = table(std::string(settingsTable));
   const std::string& beside = setting("payload");
   if (!beside.empty()) payloadFolder_ = joinPath("..", beside);
-  const bool isName = beside.find('/') == std::string::npos && beside != "." && beside != "..";
-  hasPayloadFolder_ = isName && platform.files.exists(fullPath(payloadFolder_));
-  if (!beside.empty() && hasPayloadFolder_) {
+  if (!beside.empty() && hasPayloadFolder()) {
     for (TreeItem& item : platform.files.everythingBelow(fullPath(payloadFolder_)).valueOr({})) {
       item.path = joinPath(payloadFolder_, item.path);
       items_.push_back(std::move(item));
@@ -32,6 +30,12 @@ InspectedBundle::InspectedBundle(Platform& platform)
   }
   for (const TreeItem& item : items_) byPath_[item.path] = &item;
   findLanguages();
+}
+
+bool InspectedBundle::hasPayloadFolder() const {
+  const std::string& beside = setting("payload");
+  const bool isName = beside.find('/') == std::string::npos && beside != "." && beside != "..";
+  return isName && platform_.files.exists(fullPath(payloadFolder_));
 }
 
 void InspectedBundle::findLanguages() {

@@ -42,7 +42,7 @@ class InspectedBundle {
 
   /// Path of the folder with the payload: in the bundle, or beside it where it waits for being packed.
   [[nodiscard]] const std::string& payloadFolder() const { return payloadFolder_; }
-  [[nodiscard]] bool hasPayloadFolder() const { return hasPayloadFolder_; }
+  [[nodiscard]] bool hasPayloadFolder() const;
 
   /// The table that says what the installer installs. Half a table makes wrong findings.
   [[nodiscard]] const StringsTable& settings() const { return settings_; }
@@ -62,7 +62,6 @@ class InspectedBundle {
   std::vector<std::string> languages_;
   StringsTable settings_;
   std::string payloadFolder_;
-  bool hasPayloadFolder_ = false;
 };
 
 inline constexpr std::string_view resourcesFolder = "Contents/Resources";
