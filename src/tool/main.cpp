@@ -2,7 +2,9 @@
 
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "foundation/Path.h"
 #include "foundation/Text.h"
@@ -42,9 +44,17 @@ int preview(ToolRequest request) {
   return become("preview", request);
 }
 
+/// For texts alone: the volume may be none. Null when there is no bundle either.
+std::unique_ptr<SystemPlatform> makeForOwnBundle() {
+  auto made = makePlatformForMaker("", ".");
+  return made ? std::move(*made) : nullptr;
+}
+
 int run(int count, const char* const* words) {
   auto system = makeSystemPlatform(targetAmong(count, words), Surface::console);
-  const ToolTexts texts(system ? &(*system)->platform() : nullptr);
+  const auto ofBundle = system ? nullptr : makeForOwnBundle();
+  Platform* const own = ofBundle != nullptr ? &ofBundle->platform() : nullptr;
+  const ToolTexts texts(system ? &(*system)->platform() : own);
   const ToolArguments arguments = readToolArguments(count, words, texts);
   if (!arguments.isRequest) {
     std::cout << arguments.output << std::flush;

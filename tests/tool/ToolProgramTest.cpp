@@ -28,6 +28,8 @@ TEST_F(ToolProgramTest, EndsWithTheStatusesThatScriptsRelyOn) {
   for (const char* const wrong : {"", "frob", "plan --frob", "plan --target", "verify --yes", "remove --json"}) {
     EXPECT_EQ(tool(wrong), 64) << wrong;
   }
+  EXPECT_EQ(tool("--version --target /nowhere"), 0);
+  EXPECT_EQ(output(), "Dunmore 3 3.1.2\n") << "which needs no volume";
   EXPECT_EQ(tool("plan --target /nowhere"), 66);
   EXPECT_EQ(tool("plan" + target_ + " >/dev/full"), 74);
   EXPECT_EQ(tool("verify" + target_), 1) << "nothing is installed";
