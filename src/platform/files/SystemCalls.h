@@ -17,6 +17,10 @@
 
 // What Linux and macOS both can do, each with calls of its own. Results are 0 or an errno value unless stated.
 
+[[nodiscard]] inline bool isSameItem(const struct stat& one, const struct stat& other) {
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
 /// Opens a folder as a starting point for other calls; needs only the right to search it.
 [[nodiscard]] FileDescriptor openFolderHandle(int folder, const char* name, bool followLink);
 

@@ -33,8 +33,7 @@ bool isOurs(const struct stat& status) {
 
 bool isNamed(int folder, const std::string& name, const struct stat& status) {
   struct stat named {};
-  return ::fstatat(folder, name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 && named.st_dev == status.st_dev &&
-         named.st_ino == status.st_ino;
+  return ::fstatat(folder, name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 && isSameItem(named, status);
 }
 
 }  // namespace

@@ -44,12 +44,11 @@ ssize_t readFully(int file, std::vector<char>& buffer) {
   return static_cast<ssize_t>(filled);
 }
 
-bool isSameItem(int folder, const std::string& name, const std::string& otherName) {
+bool areSame(int folder, const std::string& name, const std::string& otherName) {
   struct stat one {};
   struct stat other {};
   return ::fstatat(folder, name.c_str(), &one, AT_SYMLINK_NOFOLLOW) == 0 &&
-         ::fstatat(folder, otherName.c_str(), &other, AT_SYMLINK_NOFOLLOW) == 0 && one.st_dev == other.st_dev &&
-         one.st_ino == other.st_ino;
+         ::fstatat(folder, otherName.c_str(), &other, AT_SYMLINK_NOFOLLOW) == 0 && isSameItem(one, other);
 }
 
 /// A name in an open folder.
@@ -151,7 +150,7 @@ class TreeComparison {
     const auto isExpected = [&](const std::string& name) {
       return std::ranges::any_of(*expected, [&](const FolderEntry& entry) {
         const bool isListed = std::ranges::binary_search(*found, entry.name, {}, &FolderEntry::name);
-        return !isListed && isSameItem(installed, entry.name, name);
+        return !isListed && areSame(installed, entry.name, name);
       });
     };
     auto next = found->begin();

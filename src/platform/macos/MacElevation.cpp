@@ -33,10 +33,6 @@ std::optional<struct stat> statusOf(const Volume::Spot& place) {
   return status;
 }
 
-bool isSameItem(const struct stat& one, const struct stat& other) {
-  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
-}
-
 }  // namespace
 
 Status MacElevation::run(const std::string& tool, const std::vector<std::string>& arguments,
@@ -77,10 +73,14 @@ Status MacElevation::move(const Volume::Spot& from, const Volume::Spot& to, Move
   const auto source = pathOf(from);
   const auto target = pathOf(to);
   if (!source || !target) return systemError(ENOENT, to.resolved);
-  const char* const option = how == Move::toFreeName ? "-hn" : "-hf";
-  if (Status moved = run("/bin/mv", {option, *source, *target}, to); !moved) return moved;
-  const auto there = statusOf(to);
-  return there && isSameItem(*there, *item) ? Status() : Status(notPermitted(to));
+  const std::string option = how == Move::toFreeName ? "n" : "f";
+  // With -h, which only later systems know, mv follows no link to a folder.
+  for (const std::string links : {"-h", "-"}) {
+    if (links == "-" && old && S_ISLNK(old->st_mode)) break;
+    if (Status moved = run("/bin/mv", {links + option, *source, *target}, to); !moved) return moved;
+    if (const auto there = statusOf(to); there && isSameItem(*there, *item)) return {};
+  }
+  return notPermitted(to);
 }
 
 Status MacElevation::remove(const Volume::Spot& place) {

@@ -42,8 +42,7 @@ bool goesUp(const std::string& path) {
 bool areSame(int item, int otherItem) {
   struct stat one {};
   struct stat other {};
-  return ::fstat(item, &one) == 0 && ::fstat(otherItem, &other) == 0 && one.st_dev == other.st_dev &&
-         one.st_ino == other.st_ino;
+  return ::fstat(item, &one) == 0 && ::fstat(otherItem, &other) == 0 && isSameItem(one, other);
 }
 
 }  // namespace

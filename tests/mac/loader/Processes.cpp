@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -180,8 +181,10 @@ std::vector<std::string> commandHere(std::string_view tool, char* const* argumen
   if (tool == "/usr/bin/xattr" || tool == registrationTool) return {"/bin/true"};
   if (tool == "/usr/sbin/chown") command.front() = "/bin/chown";
   for (std::string& text : command) {
-    if (tool == "/bin/mv" && text == "-hn") text = "-nT";
-    if (tool == "/bin/mv" && text == "-hf") text = "-fT";
+    // A link to a folder is not followed by either; MAC_MV=old in the environment: mv does not know -h.
+    if (tool == "/bin/mv" && text.starts_with("-h") && std::getenv("MAC_MV") != nullptr) return {"/bin/false"};
+    if (tool == "/bin/mv" && (text == "-hn" || text == "-n")) text = "-nT";
+    if (tool == "/bin/mv" && (text == "-hf" || text == "-f")) text = "-fT";
     const bool isForAdmin = tool == "/usr/sbin/chown" && text.ends_with(":admin") && ::getgrnam("admin") == nullptr;
     if (isForAdmin) text.replace(text.size() - 5, 5, "80");  // its number on every Mac
   }
