@@ -36,9 +36,13 @@ int cloneFile(int source, int targetFolder, const char* name, bool losesQuaranti
   const FileDescriptor clone(::openat(targetFolder, name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
   struct stat status {};
   if (!clone || ::fstat(clone.get(), &status) != 0) return errno;
-  // A clone of a locked file is locked, too.
-  if (status.st_flags != 0 && ::fchflags(clone.get(), 0) != 0 && !isUnsupported(errno)) return errno;
-  if (!losesQuarantine || ::fremovexattr(clone.get(), quarantineMark.data(), 0) == 0) return 0;
+  // A clone of a locked file is locked, too. The other flags say how its content is kept, such as UF_COMPRESSED.
+  constexpr unsigned locks = UF_IMMUTABLE | UF_APPEND | SF_IMMUTABLE | SF_APPEND;
+  if ((status.st_flags & locks) != 0 && ::fchflags(clone.get(), status.st_flags & ~locks) != 0) return errno;
+  if (!losesQuarantine) return 0;
+  // Only who may write to an item may change its attributes. The caller gives the final mode.
+  if (::fchmod(clone.get(), S_IRUSR | S_IWUSR) != 0) return errno;
+  if (::fremovexattr(clone.get(), quarantineMark.data(), 0) == 0) return 0;
   return errno == ENOATTR ? 0 : errno;
 }
 
