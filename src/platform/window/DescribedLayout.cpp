@@ -7,6 +7,42 @@
 
 namespace {
 
+void turnMargin(DescribedElement& property) {
+  std::string& name = property.attributes["name"];
+  if (name == "leftMargin") {
+    name = "rightMargin";
+  } else if (name == "rightMargin") {
+    name = "leftMargin";
+  }
+}
+
+/// Gives the widget the place at the other side of what holds it, if it has one of its own.
+void turnPlace(DescribedElement& widget, double width) {
+  const Rect place = placeOf(widget);
+  for (DescribedElement& property : widget.children) {
+    if (property.name != "property" || property.attribute("name") != "geometry") continue;
+    for (DescribedElement& rect : property.children) {
+      for (DescribedElement& part : rect.children) {
+        if (part.name == "x") part.text = std::to_string(width - place.origin.x - place.size.width);
+      }
+    }
+  }
+}
+
+void mirrorInside(DescribedElement& element, double width) {
+  const bool isWidget = element.name == "widget";
+  if (isWidget)
+    width = element.sizeOf("geometry")
+                .value_or(element.sizeOf("minimumSize").value_or(Size{.width = width, .height = 0}))
+                .width;
+  if (element.attribute("class") == "QHBoxLayout") std::ranges::reverse(element.children);
+  for (DescribedElement& child : element.children) {
+    if (element.name == "layout" && child.name == "property") turnMargin(child);
+    if (isWidget && child.name == "widget") turnPlace(child, width);
+    mirrorInside(child, width);
+  }
+}
+
 bool growsByNature(const std::string& kind) { return kind == "QTextEdit" || kind == "QListWidget"; }
 
 }  // namespace
@@ -52,6 +88,8 @@ std::unique_ptr<LayoutItem> spaceOf(const DescribedElement& spacer) {
       isAcross ? Size{.width = size.width, .height = 0} : Size{.width = 0, .height = size.height}, isAcross && !isFixed,
       !isAcross && !isFixed);
 }
+
+void mirror(DescribedElement& description) { mirrorInside(description, 0); }
 
 Rect placeOf(const DescribedElement& widget) {
   const DescribedElement* const rect = widget.property("geometry");

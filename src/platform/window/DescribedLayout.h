@@ -31,5 +31,8 @@ struct Limits {
 
 [[nodiscard]] std::unique_ptr<LayoutItem> spaceOf(const DescribedElement& spacer);
 
+/// Turns a description around, for a language that is read from the right.
+void mirror(DescribedElement& description);
+
 /// Returns the place of a widget without a layout around it, from the upper left corner of what holds it.
 [[nodiscard]] Rect placeOf(const DescribedElement& widget);

@@ -21,8 +21,9 @@ std::optional<std::string> AppKitToolkit::runOpenPanel(const OpenPanel& panel) {
 Result<std::unique_ptr<Interface>> AppKitToolkit::loadInterface(const std::string& name, InterfaceOwner& owner) {
   const auto bytes = readDescription(name);
   if (!bytes) return bytes.error();
-  const auto description = parseInterfaceFile(*bytes);
+  auto description = parseInterfaceFile(*bytes);
   if (!description) return unusable(name, description.error().reason());
+  if (bundle().localizedString("layout_direction") == "rightToLeft") mirror(*description);
   @autoreleasepool {
     BuiltInterface built = buildInterface(*description);
     if (built.top.get() == nil) return unusable(name, "there is nothing in it");
