@@ -13,7 +13,7 @@ NSString* typedText(NSEvent* event) {
   if (([event modifierFlags] & commands) != 0 || [text length] == 0) return nil;
   const unichar first = [text characterAtIndex:0];
   const bool isFunctionKey = first >= 0xF700 && first <= 0xF8FF;
-  const bool isControl = (first < ' ' && first != '\r') || first == 0x7F;
+  const bool isControl = (first < ' ' && first != '\r' && first != 0x03) || first == 0x7F;
   return isFunctionKey || isControl ? nil : text;
 }
 

@@ -13,6 +13,10 @@
 - (void)windowWillClose:(NSNotification*)notification {
   if (windows_ != nullptr) windows_->closed([notification object]);
 }
+- (void)stopApplication {
+  [NSApp stop:nil];
+  wakeEventLoop();  // the loop ends after an event
+}
 - (NSUInteger)applicationShouldTerminate:(NSApplication*)application {
   // The program ends by itself once its windows are closed, and leaves nothing half done.
   if (windows_ != nullptr) windows_->closeAll();
@@ -88,6 +92,6 @@ void AppKitWindows::closed(NSWindow* window) {
   if (shown_.erase(window) == 0 || !shown_.empty()) return;
   if (delegate_ != nullptr && !delegate_->applicationShouldTerminateAfterLastWindowClosed()) return;
   hasEnded_ = true;
-  [NSApp stop:nil];
-  wakeEventLoop();  // the loop ends after an event
+  // While a panel is up, only its loop would end: this comes after it.
+  [windowDelegate_.get() performSelector:@selector(stopApplication) withObject:nil afterDelay:0];
 }

@@ -49,6 +49,7 @@ extern "C" NSString* const NSFileHandleDataAvailableNotification;
 @interface NSObject (Later)
 + (void)cancelPreviousPerformRequestsWithTarget:(id)target;
 - (void)performSelector:(SEL)selector withObject:(id)object afterDelay:(NSTimeInterval)seconds inModes:(NSArray*)modes;
+- (void)performSelector:(SEL)selector withObject:(id)object afterDelay:(NSTimeInterval)seconds;
 @end
 
 @interface NSString : NSObject
