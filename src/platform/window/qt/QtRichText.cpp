@@ -2,6 +2,7 @@
 
 #include "platform/window/qt/QtRichText.h"
 
+#include <QGuiApplication>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <algorithm>
@@ -53,7 +54,10 @@ QTextCharFormat characterFormat(const RichText::Attributes& attributes, const QC
 QTextBlockFormat paragraphFormat(const RichText::Attributes& attributes) {
   QTextBlockFormat format;
   switch (attributes.alignment) {
-    case RichText::Alignment::natural: break;
+    case RichText::Alignment::natural:
+      // Also what has only letters of another direction, such as an application's name.
+      if (QGuiApplication::isRightToLeft()) format.setAlignment(Qt::AlignRight | Qt::AlignAbsolute);
+      break;
     case RichText::Alignment::centre: format.setAlignment(Qt::AlignHCenter); break;
     case RichText::Alignment::right: format.setAlignment(Qt::AlignRight | Qt::AlignAbsolute); break;
     case RichText::Alignment::justified: format.setAlignment(Qt::AlignJustify); break;

@@ -2,6 +2,7 @@
 
 #include <QBuffer>
 #include <QGridLayout>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -161,6 +162,11 @@ TEST(RichTextTest, BecomesADocumentThatCanBeRead) {
       EXPECT_GE(contrast(palette.color(role), palette.color(QPalette::Base)), 3) << role;
     }
   }
+  QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+  QTextDocument mirrored;
+  showRichText(mirrored, text, Qt::white);
+  QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+  EXPECT_TRUE(mirrored.firstBlock().blockFormat().alignment().testFlag(Qt::AlignRight)) << "a name in Latin letters";
 }
 
 }  // namespace
