@@ -53,6 +53,7 @@ TEST_F(MakersCommandsTest, PreviewPicturesEveryPage) {
   }
   EXPECT_EQ(namesIn(folder_.path() / "tmp"), "") << "the volume is thrown away";
   EXPECT_FALSE(fs::exists(bundle_ / "Contents/Resources/files")) << "the bundle is left alone";
+  EXPECT_EQ(tool("preview 'My Installer.app' --pictures pages"), 73) << "nobody's pictures are overwritten";
 }
 
 TEST_F(MakersCommandsTest, PreviewTellsWhatItLacks) {
