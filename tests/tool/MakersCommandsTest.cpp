@@ -2,6 +2,9 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
+
+#include <algorithm>
 
 #include "foundation/Text.h"
 #include "platform/posix/FileDescriptor.h"
@@ -87,6 +90,22 @@ TEST_F(MakersCommandsTest, PackNeedsABundleAndTheSources) {
   EXPECT_TRUE(says("make-mac-app: ")) << output();
 }
 
+TEST_F(MakersCommandsTest, DiskImagesHaveNamesOfAnyLengthAndComeWhole) {
+  if (shell("command -v xorriso") != 0) GTEST_SKIP() << "xorriso is not installed";
+  const std::string make = "'" SOURCE_FOLDER "/tools/mac/make-disk-image' ";
+  const std::string name = "xÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄ.dmg";  // with a letter across the 32nd byte
+  writeFile(folder_.path() / "images/App.app/program", "program");
+  writeFile(folder_.path() / "images/unfinished-image-1/volume", "of one that was killed");
+  ASSERT_EQ(shell(make + "images/App.app images/" + name), 0) << output();
+  const std::string image = readFile(folder_.path() / "images" / name);
+  ASSERT_GT(image.size(), 512U);
+  EXPECT_EQ(image.substr(image.size() - 512, 4), "koly");
+  EXPECT_EQ(shell(make + "images/nothing.app images/" + name), 1);
+  EXPECT_TRUE(says("make-disk-image: ") && !says("Traceback")) << output();
+  EXPECT_TRUE(readFile(folder_.path() / "images" / name) == image) << "the earlier one stays";
+  EXPECT_EQ(namesIn(folder_.path() / "images"), "App.app " + name);
+}
+
 /// What packing makes of a bundle before it becomes a disk image, with programs of this system in the place of a Mac's.
 class AssemblingTest : public MakersCommandsTest {
  protected:
@@ -98,7 +117,13 @@ class AssemblingTest : public MakersCommandsTest {
       fs::copy(INSTALLER_BUNDLE "/Contents/Info.plist", contents / "Info.plist");
     }
   }
-  int assemble() { return shell("'" SOURCE_FOLDER "/tools/mac/assemble-app' builds 'My Installer.app'"); }
+  int assemble() { return shell("umask 077; '" SOURCE_FOLDER "/tools/mac/assemble-app' builds 'My Installer.app'"); }
+  /// Whether the bundle is refused with one sentence that has this in it.
+  bool isRefused(const std::string& sentence) {
+    return assemble() == 1 && output().starts_with("assemble-app: ") && says(sentence) && !says("Traceback");
+  }
+
+  const fs::path resources_ = bundle_ / "Contents/Resources";
 };
 
 TEST_F(AssemblingTest, TakesNamesAndPayloadFromTheConfiguration) {
@@ -113,7 +138,8 @@ TEST_F(AssemblingTest, TakesNamesAndPayloadFromTheConfiguration) {
   EXPECT_EQ(namesIn(app / "Resources/files"), "HD LIGHTROOM PHOTOSHOP PHOTOSHOP_PLUGINS");
   EXPECT_FALSE(fs::exists(app / "Resources/fr.lproj")) << "not offered";
   EXPECT_EQ(shell("find builds/Installer.app ! -type l ! -perm 755 ! -perm 644 | grep ."), 1) << output();
-  EXPECT_EQ(tool("check builds/Installer.app | grep payload"), 1) << output();
+  EXPECT_EQ(shell("grep -rF Nutzlast builds/Installer.app/Contents/Resources/en.lproj"), 1) << output();
+  EXPECT_EQ(shell("find builds/Installer.app/Contents/MacOS/Installer -perm 755 | grep ."), 0);
   EXPECT_EQ(namesIn(app), "Info.plist MacOS Resources SharedSupport") << "nothing of this system";
   const auto info = readPropertyList(readFile(app / "Info.plist"));
   ASSERT_TRUE(info);
@@ -126,27 +152,56 @@ TEST_F(AssemblingTest, TakesNamesAndPayloadFromTheConfiguration) {
   EXPECT_EQ(entryOf(*info, "CFBundleLocalizations"), Value(Value::Array{Value("de"), Value("en")}));
 }
 
+TEST_F(AssemblingTest, ReadsTheConfigurationAsTheProgramDoes) {
+  const fs::path settings = resources_ / "en.lproj/installer.strings";
+  const std::string text =
+      replacingOccurrences(readFile(settings), "\"Dunmore 3\"", R"('Bl\U00e4u\UD83d\ude00 \"\101\"')");
+  writeFile(settings,
+            text + "// \"payload\" = \"nowhere\"; /*\nfree = \"//\"; /* \"product_name\" = \"\"; */ alone;\n");
+  ASSERT_EQ(assemble(), 0) << output();
+  EXPECT_EQ(output(), "builds/Bläu😀 \"A\" Installer.dmg\n");
+  ASSERT_EQ(shell("iconv -t UTF-16LE '" + settings.string() + "' >wide && mv wide '" + settings.string() + "'"), 0);
+  ASSERT_EQ(assemble(), 0) << output();
+  EXPECT_EQ(output(), "builds/Bläu😀 \"A\" Installer.dmg\n");
+  writeFile(settings, text + "\"free\" = \"x\"\n\"payload\" = \"\";\n");
+  EXPECT_TRUE(isRefused("line " + std::to_string(1 + std::count(text.begin(), text.end(), '\n')) + ":")) << output();
+}
+
 TEST_F(AssemblingTest, RefusesWhatIsUnclear) {
   configure({{"product_version", ""}});
-  EXPECT_EQ(assemble(), 1);
-  EXPECT_TRUE(says("installer.strings lacks \"product_version\"")) << output();
+  EXPECT_TRUE(isRefused("My Installer.app/Contents/Resources/en.lproj/installer.strings lacks \"product_version\""))
+      << output();
   configure({{"product_version", "1"}, {"payload", "nowhere"}});
-  EXPECT_EQ(assemble(), 1);
-  EXPECT_TRUE(says("the payload \"nowhere\" is no folder beside")) << output();
-  configure({{"payload", ".."}});
-  EXPECT_EQ(assemble(), 1);
-  configure({{"payload", "nowhere"}});
+  EXPECT_TRUE(isRefused("the payload \"nowhere\" is no folder beside")) << output();
   fs::create_directory(folder_.path() / "nowhere");
-  EXPECT_EQ(assemble(), 1);
-  EXPECT_TRUE(says("there are two payloads")) << output();
-  configure({{"payload", ""}});
-  fs::create_symlink("/etc", bundle_ / "Contents/Resources/help");
-  EXPECT_EQ(assemble(), 1);
-  EXPECT_TRUE(says("Resources/help leads out of")) << output();
-  fs::remove(bundle_ / "Contents/Resources/help");
-  writeFile(bundle_ / "Contents/Info.plist", "<plist><dict>");
-  EXPECT_EQ(assemble(), 1);
-  EXPECT_TRUE(says("Info.plist is damaged")) << output();
+  EXPECT_TRUE(isRefused("there are two payloads")) << output();
+  for (const std::string elsewhere : {".", "..", "tmp/../nowhere", "/tmp"}) {
+    configure({{"payload", elsewhere}});
+    EXPECT_TRUE(isRefused("the payload \"" + elsewhere + "\" is no folder beside")) << output();
+  }
+}
+
+TEST_F(AssemblingTest, RefusesWhatCannotBePacked) {
+  const fs::path item = resources_ / "files/item";
+  for (const char* const elsewhere : {"/etc/passwd", "../../../../tmp", "../../../../My Installer.app/Contents"}) {
+    fs::create_symlink(elsewhere, item);
+    EXPECT_TRUE(isRefused("My Installer.app/Contents/Resources/files/item leads out of")) << output();
+    fs::remove(item);
+  }
+  ASSERT_EQ(::mkfifo(item.c_str(), 0600), 0);
+  EXPECT_TRUE(isRefused("files/item is neither")) << output();
+  fs::remove(item);
+  const fs::path info = bundle_ / "Contents/Info.plist";
+  for (const char* const name : {"..", "/", "a\nb"}) {
+    writeFile(info, "<plist><dict><key>CFBundleName</key><string>" + std::string(name) + "</string></dict></plist>");
+    EXPECT_TRUE(isRefused("no disk image can be called")) << output();
+  }
+  writeFile(info, "<plist><dict><key>CFBundle");
+  EXPECT_TRUE(isRefused("My Installer.app/Contents/Info.plist is no property list")) << output();
+  const fs::path settings = resources_ / "en.lproj/installer.strings";
+  fs::remove(settings);
+  ASSERT_EQ(::mkfifo(settings.c_str(), 0600), 0);
+  EXPECT_TRUE(isRefused("there is no file")) << output();
 }
 
 }  // namespace
